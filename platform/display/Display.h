@@ -1,0 +1,87 @@
+// Where windows are seen. One abstract class, one folder for each implementation, one list that
+// chooses: an X server (x11/) if DISPLAY names one and TDKVIZ_DISPLAY isn't "memory", else memory (memory/).
+#pragma once
+
+#include <windef.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "platform/gdi/Raster.h"
+
+namespace tdkp {
+
+using WindowId = uint32_t;
+
+// What the display reports. Calls come on the display's own thread (x11), or on the thread that feeds
+// input (memory), without the dispatcher's lock. Coordinates are client coordinates of the window.
+class DisplaySink {
+public:
+    virtual void OnMouse(WindowId window, uint32_t message, WPARAM keys, int x, int y, uint32_t time) = 0;
+    virtual void OnWheel(WindowId window, int delta, WPARAM keys, int x, int y, uint32_t time) = 0;
+    // `virtualKey` is a VK_ number; `text` is the character for WM_CHAR or 0.
+    virtual void OnKey(WindowId window, bool down, uint32_t virtualKey, uint32_t text, bool altDown, uint32_t time) = 0;
+    virtual void OnFocus(WindowId window, bool gained) = 0;
+    virtual void OnCloseRequest(WindowId window) = 0;                         // the window manager asks
+    virtual void OnMovedOrSized(WindowId window, int x, int y, int width, int height) = 0;  // top-level only
+    virtual void OnExposed(WindowId window, const RECT& rect) = 0;            // server lost these pixels
+    virtual void OnDestroyed(WindowId window) = 0;                            // by its foreign parent, or the server
+
+protected:
+    ~DisplaySink() = default;
+};
+
+struct DisplayWindowInfo {
+    WindowId parent = 0;  // 0: top level; may be a window that this layer didn't make
+    int x = 0, y = 0, width = 1, height = 1;
+    bool topLevel = true;
+    bool resizable = true;
+    std::string className;
+    std::string title;
+};
+
+class Display {
+public:
+    virtual ~Display() = default;
+
+    virtual PixelFormat Format() const = 0;
+    virtual SIZE ScreenSize() const = 0;
+    // 256 entries 0x00RRGGBB for an indexed display, else null.
+    virtual const uint32_t* Palette() const = 0;
+
+    // 0 on failure. The window is not shown yet.
+    virtual WindowId CreateWindow(const DisplayWindowInfo& info) = 0;
+    virtual void DestroyWindow(WindowId window) = 0;
+    virtual void Move(WindowId window, int x, int y, int width, int height) = 0;
+    virtual void Show(WindowId window, bool visible, bool activate) = 0;
+    virtual void Raise(WindowId window) = 0;
+    virtual void SetTitle(WindowId window, const std::string& title) = 0;
+    virtual void SetFullScreen(WindowId window, bool on) = 0;
+    virtual void SetAlwaysOnTop(WindowId window, bool on) = 0;
+    virtual void SetFocus(WindowId window) = 0;
+    virtual void SetCapture(WindowId window, bool on) = 0;
+    virtual void SetCursorShape(WindowId window, uint32_t shape) = 0;  // IDC_ number, 0 hides it
+
+    // Does a window of this id exist that some other client made?
+    virtual bool IsForeign(WindowId window) const = 0;
+    // Screen position and size of any window's client area, a foreign one included. False if there is none.
+    virtual bool GetScreenRect(WindowId window, RECT* rect) const = 0;
+
+    // Memory for the picture of a window, shared with the server where it serves that. The memory stays
+    // the same until the next call for that window; it is given back with the window.
+    virtual bool MakePicture(WindowId window, int width, int height, Raster* raster) = 0;
+    virtual void DropPicture(WindowId window) = 0;
+    // Sends this part of the window's picture to the screen, and returns when the picture's memory may
+    // be written again.
+    virtual void PutPicture(WindowId window, const RECT& rect) = 0;
+};
+
+// The process's display, made on first use for `sink`. Never null: memory is always there.
+Display& TheDisplay(DisplaySink& sink);
+// Ends the connection and the display's thread; called when the last window has gone.
+void CloseDisplay();
+// "x11" or "memory", of the display in use or that would be used.
+const char* DisplayName();
+
+}  // namespace tdkp

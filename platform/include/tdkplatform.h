@@ -1,0 +1,42 @@
+// The layer's own switches: display, clock, pictures of windows, input fed by a program. They have no
+// counterpart on Windows; programs that run there too don't include this header.
+#pragma once
+
+#include "windef.h"
+
+// Clock. The stepped clock must be asked for before anything of the layer is used. It stands still
+// until TdkpAdvanceClock moves it; that call runs the waits that fall due in order of time and comes
+// back when every thread that the layer made waits again. Milliseconds.
+TDKP_API BOOL TdkpUseSteppedClock(void);
+TDKP_API void TdkpAdvanceClock(DWORD milliseconds);
+// Comes back when every thread that the layer made waits, without moving the clock.
+TDKP_API void TdkpSettle(void);
+
+// Display. Must be asked for before the first window: the memory display with this size and depth
+// (32, 16, 15 or 8). FALSE if a display is in use already.
+TDKP_API BOOL TdkpUseMemoryDisplay(int width, int height, int depth);
+// "x11" or "memory".
+TDKP_API const char* TdkpDisplayName(void);
+// What a person would see of the window's client area and its children, covering aside: width x height
+// pixels 0x00RRGGBB, top row first. FALSE if there is no such window or the buffer is too small.
+// Any thread.
+TDKP_API BOOL TdkpReadWindow(HWND window, DWORD* pixels, int capacity, int* width, int* height);
+
+// Input, as if it came from the display: client coordinates. Any thread.
+TDKP_API void TdkpFeedMouse(HWND window, UINT message, WPARAM keys, int x, int y);
+TDKP_API void TdkpFeedKey(HWND window, BOOL down, UINT virtualKey, UINT character);
+TDKP_API void TdkpFeedClose(HWND window);
+
+// For hosts with a message loop of their own: serves all that waits for the calling thread and gives
+// the number served, never blocks; and a descriptor that is readable while something waits for it.
+TDKP_API uint32_t TdkpDispatchMessages(void);
+TDKP_API int TdkpMessageFd(void);
+
+// For tests: how many handles, windows and GDI objects of the layer exist in this process.
+struct TdkpCounts {
+    int32_t handles;
+    int32_t windows;
+    int32_t gdiObjects;
+    int32_t threads;  // made by CreateThread and not ended
+};
+TDKP_API void TdkpCount(struct TdkpCounts* counts);

@@ -1,0 +1,20 @@
+// Paths as the program gives them, with either separator, and as the system takes them.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace tdkp {
+
+// The place behind the last separator, either of them; 0 if there is none.
+size_t NameStart(std::string_view path);
+
+// The path as it stands if there is something under it, else with every backslash made a slash.
+std::string NativePath(std::string_view path);
+
+// Seen from the current folder now, so that a later change of it doesn't matter. Links stay.
+std::string AbsolutePath(const std::string& path);
+
+bool EqualsIgnoringCase(std::string_view left, std::string_view right);
+
+}  // namespace tdkp

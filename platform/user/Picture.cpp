@@ -1,0 +1,141 @@
+#include "platform/user/Picture.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "platform/user/WindowTable.h"
+
+namespace tdkp {
+namespace {
+
+void CopyRows(const Raster& from, uint8_t* to, int32_t toPitch, int32_t width, int32_t height) {
+    const size_t bytes = static_cast<size_t>(width) * static_cast<size_t>(BytesPerPixel(from.format));
+    for (int32_t row = 0; row < height; ++row)
+        std::memcpy(to + static_cast<ptrdiff_t>(row) * toPitch, from.topRow + static_cast<ptrdiff_t>(row) * from.pitch, bytes);
+}
+
+// The index of black in the display's palette; 0 in all other formats.
+int BlackPixel(const Raster& raster) {
+    constexpr int kColors = 256;
+    for (int i = 0; raster.format == PixelFormat::kIndexed8 && raster.palette != nullptr && i < kColors; ++i) {
+        if (raster.palette[i] == 0)
+            return i;
+    }
+    return 0;
+}
+
+bool MakeLarger(Display& display, HWND window, const RECT& client, const Raster& old, Raster* made) {
+    const int32_t width = std::min(old.width, client.right);
+    const int32_t height = std::min(old.height, client.bottom);
+    const int32_t keptPitch = old.topRow != nullptr ? width * BytesPerPixel(old.format) : 0;
+    std::vector<uint8_t> kept(static_cast<size_t>(keptPitch) * static_cast<size_t>(std::max(height, 0)));
+    if (!kept.empty())
+        CopyRows(old, kept.data(), keptPitch, width, height);
+    if (!display.MakePicture(IdOf(window), client.right, client.bottom, made) || made->topRow == nullptr)
+        return false;
+    const size_t rowBytes = static_cast<size_t>(made->width) * static_cast<size_t>(BytesPerPixel(made->format));
+    const int black = BlackPixel(*made);
+    for (int32_t row = 0; row < made->height; ++row)
+        std::memset(made->topRow + static_cast<ptrdiff_t>(row) * made->pitch, black, rowBytes);
+    if (!kept.empty() && old.format == made->format) {
+        const Raster source = {kept.data(), keptPitch, width, height, old.format, nullptr};
+        CopyRows(source, made->topRow, made->pitch, width, height);
+    }
+    return true;
+}
+
+}  // namespace
+
+int32_t BytesPerPixel(PixelFormat format) {
+    switch (format) {
+        case PixelFormat::kIndexed8:
+            return 1;
+        case PixelFormat::kRgb555:
+        case PixelFormat::kRgb565:
+            return 2;
+        case PixelFormat::kRgb24:
+            return 3;
+        case PixelFormat::kRgb32:
+        case PixelFormat::kBgr32:
+            return 4;
+        case PixelFormat::kNone:
+        case PixelFormat::kMono:
+            break;
+    }
+    return 0;
+}
+
+bool TryHoldPicture(DispatcherGuard&, Window& window, uint32_t thread) {
+    WindowPicture& picture = window.picture;
+    if (picture.depth != 0 && picture.holder != thread)
+        return false;
+    picture.holder = thread;
+    ++picture.depth;
+    return true;
+}
+
+Window* HoldPicture(DispatcherGuard& guard, HWND handle, uint32_t thread) {
+    auto held = [&] {
+        Window* window = FindWindowState(guard, handle);
+        return window == nullptr || TryHoldPicture(guard, *window, thread);
+    };
+    WaitUntilReady(guard, held, kInfinite);
+    return FindWindowState(guard, handle);
+}
+
+void LetGoPicture(DispatcherGuard& guard, Window& window) {
+    WindowPicture& picture = window.picture;
+    while (picture.depth == 1 && picture.raster.topRow != nullptr && !IsRectEmpty(&picture.exposed)) {
+        const RECT all = {0, 0, picture.raster.width, picture.raster.height};
+        RECT shown;
+        IntersectRect(&shown, &picture.exposed, &all);
+        picture.exposed = RECT{0, 0, 0, 0};
+        TerminationDeferral deferral;
+        guard.unlock();
+        if (!IsRectEmpty(&shown))
+            window.display->PutPicture(IdOf(window.handle), shown);
+        guard.lock();
+    }
+    if (--picture.depth == 0) {
+        picture.holder = 0;
+        picture.exposed = RECT{0, 0, 0, 0};
+        WakeWaiters(guard);
+    }
+}
+
+bool FitPicture(DispatcherGuard& guard, Window& window) {
+    WindowPicture& picture = window.picture;
+    const RECT client = window.Client();
+    if (IsRectEmpty(&client) || !window.MayHavePicture())
+        return false;
+    const bool fits = picture.raster.topRow != nullptr && picture.raster.width == client.right &&
+                      picture.raster.height == client.bottom;
+    // Inside a nested hold the outer one still draws on the old memory.
+    if (fits || picture.depth > 1)
+        return picture.raster.topRow != nullptr;
+    const Raster old = picture.raster;
+    Raster made;
+    TerminationDeferral deferral;
+    guard.unlock();
+    const bool works = MakeLarger(*window.display, window.handle, client, old, &made);
+    guard.lock();
+    picture.raster = works ? made : Raster();
+    return works;
+}
+
+void DropHeldPicture(DispatcherGuard& guard, Window& window) {
+    if (window.picture.raster.topRow == nullptr)
+        return;
+    window.picture.raster = Raster();
+    TerminationDeferral deferral;
+    guard.unlock();
+    window.display->DropPicture(IdOf(window.handle));
+    guard.lock();
+}
+
+void ForgetHolds(WindowPicture& picture, uint32_t thread) {
+    if (picture.depth > 0 && picture.holder == thread)
+        picture.depth = 0;
+}
+
+}  // namespace tdkp

@@ -1,0 +1,92 @@
+#include "platform/user/Sink.h"
+
+#include "platform/kernel/Immortal.h"
+#include "platform/user/Focus.h"
+#include "platform/user/Input.h"
+#include "platform/user/MessageQueue.h"
+#include "platform/user/Paint.h"
+#include "platform/user/Picture.h"
+#include "platform/user/SentCalls.h"
+#include "platform/user/WindowDestroy.h"
+#include "platform/user/WindowPosition.h"
+#include "platform/user/WindowTable.h"
+
+namespace tdkp {
+namespace {
+
+uint32_t ThreadOf(HWND window) {
+    DispatcherGuard guard(DispatcherLock());
+    const Window* state = FindWindowState(guard, window);
+    return state != nullptr ? state->thread : 0;
+}
+
+class UserSink final : public DisplaySink {
+public:
+    void OnMouse(WindowId window, uint32_t message, WPARAM keys, int x, int y, uint32_t time) override {
+        QueueMouse(HandleOf(window), message, keys, POINT{x, y}, time);
+    }
+
+    void OnWheel(WindowId window, int delta, WPARAM keys, int x, int y, uint32_t time) override {
+        const WPARAM both = MAKEWPARAM(LOWORD(keys), static_cast<WORD>(delta));
+        QueueMouse(HandleOf(window), WM_MOUSEWHEEL, both, POINT{x, y}, time);
+    }
+
+    void OnKey(WindowId window, bool down, uint32_t virtualKey, uint32_t text, bool altDown, uint32_t time) override {
+        QueueKey(HandleOf(window), KeyStroke{down, virtualKey, text, altDown, time});
+    }
+
+    void OnFocus(WindowId window, bool gained) override {
+        const HWND handle = HandleOf(window);
+        PostWork(ThreadOf(handle), [handle, gained] { gained ? Activate(handle) : Deactivate(handle); });
+    }
+
+    void OnCloseRequest(WindowId window) override { PostMessageA(HandleOf(window), WM_CLOSE, 0, 0); }
+
+    // Reports that come faster than the thread takes them are merged.
+    void OnMovedOrSized(WindowId window, int x, int y, int width, int height) override {
+        const HWND handle = HandleOf(window);
+        uint32_t thread = 0;
+        {
+            DispatcherGuard guard(DispatcherLock());
+            Window* state = FindWindowState(guard, handle);
+            if (state == nullptr)
+                return;
+            state->displayRect = RECT{x, y, x + width, y + height};
+            if (state->displayRectPending)
+                return;
+            state->displayRectPending = true;
+            thread = state->thread;
+        }
+        PostWork(thread, [handle] { TakeDisplayRect(handle); });
+    }
+
+    void OnExposed(WindowId window, const RECT& rect) override {
+        const uint32_t thread = CurrentThreadId();
+        DispatcherGuard guard(DispatcherLock());
+        Window* state = FindWindowState(guard, HandleOf(window));
+        if (state == nullptr)
+            return;
+        const RECT former = state->picture.exposed;
+        UnionRect(&state->picture.exposed, &former, &rect);
+        if (!TryHoldPicture(guard, *state, thread))
+            return;
+        if (state->picture.raster.topRow == nullptr)
+            InvalidateState(guard, *state, rect, true);
+        LetGoPicture(guard, *state);
+    }
+
+    void OnDestroyed(WindowId window) override {
+        const HWND handle = HandleOf(window);
+        PostWork(ThreadOf(handle), [handle] { DestroyOnOwner(handle); });
+    }
+};
+
+struct SinkHolder {
+    UserSink sink;
+};
+
+}  // namespace
+
+DisplaySink& TheSink() { return Immortal<SinkHolder>().sink; }
+
+}  // namespace tdkp

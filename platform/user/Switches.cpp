@@ -1,0 +1,161 @@
+// The layer's own switches that concern windows and messages; see tdkplatform.h.
+#include <windows.h>
+
+#include <tdkplatform.h>
+
+#include <algorithm>
+
+#include "platform/user/Input.h"
+#include "platform/user/Picture.h"
+#include "platform/user/SentCalls.h"
+#include "platform/user/Sink.h"
+#include "platform/user/WindowTable.h"
+
+namespace tdkp {
+namespace {
+
+// A handler that keeps giving its thread work doesn't keep the host's loop in here.
+constexpr uint32_t kMostServed = 1000;
+
+constexpr uint32_t Widen(uint32_t value, int bits) {
+    const uint32_t top = value << (8 - bits);
+    return (top | (top >> bits)) & 0xFF;
+}
+
+uint32_t ColorAt(const Raster& raster, const uint8_t* row, int32_t x) {
+    const uint8_t* at = row + static_cast<ptrdiff_t>(x) * BytesPerPixel(raster.format);
+    const auto word = [at] { return static_cast<uint32_t>(at[0] | at[1] << 8); };
+    switch (raster.format) {
+        case PixelFormat::kIndexed8:
+            return raster.palette != nullptr ? raster.palette[*at] & 0xFFFFFF : 0;
+        case PixelFormat::kRgb555:
+            return Widen(word() >> 10 & 31, 5) << 16 | Widen(word() >> 5 & 31, 5) << 8 | Widen(word() & 31, 5);
+        case PixelFormat::kRgb565:
+            return Widen(word() >> 11, 5) << 16 | Widen(word() >> 5 & 63, 6) << 8 | Widen(word() & 31, 5);
+        case PixelFormat::kRgb24:
+        case PixelFormat::kRgb32:
+            return static_cast<uint32_t>(at[2] << 16 | at[1] << 8 | at[0]);
+        case PixelFormat::kBgr32:
+            return static_cast<uint32_t>(at[0] << 16 | at[1] << 8 | at[2]);
+        case PixelFormat::kNone:
+        case PixelFormat::kMono:
+            break;
+    }
+    return 0;
+}
+
+struct Layer {
+    HWND window;
+    POINT origin;  // in the window that is read
+    RECT seen;     // in the same coordinates
+};
+
+// The window and what is shown inside it, from the bottom up.
+void AppendLayers(const DispatcherGuard& guard, const Window& window, Layer layer, std::vector<Layer>* layers) {
+    layers->push_back(layer);
+    for (auto handle = window.children.rbegin(); handle != window.children.rend(); ++handle) {
+        const Window* child = FindWindowState(guard, *handle);
+        if (child == nullptr || (child->style & WS_VISIBLE) == 0)
+            continue;
+        RECT place = child->bounds;
+        OffsetRect(&place, layer.origin.x, layer.origin.y);
+        Layer inner = {*handle, {place.left, place.top}, {0, 0, 0, 0}};
+        if (IntersectRect(&inner.seen, &place, &layer.seen))
+            AppendLayers(guard, *child, inner, layers);
+    }
+}
+
+void CopyLayer(const Layer& layer, uint32_t thread, DWORD* pixels, int32_t width) {
+    DispatcherGuard guard(DispatcherLock());
+    Window* window = HoldPicture(guard, layer.window, thread);
+    if (window == nullptr)
+        return;
+    const Raster raster = window->picture.raster;
+    guard.unlock();
+    for (LONG y = layer.seen.top; y < layer.seen.bottom; ++y) {
+        const LONG sourceY = y - layer.origin.y;
+        const uint8_t* row = raster.topRow != nullptr && sourceY < raster.height
+                                 ? raster.topRow + static_cast<ptrdiff_t>(sourceY) * raster.pitch
+                                 : nullptr;
+        for (LONG x = layer.seen.left; x < layer.seen.right; ++x) {
+            const LONG sourceX = x - layer.origin.x;
+            const bool inside = row != nullptr && sourceX < raster.width;
+            pixels[static_cast<ptrdiff_t>(y) * width + x] = inside ? ColorAt(raster, row, sourceX) : 0;
+        }
+    }
+    guard.lock();
+    LetGoPicture(guard, *window);
+}
+
+}  // namespace
+}  // namespace tdkp
+
+using tdkp::DispatcherGuard;
+using tdkp::DispatcherLock;
+
+TDKP_API BOOL TdkpReadWindow(HWND window, DWORD* pixels, int capacity, int* width, int* height) {
+    const uint32_t thread = tdkp::CurrentThreadId();
+    std::vector<tdkp::Layer> layers;
+    RECT client;
+    {
+        DispatcherGuard guard(DispatcherLock());
+        const tdkp::Window* state = tdkp::FindWindowState(guard, window);
+        if (state == nullptr)
+            return FALSE;
+        client = state->Client();
+        tdkp::AppendLayers(guard, *state, tdkp::Layer{window, {0, 0}, client}, &layers);
+    }
+    if (width != nullptr)
+        *width = client.right;
+    if (height != nullptr)
+        *height = client.bottom;
+    if (pixels == nullptr || int64_t{client.right} * client.bottom > capacity)
+        return FALSE;
+    for (const tdkp::Layer& layer : layers)
+        tdkp::CopyLayer(layer, thread, pixels, client.right);
+    return TRUE;
+}
+
+TDKP_API void TdkpFeedMouse(HWND window, UINT message, WPARAM keys, int x, int y) {
+    POINT point = {x, y};
+    {
+        DispatcherGuard guard(DispatcherLock());
+        tdkp::Window* state = tdkp::FindWindowState(guard, window);
+        if (state == nullptr)
+            return;
+        window = tdkp::WindowAt(guard, *state, &point);
+    }
+    tdkp::QueueMouse(window, message, keys, point, GetTickCount());
+}
+
+TDKP_API void TdkpFeedKey(HWND window, BOOL down, UINT virtualKey, UINT character) {
+    const bool alt = (GetKeyState(VK_MENU) & 0x8000) != 0;
+    tdkp::TheSink().OnKey(tdkp::IdOf(window), down != FALSE, virtualKey, character, alt, GetTickCount());
+}
+
+TDKP_API void TdkpFeedClose(HWND window) { tdkp::TheSink().OnCloseRequest(tdkp::IdOf(window)); }
+
+TDKP_API uint32_t TdkpDispatchMessages() {
+    uint32_t served = 0;
+    MSG message;
+    while (served < tdkp::kMostServed && PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
+        ++served;
+        if (message.message == WM_QUIT) {
+            // Meant for a loop that runs until then; the host's own goes on.
+            continue;
+        }
+        TranslateMessage(&message);
+        DispatchMessageA(&message);
+    }
+    return served;
+}
+
+TDKP_API int TdkpMessageFd() {
+    const uint32_t thread = tdkp::CurrentThreadId();
+    DispatcherGuard guard(DispatcherLock());
+    tdkp::MessageQueue& queue = tdkp::QueueOf(guard, thread);
+    const int descriptor = queue.fd.Descriptor();
+    queue.lastLook = GetTickCount();
+    tdkp::SyncMessageFd(guard, queue);
+    return descriptor;
+}

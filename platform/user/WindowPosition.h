@@ -1,0 +1,14 @@
+// Where windows are, in which order, and whether they are shown.
+#pragma once
+
+#include "platform/user/WindowState.h"
+
+namespace tdkp {
+
+// Takes over what the display reported of a top-level window. On the window's thread.
+void TakeDisplayRect(HWND window);
+
+// Brings the siblings above a child window into the display's order, if any of them meets it.
+void RaiseSiblings(HWND window);
+
+}  // namespace tdkp

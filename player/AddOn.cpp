@@ -1,0 +1,115 @@
+#include "player/AddOn.h"
+
+#include <array>
+
+#include "player/ExitCode.h"
+#include "player/Values.h"
+
+namespace tdkplay {
+namespace {
+
+constexpr char kAddOnFile[] = "tdkviz.so";
+constexpr char kCodecsFolder[] = "Codecs";
+constexpr char kSettingsKey[] = "Software\\Corvane\\Visualizations";
+constexpr char kEffectsSetting[] = "VizOn";
+
+// The path block: where the add-on's companions lie.
+std::string PathBlock(const std::string& folder) {
+    std::string block;
+    const auto add = [&block](const std::string& entry) { block.append(entry).push_back('\0'); };
+    add("DT_Common=" + folder);
+    add("DT_Plugins=" + folder);
+    add("DT_Codecs=" + folder + "/" + kCodecsFolder);
+    block.push_back('\0');
+    return block;
+}
+
+template <typename Function>
+Function FindExport(HMODULE library, const char* name) {
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library, name)));
+}
+
+bool HasStoredEffectsSetting() {
+    HKEY key = nullptr;
+    if (RegOpenKeyExA(HKEY_CURRENT_USER, kSettingsKey, 0, KEY_READ, &key) != ERROR_SUCCESS) return false;
+    const bool found = RegQueryValueExA(key, kEffectsSetting, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
+    RegCloseKey(key);
+    return found;
+}
+
+}  // namespace
+
+std::string OwnFolder() {
+    std::array<char, 4096> path = {};
+    const DWORD length = GetModuleFileNameA(nullptr, path.data(), static_cast<DWORD>(path.size()));
+    const std::string file(path.data(), length);
+    const size_t separator = file.find_last_of("/\\");
+    return separator == std::string::npos ? "." : file.substr(0, separator);
+}
+
+AddOn::AddOn(const std::string& folder, HostContext& context) {
+    // A first run shows the effects; after that the user's own choice counts.
+    const bool isFirstRun = !HasStoredEffectsSetting();
+    Start(folder, context);
+    configuration_ = QueryFor<IMPAAdvancedConfiguration>(manager_.Get(), kIID_IMPAAdvancedConfiguration);
+    if (!configuration_ || !isFirstRun) return;
+    const auto values = MakeCom<Values>();
+    values->SetNumber(kConfigEffects, 1);
+    configuration_->SetConfiguration(values.Get());
+}
+
+void AddOn::Start(const std::string& folder, HostContext& context) {
+    const std::string path = folder + "/" + kAddOnFile;
+    library_.reset(LoadLibraryA(path.c_str()));
+    if (!library_) throw PlayerError(ExitCode::kNoAddOn, path + ": can't be loaded");
+    const auto create = FindExport<TKCreateInstanceFunction>(library_.get(), kCreateInstanceName);
+    if (const auto setPaths = FindExport<SetDLLAccessPathFunction>(library_.get(), kSetDLLAccessPathName))
+        setPaths(PathBlock(folder).c_str());
+
+    ComPtr<IUnknown> object;
+    if (!create || FAILED(create(object.Receive())))
+        throw PlayerError(ExitCode::kNoAddOn, path + ": makes no component");
+    component_ = QueryFor<ITKCommandButton>(object.Get(), kIID_ITKCommandButton);
+    if (component_) component_->Initialize(&context);
+    manager_ = QueryFor<IMPAVizMgr>(component_.Get(), kIID_IMPAVizMgr);
+    if (!manager_) throw PlayerError(ExitCode::kNoAddOn, path + ": isn't a visualization add-on");
+}
+
+// The manager goes with Shutdown whatever its count says, so its interfaces are let go before that.
+AddOn::~AddOn() {
+    RestoreConfiguration();
+    configuration_.Reset();
+    manager_.Reset();
+    if (component_) component_->Shutdown();
+    component_.Reset();
+}
+
+void AddOn::Configure(const PictureSettings& settings) {
+    if (!configuration_) return;
+    ComPtr<IKVAValues> before;
+    const auto wanted = MakeCom<Values>();
+    const auto overridden = MakeCom<Values>();
+    if (FAILED(configuration_->GetConfiguration(before.Receive()))) return;
+    const auto set = [&](const char* key, uint32_t value) {
+        uint32_t old = value;
+        before->GetNumber(key, &old);
+        if (old != value) overridden->SetNumber(key, old);
+        wanted->SetNumber(key, value);
+    };
+    if (settings.FrameRate) set(kConfigFrameRate, *settings.FrameRate);
+    if (settings.Effects) set(kConfigEffects, *settings.Effects ? 1 : 0);
+    if (settings.Randomize) set(kConfigRandomize, *settings.Randomize ? 1 : 0);
+    configuration_->SetConfiguration(wanted.Get());
+    userConfiguration_ = ComPtr<IKVAValues>(overridden.Get());
+}
+
+void AddOn::RestoreConfiguration() {
+    if (configuration_ && userConfiguration_) configuration_->SetConfiguration(userConfiguration_.Get());
+}
+
+void AddOn::AnnounceTrack() {
+    if (const auto observer = QueryFor<ITKTrackObserver>(manager_.Get(), kIID_ITKTrackObserver))
+        observer->OnTrackChange(nullptr);
+}
+
+}  // namespace tdkplay

@@ -1,0 +1,52 @@
+// The add-on in the player's process: loads tdkviz from a folder, keeps the component, and takes it down
+// in the order that the contract asks for.
+#pragma once
+
+#include <tdkviz/viz.h>
+#include <windows.h>
+
+#include <memory>
+#include <string>
+
+#include "player/HostContext.h"
+#include "player/Options.h"
+
+namespace tdkplay {
+
+// The folder of the running program, without a separator at its end.
+std::string OwnFolder();
+
+class AddOn {
+public:
+    // Throws PlayerError with kNoAddOn. The context must outlive this object, and so must the audio: while
+    // a hook is registered, deliveries may come.
+    AddOn(const std::string& folder, HostContext& context);
+    ~AddOn();
+    AddOn(const AddOn&) = delete;
+    AddOn& operator=(const AddOn&) = delete;
+
+    IMPAVizMgr& Manager() { return *manager_; }
+
+    // Puts the options in force that are given. They are for this run: what the user had set comes back
+    // at the end.
+    void Configure(const PictureSettings& settings);
+    // Another piece begins.
+    void AnnounceTrack();
+
+private:
+    struct LibraryCloser {
+        using pointer = HMODULE;
+        void operator()(HMODULE library) const { FreeLibrary(library); }
+    };
+
+    void Start(const std::string& folder, HostContext& context);
+    void RestoreConfiguration();
+
+    std::unique_ptr<HMODULE, LibraryCloser> library_;
+    ComPtr<ITKCommandButton> component_;
+    ComPtr<IMPAVizMgr> manager_;
+    ComPtr<IMPAAdvancedConfiguration> configuration_;
+    ComPtr<IKVAValues> userConfiguration_;  // what Configure has overridden
+};
+
+}  // namespace tdkplay

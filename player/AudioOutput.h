@@ -1,0 +1,57 @@
+// Where audio goes: one abstract class, one file for each kind, one list that chooses.
+#pragma once
+
+#include <windows.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "player/Decoder.h"
+
+namespace tdkplay {
+
+// How far ahead of the listener the player writes, in seconds.
+inline constexpr double kTargetLatency = 0.120;
+
+// A device that plays one format. It begins paused. Any thread may call anything.
+class AudioOutput {
+public:
+    virtual ~AudioOutput() = default;
+
+    virtual const char* Name() const = 0;
+    // Sample frames that can be written now.
+    virtual size_t Room() = 0;
+    // A limit for the wait until `frames` fit, in milliseconds; INFINITE if the wake event tells it.
+    virtual uint32_t WaitForRoom(size_t frames) = 0;
+    // At most Room() frames, interleaved.
+    virtual void Write(const int16_t* samples, size_t frames) = 0;
+    // Seconds from the end of what was written to what is heard now.
+    virtual double Latency() = 0;
+    // The largest Latency() to expect.
+    virtual double LargestLatency() const = 0;
+    // Paused, it keeps what it holds and costs nothing.
+    virtual void SetPaused(bool paused) = 0;
+    // Forgets what was written and not heard yet.
+    virtual void Flush() = 0;
+    // After the last Write: play what is there, however little.
+    virtual void BeginDrain() = 0;
+    // All that was written has been heard; a limit for the wait until then, as WaitForRoom.
+    virtual bool IsDrained() = 0;
+    virtual uint32_t WaitForDrain() = 0;
+    // The device is gone, or has become another one since the last call.
+    virtual bool HasFailed() { return false; }
+    virtual bool TakeMoved() { return false; }
+};
+
+// "auto" and the names of the list.
+std::vector<std::string> OutputNames();
+
+// Opens the output of this name; "auto" takes the first that opens. `wake` is an event that the output sets
+// when there is room again or something has happened to the device; it must outlive the output. Throws
+// PlayerError with kNoSound if the output that was asked for doesn't open.
+std::unique_ptr<AudioOutput> OpenOutput(const std::string& name, const PcmFormat& format, HANDLE wake);
+
+}  // namespace tdkplay

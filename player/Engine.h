@@ -1,0 +1,40 @@
+// The playback engine as the add-on sees it: state, delay and preferences for one device in one format.
+// Another device or format is another engine.
+#pragma once
+
+#include <tdkviz/host.h>
+
+#include <atomic>
+
+#include "player/Values.h"
+
+namespace tdkplay {
+
+// The states beside the two that the contract names.
+inline constexpr uint32_t kEngineStateStopped = 0;
+
+class Engine final : public ComObject<ITKPlaybackEngine, IKVAAudioDelay> {
+public:
+    // `largestDelay` in seconds: the most that SetDelay will be given.
+    explicit Engine(double largestDelay);
+
+    // [any]
+    void SetState(uint32_t state) { state_ = state; }
+    // Before each delivery: seconds from the end of this delivery to what is heard now.
+    void SetDelay(double seconds);
+
+    HRESULT QueryInterface(const GUID& id, void** out) override;
+    uint32_t GetState() override { return state_; }
+    uint32_t QueryEngineFlag(uint32_t flag) override { return flag == kEngineFlagVisualize ? 1 : 0; }
+    HRESULT GetPreferences(IKVAValues** values) override;
+    HRESULT GetConfiguredDelay(uint32_t* milliseconds) override;
+    HRESULT GetCurrentDelay(uint32_t* milliseconds) override;
+
+private:
+    const uint32_t largestDelay_;  // milliseconds
+    const ComPtr<Values> preferences_;
+    std::atomic<uint32_t> state_ = kEngineStateStopped;
+    std::atomic<uint32_t> delay_ = 0;  // milliseconds
+};
+
+}  // namespace tdkplay

@@ -1,0 +1,33 @@
+// How tdkplay ends, for scripts, and the exception that carries such an end to main.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace tdkplay {
+
+enum class ExitCode : int {
+    kDone = 0,            // played to the end, closed by the user, or did what was asked
+    kInternalError = 1,   // a fault of the player itself
+    kUsage = 2,           // an option that doesn't exist, or a value that doesn't fit
+    kFileUnreadable = 3,  // the audio file is missing or can't be read
+    kUnknownFormat = 4,   // the audio file holds no audio that the player understands
+    kUnknownPlugin = 5,   // --viz names no plug-in, or more than one
+    kNoPlugins = 6,       // the folder Visualizations holds no plug-in
+    kNoDisplay = 7,       // a window was asked for and there is no display
+    kNoAddOn = 8,         // tdkviz can't be loaded or started
+    kCannotWrite = 9,     // a picture or the demo file can't be written
+    kNoSound = 10,        // the sound output that was asked for doesn't open
+};
+
+// One line for the user and the exit code that goes with it. Never crosses an interface.
+class PlayerError : public std::runtime_error {
+public:
+    PlayerError(ExitCode code, const std::string& message) : std::runtime_error(message), code_(code) {}
+    ExitCode Code() const { return code_; }
+
+private:
+    ExitCode code_;
+};
+
+}  // namespace tdkplay

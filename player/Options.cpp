@@ -1,0 +1,124 @@
+#include "player/Options.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdio>
+#include <iostream>
+#include <map>
+
+#include "player/AudioOutput.h"
+#include "player/ExitCode.h"
+#include "player/SilentOutput.h"
+
+namespace tdkplay {
+namespace {
+
+constexpr int kSmallestSide = 16;
+constexpr int kLargestSide = 8192;
+constexpr uint32_t kSlowestRate = 10;
+constexpr uint32_t kFastestRate = 30;
+constexpr double kLongestTime = 24.0 * 3600.0;
+
+constexpr char kFooter[] =
+    "Keys: Space pauses, Left and Right go 5 seconds, Up and Down change the plug-in, F fills the screen,\n"
+    "Escape goes back or quits.\n"
+    "Exit codes: 0 done, 2 usage, 3 file can't be read, 4 unknown format, 5 unknown plug-in, 6 no plug-ins,\n"
+    "7 no display, 8 add-on can't be loaded, 9 picture can't be written, 10 sound output doesn't open.";
+
+// What CLI11 fills and Options doesn't keep as it stands.
+struct RawOptions {
+    std::string Size;
+    std::vector<std::string> Pictures;
+    std::vector<double> Times;
+    bool NoAudio = false;
+};
+
+PlayerError UsageError(const std::string& message) {
+    return {ExitCode::kUsage, message};
+}
+
+void ParseSize(const std::string& text, Options& options) {
+    int width = 0;
+    int height = 0;
+    char rest = 0;
+    if (std::sscanf(text.c_str(), "%dx%d%c", &width, &height, &rest) != 2)
+        throw UsageError("--size: \"" + text + "\" isn't WIDTHxHEIGHT");
+    if (std::min(width, height) < kSmallestSide || std::max(width, height) > kLargestSide)
+        throw UsageError("--size: each side must be from " + std::to_string(kSmallestSide) + " to " +
+                         std::to_string(kLargestSide) + " pixels");
+    options.Width = width;
+    options.Height = height;
+}
+
+void PairSnapshots(const RawOptions& raw, Options& options) {
+    if (raw.Pictures.size() != raw.Times.size())
+        throw UsageError("each --snapshot FILE needs an --at SECONDS of its own");
+    for (size_t i = 0; i < raw.Pictures.size(); ++i) options.Snapshots.push_back({raw.Pictures[i], raw.Times[i]});
+    std::stable_sort(options.Snapshots.begin(), options.Snapshots.end(),
+                     [](const SnapshotRequest& a, const SnapshotRequest& b) { return a.At < b.At; });
+    if (options.Duration && !options.Snapshots.empty() && options.Snapshots.back().At > *options.Duration)
+        throw UsageError("--at lies beyond --duration");
+}
+
+void Declare(CLI::App& app, Options& options, RawOptions& raw) {
+    const std::map<std::string, bool> onOff = {{"on", true}, {"off", false}};
+    app.set_version_flag("--version", TDKVIZ_VERSION);
+    app.footer(kFooter);
+    app.add_option("FILE", options.File, "Audio file; without one the player's own piece");
+    app.add_flag("--list", options.List, "List the plug-ins: name, path");
+    app.add_option("--viz", options.Plugin, "Plug-in to show: its name, its file's name, or how one begins");
+    app.add_option("--size", raw.Size, "Size of the picture (640x480)")->type_name("WxH");
+    app.add_option("--fps", options.Picture.FrameRate, "Frames a second, 10 to 30")
+        ->check(CLI::Range(kSlowestRate, kFastestRate));
+    app.add_option("--effects", options.Picture.Effects, "Feedback effects on or off")
+        ->transform(CLI::CheckedTransformer(onOff, CLI::ignore_case))
+        ->type_name("on|off");
+    app.add_option("--randomize", options.Picture.Randomize, "Effects that change by themselves, on or off")
+        ->transform(CLI::CheckedTransformer(onOff, CLI::ignore_case))
+        ->type_name("on|off");
+    app.add_option("--snapshot", raw.Pictures, "Write a picture (PNG); may come several times")
+        ->type_name("FILE")
+        ->expected(1)
+        ->take_all();
+    app.add_option("--at", raw.Times, "When to take it, in seconds heard; one for each --snapshot")
+        ->check(CLI::Range(0.0, kLongestTime))
+        ->type_name("SECONDS")
+        ->expected(1)
+        ->take_all();
+    auto* headless = app.add_flag("--headless", options.Headless,
+                                  "Show no window; with --snapshot, run faster than real time without sound");
+    app.add_flag("--window", options.Window, "Show a window or fail")->excludes(headless);
+    app.add_option("--duration", options.Duration, "Stop after this much has been heard")
+        ->check(CLI::Range(0.0, kLongestTime))
+        ->type_name("SECONDS");
+    app.add_flag("--loop", options.Loop, "Begin again at the end");
+    auto* output =
+        app.add_option("--output", options.Output, "Where the sound goes")->check(CLI::IsMember(OutputNames()));
+    app.add_flag("--no-audio", raw.NoAudio, "Play without sound")->excludes(output);
+    app.add_option("--make-demo", options.MakeDemo, "Write the player's own piece to this file (WAV)")
+        ->type_name("FILE");
+}
+
+}  // namespace
+
+std::optional<Options> Options::Parse(int argc, const char* const* argv) {
+    Options options;
+    RawOptions raw;
+    CLI::App app("Plays an audio file and shows the music.", "tdkplay");
+    Declare(app, options, raw);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& success) {  // --help and --version
+        app.exit(success, std::cout, std::cout);
+        return std::nullopt;
+    } catch (const CLI::ParseError& error) {
+        const std::string message = error.what();
+        throw UsageError(message.substr(0, message.find('\n')));
+    }
+    if (!raw.Size.empty()) ParseSize(raw.Size, options);
+    PairSnapshots(raw, options);
+    if (raw.NoAudio) options.Output = kSilentName;
+    return options;
+}
+
+}  // namespace tdkplay

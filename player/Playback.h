@@ -1,0 +1,45 @@
+// Play, pause, seek, stop: keeps pump, device, engine and observers in step. For the host's thread.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "player/AudioPump.h"
+#include "player/Event.h"
+#include "player/HostContext.h"
+
+namespace tdkplay {
+
+class Playback {
+public:
+    // Opens the output and puts the first engine in place. Throws PlayerError with kNoSound.
+    Playback(HostContext& context, std::unique_ptr<Decoder> decoder, const std::string& outputName, bool loop);
+    ~Playback();
+
+    AudioPump& Pump() { return pump_; }
+    // Set by the output and by every change here; the audio thread waits on it.
+    const Event& Wake() const { return wake_; }
+    const char* OutputName() const { return output_->Name(); }
+    bool IsPlaying() const { return playing_; }
+
+    void Play();
+    void Pause();
+    void SeekBy(double seconds);
+    void Stop();
+
+    // The device is another one now: another engine, whose delay is the new device's.
+    void OnDeviceMoved();
+    // The device is gone: go on without sound.
+    void OnDeviceLost();
+
+private:
+    void PutEngine();
+
+    HostContext& context_;
+    const Event wake_;
+    AudioPump pump_;
+    std::shared_ptr<AudioOutput> output_;
+    bool playing_ = false;
+};
+
+}  // namespace tdkplay

@@ -1,0 +1,26 @@
+// The plug-ins that the add-on has found.
+#pragma once
+
+#include <tdkviz/viz.h>
+
+#include <string>
+#include <vector>
+
+namespace tdkplay {
+
+struct PluginInfo {
+    std::string Name;
+    std::string Path;  // as the add-on gave it; names the plug-in in all calls
+
+    std::string FileName() const;  // without folder and ".tkv"
+};
+
+// All that can be loaded, in the add-on's order.
+std::vector<PluginInfo> ListPlugins(IMPAVizMgr& manager);
+
+// The index of the plug-in that `text` means, without regard to case: its name or its file's name, or the
+// beginning of one if only one plug-in begins so. Empty text means the first. Throws PlayerError with
+// kNoPlugins or kUnknownPlugin.
+size_t FindPlugin(const std::vector<PluginInfo>& plugins, const std::string& text);
+
+}  // namespace tdkplay

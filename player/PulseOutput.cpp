@@ -1,0 +1,177 @@
+#include "player/PulseOutput.h"
+
+namespace tdkplay {
+namespace {
+
+constexpr char kClientName[] = "tdkplay";
+// The server asks for more whenever this much has been heard, in seconds.
+constexpr double kRequestPeriod = 0.030;
+// What a wireless loudspeaker may add to the target latency, in seconds.
+constexpr double kLargestExtraLatency = 0.500;
+constexpr double kMicroseconds = 1e6;
+
+class LoopLock {
+public:
+    explicit LoopLock(pa_threaded_mainloop* loop) : loop_(loop) { pa_threaded_mainloop_lock(loop_); }
+    ~LoopLock() { pa_threaded_mainloop_unlock(loop_); }
+    LoopLock(const LoopLock&) = delete;
+    LoopLock& operator=(const LoopLock&) = delete;
+
+private:
+    pa_threaded_mainloop* loop_;
+};
+
+}  // namespace
+
+std::unique_ptr<AudioOutput> PulseOutput::Open(const PcmFormat& format, HANDLE wake) {
+    std::unique_ptr<PulseOutput> output(new PulseOutput(format, wake));
+    if (!output->Connect()) return nullptr;
+    return output;
+}
+
+PulseOutput::PulseOutput(const PcmFormat& format, HANDLE wake) : format_(format), wake_(wake) {}
+
+PulseOutput::~PulseOutput() {
+    if (!mainLoop_) return;
+    pa_threaded_mainloop_stop(mainLoop_);
+    if (stream_) {
+        pa_stream_disconnect(stream_);
+        pa_stream_unref(stream_);
+    }
+    if (context_) {
+        pa_context_disconnect(context_);
+        pa_context_unref(context_);
+    }
+    pa_threaded_mainloop_free(mainLoop_);
+}
+
+bool PulseOutput::Connect() {
+    mainLoop_ = pa_threaded_mainloop_new();
+    if (!mainLoop_ || pa_threaded_mainloop_start(mainLoop_) < 0) return false;
+    const LoopLock lock(mainLoop_);
+    ready_ = ConnectContext() && ConnectStream();
+    return ready_;
+}
+
+bool PulseOutput::ConnectContext() {
+    context_ = pa_context_new(pa_threaded_mainloop_get_api(mainLoop_), kClientName);
+    if (!context_) return false;
+    pa_context_set_state_callback(context_, OnContextState, this);
+    if (pa_context_connect(context_, nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr) < 0) return false;
+    while (PA_CONTEXT_IS_GOOD(pa_context_get_state(context_))) {
+        if (pa_context_get_state(context_) == PA_CONTEXT_READY) return true;
+        pa_threaded_mainloop_wait(mainLoop_);
+    }
+    return false;
+}
+
+bool PulseOutput::ConnectStream() {
+    const pa_sample_spec spec = {PA_SAMPLE_S16NE, format_.Rate, static_cast<uint8_t>(format_.Channels)};
+    if (!pa_sample_spec_valid(&spec)) return false;
+    stream_ = pa_stream_new(context_, "Music", &spec, nullptr);
+    if (!stream_) return false;
+    pa_stream_set_state_callback(stream_, OnStreamState, this);
+    pa_stream_set_write_callback(stream_, OnRoom, this);
+    pa_stream_set_moved_callback(stream_, OnMoved, this);
+
+    pa_buffer_attr buffering = {};
+    buffering.maxlength = static_cast<uint32_t>(-1);
+    buffering.prebuf = static_cast<uint32_t>(-1);
+    buffering.fragsize = static_cast<uint32_t>(-1);
+    buffering.tlength =
+        static_cast<uint32_t>(pa_usec_to_bytes(static_cast<pa_usec_t>(kTargetLatency * kMicroseconds), &spec));
+    buffering.minreq =
+        static_cast<uint32_t>(pa_usec_to_bytes(static_cast<pa_usec_t>(kRequestPeriod * kMicroseconds), &spec));
+    const auto flags = static_cast<pa_stream_flags_t>(PA_STREAM_START_CORKED | PA_STREAM_ADJUST_LATENCY |
+                                                      PA_STREAM_AUTO_TIMING_UPDATE | PA_STREAM_INTERPOLATE_TIMING);
+    if (pa_stream_connect_playback(stream_, nullptr, &buffering, flags, nullptr, nullptr) < 0) return false;
+    while (PA_STREAM_IS_GOOD(pa_stream_get_state(stream_))) {
+        if (pa_stream_get_state(stream_) == PA_STREAM_READY) return true;
+        pa_threaded_mainloop_wait(mainLoop_);
+    }
+    return false;
+}
+
+size_t PulseOutput::Room() {
+    const LoopLock lock(mainLoop_);
+    const size_t bytes = pa_stream_writable_size(stream_);
+    return bytes == static_cast<size_t>(-1) ? 0 : bytes / format_.FrameBytes();
+}
+
+void PulseOutput::Write(const int16_t* samples, size_t frames) {
+    const LoopLock lock(mainLoop_);
+    pa_stream_write(stream_, samples, frames * format_.FrameBytes(), nullptr, 0, PA_SEEK_RELATIVE);
+}
+
+double PulseOutput::Latency() {
+    const LoopLock lock(mainLoop_);
+    pa_usec_t latency = 0;
+    int isNegative = 0;
+    if (pa_stream_get_latency(stream_, &latency, &isNegative) < 0 || isNegative) return 0.0;
+    return static_cast<double>(latency) / kMicroseconds;
+}
+
+double PulseOutput::LargestLatency() const {
+    const LoopLock lock(mainLoop_);
+    double latency = kTargetLatency;
+    if (const pa_buffer_attr* granted = pa_stream_get_buffer_attr(stream_))
+        latency = static_cast<double>(granted->tlength) / (format_.FrameBytes() * static_cast<double>(format_.Rate));
+    return latency + kLargestExtraLatency;
+}
+
+void PulseOutput::SetPaused(bool paused) {
+    const LoopLock lock(mainLoop_);
+    Forget(pa_stream_cork(stream_, paused ? 1 : 0, nullptr, nullptr));
+}
+
+void PulseOutput::Flush() {
+    const LoopLock lock(mainLoop_);
+    drained_ = false;
+    Forget(pa_stream_flush(stream_, nullptr, nullptr));
+}
+
+void PulseOutput::BeginDrain() {
+    const LoopLock lock(mainLoop_);
+    drained_ = false;
+    Forget(pa_stream_drain(stream_, OnDrained, this));
+}
+
+void PulseOutput::Forget(pa_operation* operation) {
+    if (operation) pa_operation_unref(operation);
+}
+
+void PulseOutput::OnContextState(pa_context* context, void* self) {
+    auto* output = static_cast<PulseOutput*>(self);
+    if (!PA_CONTEXT_IS_GOOD(pa_context_get_state(context)) && output->ready_) {
+        output->failed_ = true;
+        SetEvent(output->wake_);
+    }
+    pa_threaded_mainloop_signal(output->mainLoop_, 0);
+}
+
+void PulseOutput::OnStreamState(pa_stream* stream, void* self) {
+    auto* output = static_cast<PulseOutput*>(self);
+    if (!PA_STREAM_IS_GOOD(pa_stream_get_state(stream)) && output->ready_) {
+        output->failed_ = true;
+        SetEvent(output->wake_);
+    }
+    pa_threaded_mainloop_signal(output->mainLoop_, 0);
+}
+
+void PulseOutput::OnRoom(pa_stream*, size_t, void* self) {
+    SetEvent(static_cast<PulseOutput*>(self)->wake_);
+}
+
+void PulseOutput::OnMoved(pa_stream*, void* self) {
+    auto* output = static_cast<PulseOutput*>(self);
+    output->moved_ = true;
+    SetEvent(output->wake_);
+}
+
+void PulseOutput::OnDrained(pa_stream*, int, void* self) {
+    auto* output = static_cast<PulseOutput*>(self);
+    output->drained_ = true;
+    SetEvent(output->wake_);
+}
+
+}  // namespace tdkplay

@@ -1,0 +1,62 @@
+// A PulseAudio server, or another that speaks its protocol. The latency it tells is the server's own
+// measure, down to the loudspeaker.
+#pragma once
+
+#include <pulse/pulseaudio.h>
+
+#include <atomic>
+
+#include "player/AudioOutput.h"
+
+namespace tdkplay {
+
+inline constexpr char kPulseName[] = "pulse";
+
+class PulseOutput final : public AudioOutput {
+public:
+    // Null if there is no server, or it doesn't take the format. Never starts a server.
+    static std::unique_ptr<AudioOutput> Open(const PcmFormat& format, HANDLE wake);
+    ~PulseOutput() override;
+
+    const char* Name() const override { return kPulseName; }
+    size_t Room() override;
+    uint32_t WaitForRoom(size_t) override { return INFINITE; }
+    void Write(const int16_t* samples, size_t frames) override;
+    double Latency() override;
+    double LargestLatency() const override;
+    void SetPaused(bool paused) override;
+    void Flush() override;
+    void BeginDrain() override;
+    bool IsDrained() override { return drained_ || failed_; }
+    uint32_t WaitForDrain() override { return INFINITE; }
+    bool HasFailed() override { return failed_; }
+    bool TakeMoved() override { return moved_.exchange(false); }
+
+private:
+    PulseOutput(const PcmFormat& format, HANDLE wake);
+    bool Connect();
+    bool ConnectContext();
+    bool ConnectStream();
+    // A reply is not waited for: the server carries requests out in order.
+    static void Forget(pa_operation* operation);
+
+    static void OnContextState(pa_context* context, void* self);
+    static void OnStreamState(pa_stream* stream, void* self);
+    static void OnRoom(pa_stream* stream, size_t bytes, void* self);
+    static void OnMoved(pa_stream* stream, void* self);
+    static void OnDrained(pa_stream* stream, int success, void* self);
+
+    const PcmFormat format_;
+    const HANDLE wake_;
+    std::atomic<bool> ready_ = false;  // from here on a broken connection is a failure to tell
+    std::atomic<bool> failed_ = false;
+    std::atomic<bool> moved_ = false;
+    std::atomic<bool> drained_ = false;
+
+    // Used under the lock of the main loop, whose thread calls the functions above.
+    pa_threaded_mainloop* mainLoop_ = nullptr;
+    pa_context* context_ = nullptr;
+    pa_stream* stream_ = nullptr;
+};
+
+}  // namespace tdkplay

@@ -1,0 +1,146 @@
+// tdkplay: plays an audio file and shows the music. What it does in which order for an add-on that shows
+// pictures is in Session, LiveRun and AddOn.
+#include <tdkplatform.h>
+
+#include <algorithm>
+#include <array>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <filesystem>
+#include <optional>
+
+#include "player/DemoPiece.h"
+#include "player/ExitCode.h"
+#include "player/Interrupt.h"
+#include "player/LiveRun.h"
+#include "player/PrivateRegistry.h"
+#include "player/Session.h"
+#include "player/SilentOutput.h"
+#include "player/SteppedRun.h"
+
+namespace tdkplay {
+namespace {
+
+constexpr char kPicturesFolder[] = "out";
+// When to take pictures if nobody says so: these seconds, or these parts of a shorter piece.
+constexpr std::array kPictureTimes = {6.0, 12.0, 20.0};
+constexpr std::array kPictureParts = {0.3, 0.6, 0.9};
+constexpr int kColourDepth = 32;
+
+enum class Mode {
+    kWindow,       // on the display, in real time
+    kInvisible,    // in memory, in real time
+    kSnapshots,    // in memory, stepped: the pictures that were asked for
+    kAllPictures,  // in memory, stepped: some pictures of each plug-in
+};
+
+Mode ChooseMode(const Options& options) {
+    if (options.Headless) return options.Snapshots.empty() ? Mode::kInvisible : Mode::kSnapshots;
+    if (std::strcmp(TdkpDisplayName(), "x11") == 0) return Mode::kWindow;
+    if (options.Window) throw PlayerError(ExitCode::kNoDisplay, "there is no display to show a window on");
+    return options.Snapshots.empty() ? Mode::kAllPictures : Mode::kSnapshots;
+}
+
+double Seconds(const Decoder& decoder) {
+    return static_cast<double>(decoder.TotalFrames()) / decoder.Format().Rate;
+}
+
+void RequireSnapshotsWithin(const Options& options, const Decoder& decoder) {
+    if (options.Snapshots.empty() || options.Loop || decoder.TotalFrames() == 0) return;
+    if (options.Snapshots.back().At <= Seconds(decoder)) return;
+    std::array<char, 100> message = {};
+    std::snprintf(message.data(), message.size(), "--at %g lies beyond the end of the piece at %.1f seconds",
+                  options.Snapshots.back().At, Seconds(decoder));
+    throw PlayerError(ExitCode::kUsage, message.data());
+}
+
+void List() {
+    const auto context = MakeCom<HostContext>();
+    AddOn addOn(OwnFolder(), *context);
+    const std::vector<PluginInfo> plugins = ListPlugins(addOn.Manager());
+    FindPlugin(plugins, {});  // none at all is an error
+    for (const PluginInfo& plugin : plugins) std::printf("%s\t%s\n", plugin.Name.c_str(), plugin.Path.c_str());
+}
+
+void PlayLive(const Options& options, std::unique_ptr<Decoder> decoder, Interrupt& interrupt) {
+    Session session(options, std::move(decoder), options.Output);
+    LiveRun(options, session, interrupt).Run();
+}
+
+void TakeSnapshots(const Options& options, std::unique_ptr<Decoder> decoder, Interrupt& interrupt) {
+    const PrivateRegistry registry;
+    SteppedRun::Prepare(options);
+    Session session(options, std::move(decoder), kSilentName);
+    SteppedRun run(options, session, interrupt);
+    run.AddView(session.ChosenPlugin(), options.Snapshots);
+    run.Run();
+}
+
+std::vector<SnapshotRequest> PicturesOf(const PluginInfo& plugin, double seconds) {
+    std::vector<SnapshotRequest> pictures;
+    const bool isLong = seconds == 0.0 || seconds > kPictureTimes.back();
+    for (size_t i = 0; i < kPictureTimes.size(); ++i) {
+        const std::string file = plugin.FileName() + "-" + std::to_string(i + 1) + ".png";
+        pictures.push_back(
+            {std::string(kPicturesFolder) + "/" + file, isLong ? kPictureTimes[i] : kPictureParts[i] * seconds});
+    }
+    return pictures;
+}
+
+void TakeAllPictures(const Options& options, std::unique_ptr<Decoder> decoder, Interrupt& interrupt) {
+    const PrivateRegistry registry;
+    SteppedRun::Prepare(options);
+    const double seconds = Seconds(*decoder);
+    Session session(options, std::move(decoder), kSilentName);
+    SteppedRun run(options, session, interrupt);
+    std::error_code ignored;  // WritePng tells
+    std::filesystem::create_directories(kPicturesFolder, ignored);
+    for (size_t plugin = 0; plugin < session.Plugins().size(); ++plugin)
+        run.AddView(plugin, PicturesOf(session.Plugins()[plugin], seconds));
+    run.Run();
+    std::printf("There is no display, so here are pictures of each plug-in: %s\n",
+                std::filesystem::absolute(kPicturesFolder, ignored).c_str());
+}
+
+void Run(const Options& options) {
+    if (!options.MakeDemo.empty()) return WriteDemoPiece(options.MakeDemo);
+    if (options.List) return List();
+
+    std::unique_ptr<Decoder> decoder = OpenDecoder(options.File);
+    RequireSnapshotsWithin(options, *decoder);
+    Interrupt interrupt;
+    switch (ChooseMode(options)) {
+        case Mode::kWindow:
+            return PlayLive(options, std::move(decoder), interrupt);
+        case Mode::kInvisible:
+            TdkpUseMemoryDisplay(options.Width, options.Height, kColourDepth);
+            return PlayLive(options, std::move(decoder), interrupt);
+        case Mode::kSnapshots:
+            return TakeSnapshots(options, std::move(decoder), interrupt);
+        case Mode::kAllPictures:
+            return TakeAllPictures(options, std::move(decoder), interrupt);
+    }
+}
+
+ExitCode RunCommandLine(int argc, const char* const* argv) {
+    try {
+        if (const std::optional<Options> options = Options::Parse(argc, argv)) Run(*options);
+        return ExitCode::kDone;
+    } catch (const PlayerError& error) {
+        std::fprintf(stderr, "tdkplay: %s\n", error.what());
+        return error.Code();
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "tdkplay: %s\n", error.what());
+        return ExitCode::kInternalError;
+    }
+}
+
+}  // namespace
+}  // namespace tdkplay
+
+int main(int argc, char** argv) {
+    std::signal(SIGPIPE, SIG_IGN);  // a sound server that goes away is no reason to die
+    return static_cast<int>(tdkplay::RunCommandLine(argc, argv));
+}

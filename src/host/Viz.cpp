@@ -1,0 +1,415 @@
+#include "src/host/Viz.h"
+
+#include <cstring>
+#include <vector>
+
+#include "src/host/ThreadLimits.h"
+#include "src/plugins/PluginList.h"
+#include "src/plugins/VizPlugin.h"
+
+namespace tdkviz {
+
+namespace {
+
+constexpr int32_t kRotateStripHeight = 30;
+constexpr int kRotateButtonId = 3333;
+constexpr int kRotateButtonWidth = 50;
+constexpr int kRotateButtonHeight = 25;
+constexpr int kRotateButtonFromRight = 55;
+constexpr int kRotateButtonFromBottom = 25;
+constexpr int32_t kFrameBitsPerPixel = 32;
+
+MPAVizWindowRecord RecordOf(HWND window) {
+    MPAVizWindowRecord record = {};
+    record.Window = static_cast<uint32_t>(reinterpret_cast<uintptr_t>(window));
+    return record;
+}
+
+}  // namespace
+
+CViz::CViz(HMODULE module, VizOwner* owner, PluginList* plugins, VizEffectParams* effects, HWND parent)
+    : Owner(owner),
+      ParentWindow(parent),
+      Module(module),
+      Plugins(plugins),
+      Effects(effects),
+      OutputGone(Handle::ManualResetEvent()) {}
+
+CViz::~CViz() {
+    DestroyRotateButton(true);
+}
+
+HRESULT CViz::QueryInterface(const GUID& id, void** out) {
+    if (!out) return E_POINTER;
+    *out = nullptr;
+    if (id != kIID_IUnknown && id != kIID_IMPAVizWindow) return E_NOINTERFACE;
+    *out = static_cast<IMPAVizWindow*>(this);
+    AddRef();
+    return S_OK;
+}
+
+ULONG CViz::AddRef() {
+    return References.Add();
+}
+
+ULONG CViz::Release() {
+    const int32_t count = References.Remove();
+    if (count > 0) return static_cast<ULONG>(count);
+    delete this;
+    return 0;
+}
+
+// ---- The host's operations
+
+HRESULT CViz::Show(int32_t width, int32_t height) {
+    CVizWindow* window = nullptr;
+    {
+        const MutexLock lock(&StateLock);
+        window = Window;
+        if (!window) {
+            PendingWidth = width;
+            PendingHeight = height;
+            ShowPending = true;
+            return E_FAIL;
+        }
+    }
+    HRESULT result = S_OK;
+    window->SetClickTarget(this);
+    if (Flags & kViewRightClicks) window->SetRightClickTarget(this);
+    if (Flags & kViewRotateButton) {
+        Resize(width, height - kRotateStripHeight);
+        if (!MakeRotateButton(width, height)) result = E_FAIL;
+    }
+    ShowWindowOf(*window, width, height);
+    return result;
+}
+
+void CViz::ShowWindowOf(CVizWindow& window, int32_t width, int32_t height) {
+    Visible = true;
+    window.SetShown(true);
+    window.Resize(width, height);
+    ShowWindow(window.GetWindowHandle(), SW_SHOW);
+    {
+        const MutexLock lock(&StateLock);
+        ShowPending = false;
+    }
+    CVizPlugin* plugin = CurrentPlugin;
+    if (plugin && plugin->GetRenderMode() == kRenderToWindow) {
+        MPAVizWindowRecord record = RecordOf(window.GetWindowHandle());
+        plugin->SetWindow(&record);
+    }
+}
+
+bool CViz::MakeRotateButton(int32_t width, int32_t height) {
+    DestroyRotateButton(false);
+    const HWND button =
+        CreateWindowExA(0, "button", "Rotate", WS_CHILD | WS_VISIBLE, width - kRotateButtonFromRight,
+                        height - kRotateButtonFromBottom, kRotateButtonWidth, kRotateButtonHeight, ParentWindow,
+                        reinterpret_cast<HMENU>(static_cast<uintptr_t>(kRotateButtonId)), Module, nullptr);
+    RotateButton = button;
+    if (!button) return false;
+    // The parent gets the button's WM_COMMAND and finds the view here.
+    SetWindowLongPtrA(button, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+    return true;
+}
+
+// A window can be destroyed by its own thread only: the worker takes the button down with the output if
+// the button is the worker's, and the last Release takes it down if it is the host's.
+void CViz::DestroyRotateButton(bool fromLastRelease) {
+    const HWND button = RotateButton;
+    if (!button) return;
+    const bool own = GetWindowThreadProcessId(button, nullptr) == GetCurrentThreadId();
+    if (own) DestroyWindow(button);
+    if (own || fromLastRelease) RotateButton = nullptr;
+}
+
+HRESULT CViz::Resize(int32_t width, int32_t height) {
+    const MutexLock lock(&StateLock);
+    CVizWindow* window = Window;
+    if (!window) {
+        PendingWidth = width;
+        PendingHeight = height;
+        return E_FAIL;
+    }
+    PostMessageA(window->GetWindowHandle(), kMessageResize,
+                 MAKEWPARAM(static_cast<WORD>(width), static_cast<WORD>(height)), 0);
+    return S_OK;
+}
+
+HRESULT CViz::Hide() {
+    CVizWindow* window = Window;
+    if (!window) return E_FAIL;
+    Visible = false;
+    ShowWindow(window->GetWindowHandle(), SW_HIDE);
+    window->SetShown(false);
+    CVizPlugin* plugin = CurrentPlugin;
+    if (plugin && plugin->GetRenderMode() == kRenderToWindow) {
+        MPAVizWindowRecord none = RecordOf(nullptr);
+        plugin->SetWindow(&none);
+    }
+    return S_OK;
+}
+
+HRESULT CViz::GetCurrentPlugin(char* path, uint32_t size) {
+    CVizPlugin* plugin = CurrentPlugin;
+    if (!plugin || !path) return E_FAIL;
+    const char* current = plugin->GetPath();
+    const size_t needed = std::strlen(current) + 1;
+    if (needed > size) return E_FAIL;
+    std::memcpy(path, current, needed);
+    return S_OK;
+}
+
+HRESULT CViz::SelectPlugin(const char* path) {
+    if (!path || !Plugins) return E_FAIL;
+    for (CVizPlugin* plugin : Plugins->Snapshot()) {
+        if (std::strcmp(plugin->GetPath(), path) != 0) continue;
+        ChangePlugin(plugin);
+        return S_OK;
+    }
+    return E_FAIL;
+}
+
+HRESULT CViz::SetViewFlags(uint32_t flags) {
+    Flags = flags;
+    return S_OK;
+}
+
+HRESULT CViz::AddClickReceiver(IUnknown* receiver) {
+    const MutexLock lock(&StateLock);
+    ClickQueue.push_back(receiver);
+    if (CVizWindow* window = Window) window->AddClickReceiver(receiver);
+    return S_OK;
+}
+
+HRESULT CViz::AddRightClickReceiver(IUnknown* receiver) {
+    const MutexLock lock(&StateLock);
+    RightClickQueue.push_back(receiver);
+    if (CVizWindow* window = Window) window->AddRightClickReceiver(receiver);
+    return S_OK;
+}
+
+HRESULT CViz::RemoveClickReceiver(IUnknown* receiver) {
+    const MutexLock lock(&StateLock);
+    CVizWindow* window = Window;
+    return window ? window->RemoveClickReceiver(receiver) : E_FAIL;
+}
+
+HRESULT CViz::RemoveRightClickReceiver(IUnknown* receiver) {
+    const MutexLock lock(&StateLock);
+    CVizWindow* window = Window;
+    return window ? window->RemoveRightClickReceiver(receiver) : E_FAIL;
+}
+
+// ---- The output window, on the worker thread
+
+void CViz::MakeWindow([[maybe_unused]] bool useDirectDraw) {
+    if (CVizWindow* old = Window) {
+        const MutexLock lock(&StateLock);
+        Window = nullptr;
+        delete old;
+    }
+    auto window = std::make_unique<CVizWindow>(Module, ParentWindow);
+    window->SetPluginUnloader(this);
+    if (!EffectEngine) EffectEngine = std::make_unique<VizEffectEngine>();
+
+    bool showNow = false;
+    int32_t width = 0;
+    int32_t height = 0;
+    {
+        const MutexLock lock(&StateLock);
+        window->SetPlaying(Active);
+        Window = window.release();
+        showNow = ShowPending;
+        width = PendingWidth;
+        height = PendingHeight;
+    }
+    // A window-mode plug-in that came before the window: no buffers for it from the start.
+    if (CVizPlugin* plugin = CurrentPlugin) Window->SetDrawsFrames(plugin->GetRenderMode() != kRenderToWindow);
+    if (showNow) Show(width, height);
+    NeedsWindow = false;
+
+    const MutexLock lock(&StateLock);
+    for (; !ClickQueue.empty(); ClickQueue.pop_front()) Window->AddClickReceiver(ClickQueue.front());
+    for (; !RightClickQueue.empty(); RightClickQueue.pop_front()) {
+        Window->AddRightClickReceiver(RightClickQueue.front());
+    }
+}
+
+void CViz::DestroyOutput() {
+    EffectEngine.reset();
+    std::unique_ptr<CVizWindow> window;
+    {
+        const MutexLock lock(&StateLock);
+        window.reset(Window);
+        Window = nullptr;
+    }
+    if (window) window->Destroy();
+    window.reset();
+    DestroyRotateButton(false);
+    NeedsDestroy = false;
+    SetEvent(OutputGone.Get());
+}
+
+bool CViz::WaitForDestruction() const {
+    return WaitForSingleObject(OutputGone.Get(), kThreadAnswerLimit) == WAIT_OBJECT_0;
+}
+
+void CViz::Blank() {
+    if (CVizWindow* window = Window) window->Blank();
+}
+
+// ---- Frames
+
+void CViz::SetActive(bool active) {
+    {
+        const MutexLock lock(&StateLock);
+        Active = active;
+        if (CVizWindow* window = Window) window->SetPlaying(active);
+    }
+    if (CVizPlugin* plugin = CurrentPlugin) plugin->SetActive(active);
+}
+
+bool CViz::WantsSpectrum() const {
+    CVizPlugin* plugin = CurrentPlugin;
+    return Visible && Active && plugin && Window && plugin->GetWantsSpectrum();
+}
+
+void CViz::DrawFrame(VizAnalysisFrame& frame) {
+    CVizPlugin* plugin = CurrentPlugin;
+    CVizWindow* window = Window;
+    if (!Active || !plugin || !window) return;
+    plugin->LockPlugin();
+    if (plugin->IsReady()) RunPlugin(*plugin, *window, frame);
+    plugin->UnlockPlugin();
+}
+
+void CViz::RunPlugin(CVizPlugin& plugin, CVizWindow& window, VizAnalysisFrame& frame) {
+    if (plugin.GetRenderMode() == kRenderToWindow) {
+        MPAVizWindowRecord record = RecordOf(window.GetWindowHandle());
+        plugin.DrawToWindow(&record, &frame);
+        return;
+    }
+    if (!window.GetFrontPixels()) return;
+    RunEffects(plugin, window);
+    plugin.Draw(window.GetFrontPixels(), window.GetFrameWidth(), window.GetFrameHeight(), window.GetFramePitch(),
+                kFrameBitsPerPixel, &frame);
+    window.ReleaseFront();
+    window.Present(true);
+}
+
+// The effects run over the last picture, before the plug-in paints the next one.
+void CViz::RunEffects(CVizPlugin& plugin, CVizWindow& window) {
+    VizEffectParams* effects = Effects;
+    const uint32_t mask = plugin.GetEffectMask();
+    void* front = window.GetFrontPixels();
+    void* back = window.GetBackPixels();
+    if (!effects || !EffectEngine || mask == 0 || !front || !back) return;
+    const bool changed = EffectEngine->ApplyEffects(front, back, window.GetFrameWidth(), window.GetFrameHeight(),
+                                                    window.GetFrameWidth(), *effects, mask);
+    window.ReleaseBack();
+    window.ReleaseFront();
+    if (changed) window.SwapBuffers();
+}
+
+// ---- The current plug-in
+
+bool CViz::ChangePlugin(CVizPlugin* plugin) {
+    if (plugin == CurrentPlugin) return true;
+    if (!plugin) return false;
+    // One that was found not to be loadable counts as loaded, but never becomes current.
+    if (!plugin->MakeReady()) return false;
+    MakePluginCurrent(*plugin);
+    return true;
+}
+
+void CViz::MakePluginCurrent(CVizPlugin& plugin) {
+    CVizPlugin* old = CurrentPlugin.Exchange(&plugin);
+    plugin.LockPlugin();
+    const bool loaded = plugin.IsReady();
+    if (loaded) plugin.SetActive(Active);
+    plugin.UnlockPlugin();
+    if (!loaded) {
+        CurrentPlugin = old;
+        return;
+    }
+    Owner->SetCurrentPlugin(plugin.GetPath());
+    if (old) ReleasePlugin(*old);
+    ConnectPlugin(plugin);
+}
+
+void CViz::ConnectPlugin(CVizPlugin& plugin) {
+    plugin.LockPlugin();
+    const bool toWindow = plugin.GetRenderMode() == kRenderToWindow;
+    MPAVizWindowRecord record = {};
+    {
+        const MutexLock lock(&StateLock);
+        if (CVizWindow* window = Window) {
+            window->SetDrawsFrames(!toWindow);
+            record = RecordOf(window->GetWindowHandle());
+        }
+    }
+    if (Visible && toWindow && record.Window != 0) plugin.SetWindow(&record);
+    plugin.UnlockPlugin();
+}
+
+void CViz::ReleasePlugin(CVizPlugin& plugin) {
+    if (plugin.GetRenderMode() != kRenderToWindow) {
+        plugin.LockPlugin();
+        if (plugin.IsLoaded()) plugin.SetActive(false);
+        plugin.UnlockPlugin();
+        if (plugin.IsLoaded()) plugin.Unload();
+        return;
+    }
+    MPAVizWindowRecord none = RecordOf(nullptr);
+    plugin.SetWindow(&none);
+    plugin.Close();
+    // Unloaded on the window's own thread, after whatever is on the way there.
+    HWND window = nullptr;
+    {
+        const MutexLock lock(&StateLock);
+        if (Window) window = Window->GetWindowHandle();
+    }
+    if (!window || !PostMessageA(window, kMessageUnload, reinterpret_cast<WPARAM>(&plugin), 0)) plugin.Unload();
+}
+
+void CViz::UnloadPlugin(CVizPlugin* plugin) {
+    // A view may have taken it back while the message was on its way.
+    if (plugin != CurrentPlugin) plugin->Unload();
+}
+
+void CViz::ClearPlugin() {
+    if (CVizPlugin* old = CurrentPlugin.Exchange(nullptr)) ReleasePlugin(*old);
+}
+
+void CViz::OnLeftClick(uint32_t x, uint32_t y, uint32_t flags) {
+    CVizPlugin* current = CurrentPlugin;
+    if (!(Flags & kViewClickStepsPlugins)) {
+        if (current) current->OnClick(x, y, flags);
+        return;
+    }
+    const std::vector<CVizPlugin*> plugins = Plugins->Snapshot();
+    if (plugins.empty()) return;
+    size_t target = 0;
+    for (size_t index = 0; index < plugins.size(); ++index) {
+        if (plugins[index] == current) target = (index + 1) % plugins.size();
+    }
+    ChangePlugin(plugins[target]);
+}
+
+void CViz::DropPlugin(CVizPlugin* plugin) {
+    const std::vector<CVizPlugin*> before = Plugins->Snapshot();
+    if (!Plugins->TakeOut(plugin)) return;
+    CVizPlugin* target = nullptr;
+    for (size_t index = 0; index < before.size(); ++index) {
+        if (before[index] == plugin && index > 0) target = before[index - 1];
+    }
+    if (!target) target = Plugins->At(0);
+    if (target) {
+        ChangePlugin(target);
+    } else {
+        ClearPlugin();
+    }
+}
+
+}  // namespace tdkviz

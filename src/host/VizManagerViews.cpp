@@ -1,0 +1,173 @@
+// The manager's views and the frame cycle.
+#include <algorithm>
+#include <cstring>
+
+#include "src/host/VizManager.h"
+#include "src/plugins/PluginList.h"
+#include "src/render/EffectRandomizer.h"
+
+namespace tdkviz {
+
+namespace {
+
+// GetDeviceCaps(NUMCOLORS) of a display without a palette.
+constexpr int kNoPalette = -1;
+
+uintptr_t KeyOf(CViz* view) {
+    return reinterpret_cast<uintptr_t>(view);
+}
+
+}  // namespace
+
+// ---- The table of views
+
+void CVizManager::CopyViews(ViewList& views) const {
+    views.clear();
+    const MutexLock lock(&ViewsLock);
+    intptr_t position = Views.GetStartPosition();
+    while (position != 0) {
+        uintptr_t key = 0;
+        uintptr_t value = 0;
+        Views.GetNext(position, key, value);
+        views.emplace_back(reinterpret_cast<CViz*>(key));
+    }
+}
+
+CVizManager::ViewList CVizManager::CopyViews() const {
+    ViewList views;
+    CopyViews(views);
+    return views;
+}
+
+bool CVizManager::HasViews() const {
+    const MutexLock lock(&ViewsLock);
+    return Views.GetCount() > 0;
+}
+
+HRESULT CVizManager::CreateVizWindow(IMPAVizWindow** view, uint32_t* parent) {
+    EnsurePluginList();
+    PluginList* plugins = Plugins;
+    if (!view || !plugins || plugins->Count() == 0) return E_FAIL;
+    // Without a worker the view gets its window when a later call succeeds in starting one.
+    Worker.Start();
+
+    const HWND parentWindow = reinterpret_cast<HWND>(static_cast<uintptr_t>(parent ? *parent : 0));
+    auto* made = new (std::nothrow) CViz(Module, this, plugins, CurrentEffects(), parentWindow);
+    if (!made) return E_OUTOFMEMORY;
+    RefPtr<CViz> first(made);
+    const CVizTimer* timer = FindTimer();
+    if (timer && timer->IsRunning()) made->SetActive(true);
+    bool only = false;
+    {
+        const MutexLock lock(&ViewsLock);
+        // The table takes over the first reference.
+        Views.Set(KeyOf(made), 0);
+        made->AddRef();
+        only = Views.GetCount() == 1;
+    }
+    Worker.RequestMakeWindows();
+    *view = made;
+    if (only) RegisterObservers();
+    if (CanVisualize()) {
+        const uint32_t state = GetEngine()->GetState();
+        if (state == kEngineStatePaused || state == kEngineStatePlaying) StartVisualization();
+    }
+    return S_OK;
+}
+
+HRESULT CVizManager::DestroyVizWindow(IMPAVizWindow* view) {
+    auto* known = static_cast<CViz*>(view);
+    uintptr_t ignored = 0;
+    {
+        const MutexLock lock(&ViewsLock);
+        if (!view || !Views.Lookup(KeyOf(known), ignored)) return E_FAIL;
+    }
+    known->MarkForDestruction();
+    Worker.RequestDestroyWindows();
+    // The worker can't wait for itself; without a worker there is no window.
+    const bool canWait = Worker.IsRunning() && !Worker.IsWorkerThread();
+    const bool destroyed = canWait && known->WaitForDestruction();
+    const MutexLock lock(&ViewsLock);
+    if (!Views.Remove(KeyOf(known))) return E_FAIL;
+    if (destroyed || !Worker.IsRunning()) {
+        known->Release();
+    } else {
+        // The table's reference goes when the worker gets round to the window.
+        retired_.push_back(known);
+    }
+    return S_OK;
+}
+
+// ---- The worker's work
+
+void CVizManager::MakeWindows() {
+    for (const RefPtr<CViz>& view : CopyViews()) {
+        if (view->NeedsOutput() && !view->IsMarkedForDestruction()) view->MakeWindow(UseDirectDraw);
+    }
+}
+
+void CVizManager::DestroyWindows() {
+    ViewList views = CopyViews();
+    {
+        const MutexLock lock(&ViewsLock);
+        for (CViz* view : retired_) views.push_back(RefPtr<CViz>::Adopt(view));
+        retired_.clear();
+    }
+    for (const RefPtr<CViz>& view : views) {
+        if (view->IsMarkedForDestruction()) view->DestroyOutput();
+    }
+}
+
+void CVizManager::RunFrame() {
+    ITKPlaybackEngine* engine = GetEngine();
+    if (!engine || engine->GetState() != kEngineStatePlaying) return;
+    CopyViews(frameViews_);
+    if (!frameViews_.empty()) {
+        if (IsPaletteDisplay()) {
+            BlankVisibleViews();
+        } else {
+            DrawViews();
+        }
+    }
+    frameViews_.clear();
+}
+
+void CVizManager::DrawViews() {
+    bool anyVisible = false;
+    bool wantSpectrum = false;
+    for (const RefPtr<CViz>& view : frameViews_) {
+        if (!view->IsVisible()) continue;
+        anyVisible = true;
+        wantSpectrum = view->WantsSpectrum();
+        if (wantSpectrum) break;
+    }
+    if (!anyVisible) return;
+    if (clearFrame_.Exchange(false)) AnalysisFrame = {};
+    AudioProcessor->ReadAnalysisFrame(AnalysisFrame, wantSpectrum);
+    if (EffectsOn && Randomize) {
+        const uint32_t seed = RandomSeed;
+        RandomSeed = seed + 1;
+        RandomizeEffects(RandomEffects, seed);
+    }
+    for (const RefPtr<CViz>& view : frameViews_) {
+        if (view->IsVisible()) view->DrawFrame(AnalysisFrame);
+    }
+}
+
+// A palette on the local display: the pictures could not be shown in their colours. A remote session
+// draws all the same.
+bool CVizManager::IsPaletteDisplay() const {
+    const HWND desktop = GetDesktopWindow();
+    const HDC context = GetDC(desktop);
+    const int colors = GetDeviceCaps(context, NUMCOLORS);
+    ReleaseDC(desktop, context);
+    return colors != kNoPalette && GetSystemMetrics(SM_REMOTESESSION) == 0;
+}
+
+void CVizManager::BlankVisibleViews() {
+    for (const RefPtr<CViz>& view : frameViews_) {
+        if (view->IsVisible()) view->Blank();
+    }
+}
+
+}  // namespace tdkviz

@@ -1,0 +1,71 @@
+#include "src/host/VizTimer.h"
+
+#include "src/host/FrameWorker.h"
+#include "src/host/HighResClock.h"
+#include "src/host/ThreadLimits.h"
+
+namespace tdkviz {
+
+CVizTimer::CVizTimer(FrameWorker& worker)
+    : worker_(worker),
+      StopEvent(Handle::ManualResetEvent()),
+      StartedEvent(Handle::ManualResetEvent()),
+      ThreadId(kNoThreadId) {}
+
+CVizTimer::~CVizTimer() {
+    Stop(true);
+}
+
+HRESULT CVizTimer::Start() {
+    const MutexLock lock(&controlLock_);
+    if (!StopEvent || !StartedEvent) return E_FAIL;
+    if (Running) return S_OK;
+    ResetEvent(StopEvent.Get());
+    ResetEvent(StartedEvent.Get());
+    DWORD threadId = kNoThreadId;
+    Thread.Reset(CreateThread(nullptr, 0, ThreadMain, this, 0, &threadId));
+    if (!Thread) return E_FAIL;
+    if (WaitForSingleObject(StartedEvent.Get(), kThreadAnswerLimit) != WAIT_OBJECT_0) {
+        TerminateThread(Thread.Get(), kTerminatedExitCode);
+        Thread.Reset();
+        return E_FAIL;
+    }
+    ThreadId = threadId;
+    Running = true;
+    return S_OK;
+}
+
+void CVizTimer::Stop(bool wait) {
+    const MutexLock lock(&controlLock_);
+    if (!Thread) return;
+    SetEvent(StopEvent.Get());
+    if (!wait) return;
+    EndThreadInTime(Thread.Get());
+    Thread.Reset();
+    ThreadId = kNoThreadId;
+    Running = false;
+}
+
+DWORD WINAPI CVizTimer::ThreadMain(void* argument) {
+    auto* timer = static_cast<CVizTimer*>(argument);
+    if (!timer || !timer->StartedEvent || !timer->StopEvent) return static_cast<DWORD>(E_FAIL);
+    SetEvent(timer->StartedEvent.Get());
+    timer->Run();
+    return 0;
+}
+
+void CVizTimer::Run() {
+    const uint32_t start = HighResMilliseconds();
+    uint32_t elapsed = 0;
+    for (;;) {
+        elapsed += Period;
+        const auto wait = static_cast<int32_t>(start + elapsed - HighResMilliseconds());
+        const bool late = wait < 0;
+        if (WaitForSingleObject(StopEvent.Get(), late ? 0 : static_cast<DWORD>(wait)) == WAIT_OBJECT_0) break;
+        if (!late) worker_.RunFrameAndWait();
+    }
+    ThreadId = kNoThreadId;
+    Running = false;
+}
+
+}  // namespace tdkviz

@@ -1,0 +1,75 @@
+#include "src/plugins/PluginCache.h"
+
+#include <windows.h>
+
+#include <cstring>
+
+#include <tdkviz/plugin.h>
+
+#include "src/plugins/FileStamp.h"
+#include "src/plugins/VizPlugin.h"
+#include "src/support/PathName.h"
+#include "src/support/RegistryKey.h"
+
+namespace tdkviz {
+namespace {
+
+constexpr char kBaseKey[] = "Software\\Corvane\\Visualizations";
+
+bool OpenCacheKey(const CVizPlugin& plugin, RegistryKey& key) {
+    const char* subKey = plugin.GetCacheKey();
+    return *subKey != 0 && key.Open(HKEY_CURRENT_USER, subKey);
+}
+
+// A cached text, with a terminator behind the longest one.
+template <uint32_t size>
+struct CachedText {
+    char Text[size + 1] = {};
+    bool Read(RegistryKey& key, const char* name) { return key.GetString(name, "", Text, size); }
+};
+
+}  // namespace
+
+CNQString PluginCacheKey(const char* path) {
+    const char* name = FileNamePart(path);
+    if (std::strlen(name) >= MAX_PATH) return CNQString();
+    return CNQString(kBaseKey) + "\\" + name;
+}
+
+bool ReadCache(CVizPlugin& plugin) {
+    RegistryKey key;
+    if (!OpenCacheKey(plugin, key)) return false;
+    CachedText<kPluginTextSize> name;
+    CachedText<kPluginTextSize> creator;
+    CachedText<kPluginTextSize> description;
+    CachedText<kChecksumSize> checksum;
+    if (!name.Read(key, kCacheName) || !creator.Read(key, kCacheCreator) ||
+        !description.Read(key, kCacheDescription) || !checksum.Read(key, kCacheChecksum)) {
+        return false;
+    }
+    uint32_t supportsConfigure = 0;
+    uint32_t renderMode = 0;
+    key.GetNumber(kCacheSupportsConfigure, 0, &supportsConfigure);
+    key.GetNumber(kCacheRenderMode, 0, &renderMode);
+
+    plugin.SetName(name.Text);
+    plugin.SetCreator(creator.Text);
+    plugin.SetDescription(description.Text);
+    plugin.SetChecksum(checksum.Text);
+    plugin.SetSupportsConfigure(supportsConfigure != 0);
+    plugin.SetRenderMode(renderMode);
+    plugin.SetInfoValid();
+    return true;
+}
+
+bool WriteCache(CVizPlugin& plugin) {
+    RegistryKey key;
+    if (!OpenCacheKey(plugin, key)) return false;
+    key.SetString(kCacheName, plugin.GetName());
+    key.SetString(kCacheCreator, plugin.GetCreator());
+    key.SetString(kCacheDescription, plugin.GetDescription());
+    key.SetString(kCacheChecksum, plugin.GetChecksum());
+    return true;
+}
+
+}  // namespace tdkviz

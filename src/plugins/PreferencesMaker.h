@@ -1,0 +1,17 @@
+// PreferencesMaker: where a plug-in's preferences object comes from.
+#pragma once
+
+#include <tdkviz/values.h>
+
+namespace tdkviz {
+
+class PreferencesMaker {
+public:
+    // With one reference for the caller, or null. [load]
+    virtual IKVAPreferences* MakePreferences() = 0;
+
+protected:
+    ~PreferencesMaker() = default;
+};
+
+}  // namespace tdkviz

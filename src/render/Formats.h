@@ -1,0 +1,73 @@
+// Pixel formats: their ids, how they are told from bitmap headers, sizes and row pitches.
+#pragma once
+
+#include <cstdint>
+
+#include <windows.h>
+
+namespace tdkviz {
+
+// The numbers are shared with the colour converter library; they never change.
+enum FormatId : uint32_t {
+    FormatI420 = 0,
+    FormatYV12 = 1,
+    FormatYVU9 = 2,
+    FormatYUY2 = 3,
+    FormatUYVY = 4,
+    FormatRGB32 = 5,  // all frames: 0x00RRGGBB words
+    FormatRGB24 = 6,
+    FormatRGB565 = 7,
+    FormatRGB555 = 8,
+    FormatRGB8 = 9,
+    FormatZVQN = 10,
+    FormatARGB = 11,
+    FormatYUVA = 12,
+    FormatNone = 13,  // what nothing matches; no bitmap can be made for it, nor for ids above 22
+    FormatBGR32 = 14,
+    FormatBGR24 = 15,
+    FormatBGR565 = 16,
+    FormatBGR555 = 17,
+    FormatMC12 = 18,
+    FormatMCAM = 19,
+    FormatMCS3 = 20,
+    FormatIGOR = 21,
+    FormatDVPF = 22,
+};
+inline constexpr uint32_t kFormatCount = 23;
+inline constexpr int kPaletteEntries = 256;
+
+// A bitmap header with room for three colour masks or a palette behind it.
+struct BitmapInfoRecord {
+    BITMAPINFOHEADER Header;
+    union {
+        DWORD Masks[3];
+        RGBQUAD Palette[kPaletteEntries];
+    };
+};
+static_assert(sizeof(BitmapInfoRecord) == 40 + 4 * kPaletteEntries);
+
+// An entry of the palettes that FillBitmapInfo takes.
+struct PaletteColor {
+    uint8_t Red;
+    uint8_t Green;
+    uint8_t Blue;
+    uint8_t Spare;
+};
+
+// Any thread; these read constant tables.
+
+// FormatNone for null and for a header that nothing knows.
+FormatId FormatFromBitmapInfo(const BitmapInfoRecord* info);
+// Bytes of an image. 0 for a format without a size rule, a width or height below 1, and an image that
+// doesn't fit 32 bits.
+uint32_t ImageSize(uint32_t format, int32_t height, int32_t width);
+// Signed bytes from one row to the next, negative for the bottom-up RGB and BGR images; 0 for FormatNone.
+int32_t RowPitch(const BitmapInfoRecord* info);
+// Writes the header, masks and palette of an image of this format; `capacity` is the room behind `info`
+// in bytes. Gives the bytes filled, or 0 for an argument that makes no bitmap: nothing is written then.
+uint32_t FillBitmapInfo(BitmapInfoRecord* info, uint32_t capacity, uint32_t format, int32_t width, int32_t height,
+                        const PaletteColor* palette, uint32_t paletteCount);
+// The format of the screen now; FormatNone if it can't be told.
+FormatId GetDisplayFormat();
+
+}  // namespace tdkviz

@@ -1,0 +1,58 @@
+// DLLAccessPath: the module's table of the folders in which the host keeps libraries, by kind.
+#pragma once
+
+#include <cstdint>
+
+#include <tdkviz/com.h>
+#include <tdkviz/viz.h>
+
+#include "src/support/NQMaps.h"
+#include "src/support/RefPtr.h"
+
+namespace tdkviz {
+
+enum class DLLKind : uint32_t {
+    NotDef,  // leaves the search to the system
+    Plugins,
+    Codecs,
+    EncSDK,
+    Common,
+    Update_OB,
+    Objbrokr,
+    KCAPlugins,
+    Count,
+};
+
+// No locks: the host fills the table before it needs what is opened through it.
+class DLLAccessPath {
+public:
+    DLLAccessPath() = default;
+    virtual ~DLLAccessPath() = default;
+    virtual uint32_t AddRef();
+    // Gives the new count. The one object is static and never destroyed by its count.
+    virtual uint32_t Release();
+
+    // Stores `folder` with a separator at its end, replacing what was there; null or empty stores nothing. S_OK.
+    HRESULT SetPath(const char* name, const char* folder);
+    // E_FAIL for a kind that doesn't exist.
+    HRESULT SetPath(DLLKind kind, const char* folder);
+    // The stored folder, good until it is replaced, or null.
+    const char* GetPath(const char* name) const;
+    const char* GetPath(DLLKind kind) const;
+
+    // Takes in a run of zero-terminated Name=Folder strings, closed by an empty one; null does nothing. S_OK.
+    HRESULT SetFromBlock(const char* block);
+    // Calls `function` with the table in that form, unless it is empty. S_OK, or E_FAIL without memory.
+    HRESULT PassTo(SetDLLAccessPathFunction function) const;
+
+private:
+    static constexpr uint32_t kMapBlockSize = 10;
+
+    tdkviz::RefCount RefCount;
+    CNQMapStringToString Paths{kMapBlockSize};
+};
+
+// The module's one table.
+DLLAccessPath* GetDLLAccessPath();
+
+}  // namespace tdkviz

@@ -1,0 +1,8 @@
+#include "src/support/Module.h"
+
+namespace tdkviz {
+
+Relaxed<HMODULE> ModuleHandle;
+Relaxed<IUnknown*> HostContext;
+
+}  // namespace tdkviz

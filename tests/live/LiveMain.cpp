@@ -1,0 +1,17 @@
+// The whole program runs on the machine's clock and the memory display, with a registry of its own.
+#include <gtest/gtest.h>
+#include <tdkplatform.h>
+
+#include <cstdlib>
+#include <filesystem>
+
+int main(int argc, char** argv) {
+    testing::InitGoogleTest(&argc, argv);
+    std::string made = (std::filesystem::temp_directory_path() / "tdkviz-live-XXXXXX").string();
+    if (!mkdtemp(made.data())) return 1;
+    setenv("TDKVIZ_REGISTRY", (made + "/registry.db").c_str(), 1);
+    TdkpUseMemoryDisplay(1400, 900, 32);
+    const int result = RUN_ALL_TESTS();
+    std::filesystem::remove_all(made);
+    return result;
+}

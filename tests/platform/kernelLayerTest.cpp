@@ -1,0 +1,240 @@
+// What the layer adds to the interface it stands for: the stepped clock, libraries under their native names,
+// and nothing left behind.
+#include <atomic>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include "platform/include/tdkplatform.h"
+
+namespace {
+
+// The clock is chosen once in a process, so each of these tests runs in a process of its own.
+void RunWithSteppedClock(void (*body)()) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(
+        {
+            EXPECT_TRUE(TdkpUseSteppedClock());
+            body();
+            std::exit(testing::Test::HasFailure() ? 1 : 0);
+        },
+        testing::ExitedWithCode(0), "");
+}
+
+struct Log {
+    CRITICAL_SECTION Section;
+    std::vector<std::pair<DWORD, int>> Entries;  // time and what
+
+    Log() { InitializeCriticalSection(&Section); }
+    ~Log() { DeleteCriticalSection(&Section); }
+    void Add(int what) {
+        EnterCriticalSection(&Section);
+        Entries.emplace_back(GetTickCount(), what);
+        LeaveCriticalSection(&Section);
+    }
+};
+
+struct Sleeper {
+    Log* Journal;
+    int Name;
+    DWORD Period;
+    int Turns;
+};
+
+DWORD WINAPI SleepInTurns(LPVOID argument) {
+    const auto& sleeper = *static_cast<Sleeper*>(argument);
+    for (int i = 0; i < sleeper.Turns; ++i) {
+        Sleep(sleeper.Period);
+        sleeper.Journal->Add(sleeper.Name);
+    }
+    return 0;
+}
+
+void SleepersFallDueInOrder() {
+    Log log;
+    Sleeper slow{&log, 1, 30, 2};
+    Sleeper quick{&log, 2, 20, 3};
+    const HANDLE threads[] = {CreateThread(nullptr, 0, SleepInTurns, &slow, 0, nullptr),
+                              CreateThread(nullptr, 0, SleepInTurns, &quick, 0, nullptr)};
+    const DWORD start = GetTickCount();
+    TdkpAdvanceClock(19);
+    EXPECT_TRUE(log.Entries.empty());
+    TdkpAdvanceClock(1);
+    EXPECT_EQ(log.Entries.size(), 1u);
+    TdkpAdvanceClock(35);
+    EXPECT_EQ(GetTickCount() - start, 55u);
+    EXPECT_EQ(WaitForMultipleObjects(2, threads, TRUE, 0), WAIT_TIMEOUT);
+    TdkpAdvanceClock(1000);
+    EXPECT_EQ(WaitForMultipleObjects(2, threads, TRUE, 0), WAIT_OBJECT_0);
+    std::vector<std::pair<DWORD, int>> entries = log.Entries;
+    for (auto& entry : entries) {
+        entry.first -= start;
+    }
+    ASSERT_EQ(entries.size(), 5u);
+    EXPECT_EQ(entries[0], (std::pair<DWORD, int>{20, 2}));
+    EXPECT_EQ(entries[1], (std::pair<DWORD, int>{30, 1}));
+    EXPECT_EQ(entries[2], (std::pair<DWORD, int>{40, 2}));
+    // Both are due at 60; which one began to wait first is told by what came before.
+    EXPECT_EQ(entries[3], (std::pair<DWORD, int>{60, 1}));
+    EXPECT_EQ(entries[4], (std::pair<DWORD, int>{60, 2}));
+}
+
+struct Chain {
+    Log* Journal;
+    HANDLE Tick;
+    HANDLE Done;
+};
+
+DWORD WINAPI Beat(LPVOID argument) {
+    const auto& chain = *static_cast<Chain*>(argument);
+    for (int i = 0; i < 3; ++i) {
+        Sleep(10);
+        SetEvent(chain.Tick);
+        chain.Journal->Add(WaitForSingleObject(chain.Done, 2000) == WAIT_OBJECT_0 ? 2 : -2);
+    }
+    return 0;
+}
+
+DWORD WINAPI Follow(LPVOID argument) {
+    const auto& chain = *static_cast<Chain*>(argument);
+    for (int i = 0; i < 3; ++i) {
+        chain.Journal->Add(WaitForSingleObject(chain.Tick, INFINITE) == WAIT_OBJECT_0 ? 1 : -1);
+        SetEvent(chain.Done);
+    }
+    return 0;
+}
+
+void WhatFollowsFromATickHappensAtItsTime() {
+    Log log;
+    Chain chain{&log, CreateEventA(nullptr, FALSE, FALSE, nullptr), CreateEventA(nullptr, FALSE, FALSE, nullptr)};
+    const HANDLE threads[] = {CreateThread(nullptr, 0, Beat, &chain, 0, nullptr),
+                              CreateThread(nullptr, 0, Follow, &chain, 0, nullptr)};
+    const DWORD start = GetTickCount();
+    TdkpAdvanceClock(10000);
+    EXPECT_EQ(WaitForMultipleObjects(2, threads, TRUE, 0), WAIT_OBJECT_0);
+    ASSERT_EQ(log.Entries.size(), 6u);
+    for (size_t i = 0; i < log.Entries.size(); ++i) {
+        EXPECT_EQ(log.Entries[i].first - start, 10 * (i / 2 + 1)) << i;
+        EXPECT_EQ(log.Entries[i].second, 1 + static_cast<int>(i % 2)) << i;
+    }
+}
+
+// The host's own thread isn't waited for, but its limits are kept: it is asked until it has begun to wait.
+void ATimeOutOfAThreadOfTheProgramFallsDueToo() {
+    const HANDLE never = CreateEventA(nullptr, FALSE, FALSE, nullptr);
+    std::atomic<bool> ended{false};
+    DWORD result = 0;
+    std::thread host([&] {
+        result = WaitForSingleObject(never, 2000);
+        ended.store(true);
+    });
+    while (!ended.load()) {
+        TdkpAdvanceClock(100);
+    }
+    host.join();
+    EXPECT_EQ(result, WAIT_TIMEOUT);
+    EXPECT_GE(GetTickCount(), 2000u);
+}
+
+TEST(SteppedClock, SleepersFallDueInOrder) { RunWithSteppedClock(SleepersFallDueInOrder); }
+TEST(SteppedClock, WhatFollowsFromATickHappensAtItsTime) { RunWithSteppedClock(WhatFollowsFromATickHappensAtItsTime); }
+
+TEST(SteppedClock, ATimeOutOfAThreadOfTheProgramFallsDueToo) {
+    RunWithSteppedClock(ATimeOutOfAThreadOfTheProgramFallsDueToo);
+}
+
+TEST(SteppedClock, CantBeHadOnceTheMachinesClockIsInUse) {
+    GetTickCount();
+    EXPECT_FALSE(TdkpUseSteppedClock());
+}
+
+TEST(LayerLibrary, LoadsByWindowsNamesAndKeepsToTheModulesOwnExports) {
+    // The system's mathematics library, under every spelling that is taken.
+    EXPECT_NE(LoadLibraryA("libm.so.6"), nullptr);
+    const HMODULE library = LoadLibraryA("libm.so.6");
+    ASSERT_NE(library, nullptr);
+    char path[MAX_PATH];
+    ASSERT_GT(GetModuleFileNameA(library, path, sizeof(path)), 0u);
+    using Function = double (*)(double);
+    const auto cosine = reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library, "cos")));
+    ASSERT_NE(cosine, nullptr);
+    EXPECT_EQ(cosine(0.0), 1.0);
+    EXPECT_EQ(GetProcAddress(library, "malloc"), nullptr) << "an export of what it depends on";
+    EXPECT_EQ(GetLastError(), ERROR_PROC_NOT_FOUND);
+
+    std::string windowsPath(path);
+    for (char& character : windowsPath) {
+        character = character == '/' ? '\\' : character;
+    }
+    EXPECT_EQ(LoadLibraryA(windowsPath.c_str()), library);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_TRUE(FreeLibrary(library));
+    }
+}
+
+TEST(LayerLibrary, DllNameFindsTheSharedObject) {
+    namespace fs = std::filesystem;
+    char path[MAX_PATH];
+    const HMODULE library = LoadLibraryA("libm.so.6");
+    ASSERT_GT(GetModuleFileNameA(library, path, sizeof(path)), 0u);
+    FreeLibrary(library);
+    const fs::path folder = fs::temp_directory_path() / ("kernelLayerTest" + std::to_string(GetTickCount()));
+    fs::create_directories(folder);
+    fs::copy_file(path, folder / "copy.so");
+    const HMODULE copy = LoadLibraryA((folder.string() + "\\copy.dll").c_str());
+    EXPECT_NE(copy, nullptr);
+    EXPECT_TRUE(FreeLibrary(copy));
+    EXPECT_FALSE(FreeLibrary(copy)) << "the last reference has gone";
+    EXPECT_EQ(GetProcAddress(copy, "cos"), nullptr);
+    fs::remove_all(folder);
+}
+
+size_t ThreadsOfThisProcess() {
+    size_t count = 0;
+    for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator("/proc/self/task")) {
+        ++count;
+    }
+    return count;
+}
+
+DWORD WINAPI ReturnAtOnce(LPVOID) { return 0; }
+DWORD WINAPI LoopForever(LPVOID) {
+    static std::atomic<unsigned> turns{0};
+    for (;;) {
+        turns.fetch_add(1, std::memory_order_relaxed);
+    }
+}
+
+TEST(LayerCounts, NothingIsLeftOfThreadsAndHandles) {
+    TdkpCounts before;
+    TdkpCounts after;
+    // A sanitizer may make a thread of its own beside the first.
+    const HANDLE first = CreateThread(nullptr, 0, ReturnAtOnce, nullptr, 0, nullptr);
+    EXPECT_EQ(WaitForSingleObject(first, INFINITE), WAIT_OBJECT_0);
+    CloseHandle(first);
+    TdkpCount(&before);
+    const size_t threadsBefore = ThreadsOfThisProcess();
+    for (int round = 0; round < 20; ++round) {
+        for (const bool terminate : {false, true}) {
+            const HANDLE thread = CreateThread(nullptr, 0, terminate ? LoopForever : ReturnAtOnce, nullptr, 0, nullptr);
+            if (terminate) {
+                EXPECT_TRUE(TerminateThread(thread, 0));
+            }
+            EXPECT_EQ(WaitForSingleObject(thread, INFINITE), WAIT_OBJECT_0);
+            EXPECT_EQ(ThreadsOfThisProcess(), threadsBefore);
+            CloseHandle(thread);
+        }
+    }
+    TdkpCount(&after);
+    EXPECT_EQ(after.handles, before.handles);
+    EXPECT_EQ(after.threads, before.threads);
+}
+
+}  // namespace

@@ -1,0 +1,222 @@
+// Threads, their ends, and the locks between them, as any system with this interface behaves.
+#include <atomic>
+#include <chrono>
+#include <mutex>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+namespace {
+
+constexpr DWORD kLong = 10000;
+
+std::atomic<bool> entered{false};
+
+struct SetsFlagWhenGone {
+    ~SetsFlagWhenGone() { gone.store(true, std::memory_order_relaxed); }
+    static std::atomic<bool> gone;
+};
+std::atomic<bool> SetsFlagWhenGone::gone{false};
+
+DWORD WINAPI SpinForever(LPVOID) {
+    SetsFlagWhenGone onStack;
+    entered.store(true);
+    static std::atomic<unsigned> turns{0};
+    for (;;) {
+        turns.fetch_add(1, std::memory_order_relaxed);
+    }
+}
+
+DWORD WINAPI WaitForever(LPVOID event) {
+    entered.store(true);
+    return WaitForSingleObject(event, INFINITE);
+}
+
+DWORD WINAPI BlockInTheRuntime(LPVOID) {
+    entered.store(true);
+    for (;;) {
+        std::this_thread::sleep_for(std::chrono::hours(1));
+    }
+}
+
+DWORD WINAPI SetForever(LPVOID event) {
+    entered.store(true);
+    for (;;) {
+        SetEvent(event);
+        ResetEvent(event);
+    }
+}
+
+DWORD WINAPI ReturnArgument(LPVOID argument) { return static_cast<DWORD>(reinterpret_cast<UINT_PTR>(argument)); }
+
+DWORD WINAPI ReturnOwnId(LPVOID) { return GetCurrentThreadId(); }
+
+HANDLE Start(LPTHREAD_START_ROUTINE entry, LPVOID argument) {
+    entered.store(false);
+    const HANDLE thread = CreateThread(nullptr, 0, entry, argument, 0, nullptr);
+    while (thread != nullptr && !entered.load()) {
+        Sleep(1);
+    }
+    return thread;
+}
+
+TEST(KernelThread, ExitCodeAndIdReachTheOutside) {
+    DWORD id = 0;
+    const HANDLE thread = CreateThread(nullptr, 0, ReturnOwnId, nullptr, 0, &id);
+    ASSERT_NE(thread, nullptr);
+    EXPECT_EQ(WaitForSingleObject(thread, kLong), WAIT_OBJECT_0);
+    DWORD code = 0;
+    EXPECT_TRUE(GetExitCodeThread(thread, &code));
+    EXPECT_EQ(code, id);
+    EXPECT_NE(id, GetCurrentThreadId());
+    // An ended thread stays signalled.
+    EXPECT_EQ(WaitForSingleObject(thread, 0), WAIT_OBJECT_0);
+    EXPECT_TRUE(CloseHandle(thread));
+
+    const HANDLE failing = CreateThread(nullptr, 0, ReturnArgument, reinterpret_cast<LPVOID>(0x80004005u), 0, nullptr);
+    EXPECT_EQ(WaitForSingleObject(failing, kLong), WAIT_OBJECT_0);
+    EXPECT_TRUE(GetExitCodeThread(failing, &code));
+    EXPECT_EQ(code, 0x80004005u);
+    EXPECT_TRUE(CloseHandle(failing));
+}
+
+TEST(KernelThread, TerminatedWhereverItStands) {
+    const HANDLE never = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    const HANDLE busy = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    const struct {
+        const char* what;
+        LPTHREAD_START_ROUTINE entry;
+        HANDLE argument;
+    } cases[] = {
+        {"a loop", SpinForever, nullptr},
+        {"a wait", WaitForever, never},
+        {"a call of the runtime", BlockInTheRuntime, nullptr},
+        {"in and out of the system", SetForever, busy},
+    };
+    for (const auto& entry : cases) {
+        const HANDLE thread = Start(entry.entry, entry.argument);
+        ASSERT_NE(thread, nullptr) << entry.what;
+        DWORD code = 0;
+        EXPECT_TRUE(GetExitCodeThread(thread, &code));
+        EXPECT_EQ(code, STILL_ACTIVE) << entry.what;
+        EXPECT_TRUE(TerminateThread(thread, static_cast<DWORD>(-1))) << entry.what;
+        EXPECT_EQ(WaitForSingleObject(thread, kLong), WAIT_OBJECT_0) << entry.what;
+        EXPECT_TRUE(GetExitCodeThread(thread, &code));
+        EXPECT_EQ(code, static_cast<DWORD>(-1)) << entry.what;
+        EXPECT_TRUE(CloseHandle(thread));
+    }
+    EXPECT_FALSE(SetsFlagWhenGone::gone.load()) << "the stack was unwound";
+    // What it waited for is not consumed by a thread that is no more.
+    EXPECT_TRUE(SetEvent(never));
+    EXPECT_EQ(WaitForSingleObject(never, 0), WAIT_OBJECT_0);
+    CloseHandle(never);
+    CloseHandle(busy);
+}
+
+TEST(KernelThread, TerminatedWaiterTakesNoSignal) {
+    const HANDLE event = CreateEventA(nullptr, FALSE, FALSE, nullptr);
+    const HANDLE thread = Start(WaitForever, event);
+    EXPECT_TRUE(TerminateThread(thread, 7));
+    EXPECT_TRUE(SetEvent(event));
+    EXPECT_EQ(WaitForSingleObject(event, 0), WAIT_OBJECT_0);
+    CloseHandle(thread);
+    CloseHandle(event);
+}
+
+// A thread that is ended in the middle of the system's calls leaves them usable, every time.
+TEST(KernelThread, TerminationLeavesTheSystemUsable) {
+    const HANDLE busy = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    const HANDLE own = CreateEventA(nullptr, FALSE, FALSE, nullptr);
+    for (int round = 0; round < 20; ++round) {
+        const HANDLE thread = Start(SetForever, busy);
+        EXPECT_TRUE(TerminateThread(thread, 1));
+        SetEvent(own);
+        ASSERT_EQ(WaitForSingleObject(own, kLong), WAIT_OBJECT_0);
+        EXPECT_TRUE(CloseHandle(thread));
+    }
+    CloseHandle(own);
+    CloseHandle(busy);
+}
+
+TEST(KernelThread, TerminationOfAnEndedThreadKeepsItsCode) {
+    const HANDLE thread = CreateThread(nullptr, 0, ReturnArgument, reinterpret_cast<LPVOID>(5), 0, nullptr);
+    EXPECT_EQ(WaitForSingleObject(thread, kLong), WAIT_OBJECT_0);
+    TerminateThread(thread, 9);
+    DWORD code = 0;
+    EXPECT_TRUE(GetExitCodeThread(thread, &code));
+    EXPECT_EQ(code, 5u);
+    CloseHandle(thread);
+}
+
+TEST(KernelThread, HandleClosedBeforeTheEnd) {
+    const HANDLE event = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    const HANDLE thread = Start(WaitForever, event);
+    EXPECT_TRUE(CloseHandle(thread));
+    EXPECT_FALSE(TerminateThread(thread, 0));
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+    SetEvent(event);
+    Sleep(20);
+    CloseHandle(event);
+}
+
+struct Counter {
+    CRITICAL_SECTION Section;
+    int Value = 0;
+    bool TryFailed = false;
+};
+
+DWORD WINAPI CountUp(LPVOID argument) {
+    auto& counter = *static_cast<Counter*>(argument);
+    for (int i = 0; i < 2000; ++i) {
+        EnterCriticalSection(&counter.Section);
+        EnterCriticalSection(&counter.Section);
+        ++counter.Value;
+        LeaveCriticalSection(&counter.Section);
+        LeaveCriticalSection(&counter.Section);
+    }
+    return 0;
+}
+
+DWORD WINAPI TryOnce(LPVOID argument) {
+    auto& counter = *static_cast<Counter*>(argument);
+    counter.TryFailed = TryEnterCriticalSection(&counter.Section) == FALSE;
+    return 0;
+}
+
+TEST(KernelThread, CriticalSectionIsRecursiveAndExclusive) {
+    Counter counter;
+    InitializeCriticalSection(&counter.Section);
+    const HANDLE threads[] = {CreateThread(nullptr, 0, CountUp, &counter, 0, nullptr),
+                              CreateThread(nullptr, 0, CountUp, &counter, 0, nullptr)};
+    EXPECT_EQ(WaitForMultipleObjects(2, threads, TRUE, kLong), WAIT_OBJECT_0);
+    EXPECT_EQ(counter.Value, 4000);
+
+    // Left once of two times: it is still this thread's.
+    EXPECT_TRUE(TryEnterCriticalSection(&counter.Section));
+    EXPECT_TRUE(TryEnterCriticalSection(&counter.Section));
+    LeaveCriticalSection(&counter.Section);
+    const HANDLE trier = CreateThread(nullptr, 0, TryOnce, &counter, 0, nullptr);
+    EXPECT_EQ(WaitForSingleObject(trier, kLong), WAIT_OBJECT_0);
+    EXPECT_TRUE(counter.TryFailed);
+    LeaveCriticalSection(&counter.Section);
+    DeleteCriticalSection(&counter.Section);
+    for (HANDLE thread : {threads[0], threads[1], trier}) {
+        CloseHandle(thread);
+    }
+}
+
+TEST(KernelThread, InterlockedOperationsGiveNewOrOldValue) {
+    LONG value = 5;
+    EXPECT_EQ(InterlockedIncrement(&value), 6);
+    EXPECT_EQ(InterlockedDecrement(&value), 5);
+    EXPECT_EQ(InterlockedExchange(&value, 9), 5);
+    EXPECT_EQ(InterlockedExchangeAdd(&value, 1), 9);
+    EXPECT_EQ(InterlockedCompareExchange(&value, 1, 3), 10);
+    EXPECT_EQ(value, 10);
+    EXPECT_EQ(InterlockedCompareExchange(&value, 1, 10), 10);
+    EXPECT_EQ(value, 1);
+}
+
+}  // namespace

@@ -1,0 +1,153 @@
+// Events and waits, as any system with this interface behaves.
+#include <atomic>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+namespace {
+
+constexpr DWORD kLong = 10000;  // milliseconds; a wait that should end never takes this long
+constexpr DWORD kShort = 30;
+
+HANDLE MakeEvent(bool manual, bool signalled) {
+    return CreateEventA(nullptr, manual ? TRUE : FALSE, signalled ? TRUE : FALSE, nullptr);
+}
+
+void CloseAll(const std::vector<HANDLE>& handles) {
+    for (HANDLE handle : handles) {
+        EXPECT_TRUE(CloseHandle(handle));
+    }
+}
+
+TEST(KernelWait, AutoResetEventServesOneWaitAndManualResetAll) {
+    for (const bool manual : {false, true}) {
+        const HANDLE event = MakeEvent(manual, true);
+        EXPECT_EQ(WaitForSingleObject(event, 0), WAIT_OBJECT_0);
+        EXPECT_EQ(WaitForSingleObject(event, 0), manual ? WAIT_OBJECT_0 : WAIT_TIMEOUT) << "manual " << manual;
+        EXPECT_TRUE(SetEvent(event));
+        EXPECT_TRUE(ResetEvent(event));
+        EXPECT_EQ(WaitForSingleObject(event, 0), WAIT_TIMEOUT);
+        CloseAll({event});
+    }
+}
+
+TEST(KernelWait, LowestIndexWinsAndOnlyThatOneIsConsumed) {
+    const std::vector<HANDLE> events{MakeEvent(false, false), MakeEvent(false, true), MakeEvent(false, true)};
+    EXPECT_EQ(WaitForMultipleObjects(3, events.data(), FALSE, kLong), WAIT_OBJECT_0 + 1);
+    EXPECT_EQ(WaitForMultipleObjects(3, events.data(), FALSE, kLong), WAIT_OBJECT_0 + 2);
+    EXPECT_EQ(WaitForMultipleObjects(3, events.data(), FALSE, 0), WAIT_TIMEOUT);
+    CloseAll(events);
+}
+
+TEST(KernelWait, WaitForAllTakesNothingUntilAllAreSignalled) {
+    const std::vector<HANDLE> events{MakeEvent(false, true), MakeEvent(false, false)};
+    EXPECT_EQ(WaitForMultipleObjects(2, events.data(), TRUE, kShort), WAIT_TIMEOUT);
+    EXPECT_TRUE(SetEvent(events[1]));
+    EXPECT_EQ(WaitForMultipleObjects(2, events.data(), TRUE, 0), WAIT_OBJECT_0);
+    EXPECT_EQ(WaitForMultipleObjects(2, events.data(), FALSE, 0), WAIT_TIMEOUT);
+    CloseAll(events);
+}
+
+TEST(KernelWait, TimeOutIsNotEarly) {
+    LARGE_INTEGER frequency;
+    LARGE_INTEGER before;
+    LARGE_INTEGER after;
+    ASSERT_TRUE(QueryPerformanceFrequency(&frequency));
+    const HANDLE event = MakeEvent(false, false);
+    QueryPerformanceCounter(&before);
+    EXPECT_EQ(WaitForSingleObject(event, kShort), WAIT_TIMEOUT);
+    QueryPerformanceCounter(&after);
+    // The system's timer may be a tick of 16 ms coarse.
+    EXPECT_GE((after.QuadPart - before.QuadPart) * 1000, (kShort - 16) * frequency.QuadPart);
+    CloseAll({event});
+}
+
+TEST(KernelWait, WrongArgumentsFail) {
+    const HANDLE event = MakeEvent(false, true);
+    const HANDLE closed = MakeEvent(false, true);
+    CloseAll({closed});
+    const HANDLE pair[] = {event, closed};
+    const struct {
+        const char* what;
+        DWORD result;
+        DWORD error;
+    } cases[] = {
+        {"closed handle", WaitForSingleObject(closed, 0), ERROR_INVALID_HANDLE},
+        {"null handle", WaitForSingleObject(nullptr, 0), ERROR_INVALID_HANDLE},
+        {"one of two closed", WaitForMultipleObjects(2, pair, FALSE, 0), ERROR_INVALID_HANDLE},
+        {"no objects", WaitForMultipleObjects(0, pair, FALSE, 0), ERROR_INVALID_PARAMETER},
+        {"too many", WaitForMultipleObjects(MAXIMUM_WAIT_OBJECTS + 1, pair, FALSE, 0), ERROR_INVALID_PARAMETER},
+    };
+    for (const auto& entry : cases) {
+        EXPECT_EQ(entry.result, WAIT_FAILED) << entry.what;
+    }
+    EXPECT_EQ(GetLastError(), cases[4].error);
+    WaitForSingleObject(closed, 0);
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+    EXPECT_FALSE(SetEvent(closed));
+    EXPECT_FALSE(CloseHandle(closed));
+    // The failed waits took nothing.
+    EXPECT_EQ(WaitForSingleObject(event, 0), WAIT_OBJECT_0);
+    CloseAll({event});
+}
+
+// Takes signals of one event and answers each on another.
+struct Relay {
+    HANDLE Stop;
+    HANDLE Work;
+    HANDLE Done;
+    std::atomic<int> Taken{0};
+};
+
+DWORD WINAPI RelayMain(LPVOID argument) {
+    auto& relay = *static_cast<Relay*>(argument);
+    const HANDLE handles[] = {relay.Stop, relay.Work};
+    while (WaitForMultipleObjects(2, handles, FALSE, INFINITE) == WAIT_OBJECT_0 + 1) {
+        relay.Taken.fetch_add(1, std::memory_order_relaxed);
+        SetEvent(relay.Done);
+    }
+    return 0;
+}
+
+TEST(KernelWait, EachSignalServesExactlyOneOfManyWaiters) {
+    constexpr int kRounds = 3000;
+    constexpr int kThreads = 4;
+    Relay relay{MakeEvent(true, false), MakeEvent(false, false), MakeEvent(false, false)};
+    std::vector<HANDLE> threads;
+    for (int i = 0; i < kThreads; ++i) {
+        threads.push_back(CreateThread(nullptr, 0, RelayMain, &relay, 0, nullptr));
+        ASSERT_NE(threads.back(), nullptr);
+    }
+    for (int i = 0; i < kRounds; ++i) {
+        ASSERT_TRUE(SetEvent(relay.Work));
+        ASSERT_EQ(WaitForSingleObject(relay.Done, kLong), WAIT_OBJECT_0) << "round " << i;
+    }
+    EXPECT_EQ(relay.Taken.load(), kRounds);
+    SetEvent(relay.Stop);
+    EXPECT_EQ(WaitForMultipleObjects(kThreads, threads.data(), TRUE, kLong), WAIT_OBJECT_0);
+    CloseAll(threads);
+    CloseAll({relay.Stop, relay.Work, relay.Done});
+}
+
+// Many waits that time out while their event is being set: no signal gets lost between the two.
+TEST(KernelWait, SignalIsNotLostToATimeOut) {
+    Relay relay{MakeEvent(true, false), MakeEvent(false, false), MakeEvent(false, false)};
+    const HANDLE thread = CreateThread(nullptr, 0, RelayMain, &relay, 0, nullptr);
+    constexpr int kRounds = 200;
+    int answers = 0;
+    for (int i = 0; i < kRounds; ++i) {
+        SetEvent(relay.Work);
+        while (WaitForSingleObject(relay.Done, 1) == WAIT_TIMEOUT) {
+        }
+        ++answers;
+    }
+    EXPECT_EQ(answers, kRounds);
+    EXPECT_EQ(relay.Taken.load(), kRounds);
+    SetEvent(relay.Stop);
+    EXPECT_EQ(WaitForSingleObject(thread, kLong), WAIT_OBJECT_0);
+    CloseAll({thread, relay.Stop, relay.Work, relay.Done});
+}
+
+}  // namespace

@@ -1,0 +1,262 @@
+// Windows on the memory display: what is seen of them, and input that a program feeds.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <tdkplatform.h>
+
+#include <poll.h>
+
+#include <atomic>
+
+#include "tests/platform/userSupport.h"
+
+using namespace usertest;
+
+namespace {
+
+constexpr DWORD kRed = 0xFF0000;
+constexpr DWORD kBlue = 0x0000FF;
+
+struct Picture {
+    std::vector<DWORD> pixels;
+    int width = 0;
+    int height = 0;
+    DWORD At(int x, int y) const { return pixels.at(static_cast<size_t>(y * width + x)); }
+};
+
+Picture Read(HWND window) {
+    Picture picture;
+    picture.pixels.resize(1 << 20);
+    EXPECT_TRUE(TdkpReadWindow(window, picture.pixels.data(), 1 << 20, &picture.width, &picture.height));
+    return picture;
+}
+
+void Fill(HWND window, COLORREF color) {
+    const HDC dc = GetDC(window);
+    const HBRUSH brush = CreateSolidBrush(color);
+    RECT client;
+    GetClientRect(window, &client);
+    FillRect(dc, &client, brush);
+    DeleteObject(brush);
+    ReleaseDC(window, dc);
+}
+
+bool Readable(int descriptor) {
+    pollfd wanted = {descriptor, POLLIN, 0};
+    return poll(&wanted, 1, 0) == 1;
+}
+
+// On a machine with a server the tests would show windows on it.
+[[maybe_unused]] const bool kMemory = TdkpUseMemoryDisplay(640, 480, 32) != FALSE;
+
+}  // namespace
+
+TEST(UserLayer, AVisibleWindowShowsItsBackgroundAndItsChildrenAboveIt) {
+    TestClass windows(0, 0, CreateSolidBrush(RGB(255, 0, 0)));
+    const HWND parent = windows.Make(WS_POPUP | WS_VISIBLE, nullptr, 60, 40);
+    const HWND child = windows.Make(WS_CHILD | WS_VISIBLE, parent, 10, 10);
+    const HWND hidden = windows.Make(WS_CHILD, parent, 60, 40);
+    MoveWindow(child, 55, 5, 10, 10, TRUE);
+    Fill(child, RGB(0, 0, 255));
+    Picture picture = Read(parent);
+    EXPECT_EQ(picture.width, 60);
+    EXPECT_EQ(picture.height, 40);
+    EXPECT_EQ(picture.At(0, 0), kRed);
+    EXPECT_EQ(picture.At(55, 5), kBlue);
+    EXPECT_EQ(picture.At(59, 14), kBlue);
+    EXPECT_EQ(picture.At(59, 15), kRed);
+    DWORD few[4];
+    EXPECT_FALSE(TdkpReadWindow(parent, few, 4, nullptr, nullptr));
+    MoveWindow(parent, 0, 0, 80, 50, TRUE);
+    picture = Read(parent);
+    EXPECT_EQ(picture.At(0, 0), kRed) << "kept";
+    EXPECT_EQ(picture.At(79, 49), kRed) << "erased where it grew";
+    EXPECT_EQ(picture.At(64, 5), kBlue);
+    // The first child made is the topmost.
+    ShowWindow(hidden, SW_SHOW);
+    EXPECT_EQ(Read(parent).At(55, 5), kBlue);
+    BringWindowToTop(hidden);
+    EXPECT_EQ(Read(parent).At(55, 5), kRed);
+    DestroyWindow(parent);
+}
+
+TEST(UserLayer, AnOwnContextWindowHasAPictureWhileItsContextIsHeld) {
+    TestClass windows(CS_OWNDC, 0, CreateSolidBrush(RGB(255, 0, 0)));
+    const HWND window = windows.Make(WS_POPUP | WS_VISIBLE);
+    const HDC held = GetDC(window);
+    Fill(window, RGB(0, 0, 255));
+    EXPECT_EQ(Read(window).At(3, 3), kBlue) << "another context came and went";
+    ReleaseDC(window, held);
+    EXPECT_EQ(Read(window).At(3, 3), 0u);
+    InvalidateRect(window, nullptr, TRUE);
+    Drain();
+    EXPECT_EQ(Read(window).At(3, 3), 0u) << "the layer painted over a window that paints itself";
+    Fill(window, RGB(0, 0, 255));
+    EXPECT_EQ(Read(window).At(3, 3), 0u);
+    const HDC again = GetDC(window);
+    Fill(window, RGB(0, 0, 255));
+    EXPECT_EQ(Read(window).At(3, 3), kBlue);
+    ReleaseDC(window, again);
+    DestroyWindow(window);
+}
+
+TEST(UserLayer, MouseFindsItsWindowTheCaptureAndDoubleClicks) {
+    TestClass windows(CS_DBLCLKS);
+    const HWND parent = windows.Make(WS_POPUP | WS_VISIBLE, nullptr, 100, 100);
+    const HWND child = windows.Make(WS_CHILD | WS_VISIBLE, parent, 20, 20);
+    MoveWindow(child, 50, 50, 20, 20, TRUE);
+    Drain();
+    const std::vector<UINT> mouse = {WM_MOUSEMOVE, WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_MOUSEWHEEL};
+    windows.Take({});
+    struct Case {
+        const char* name;
+        int x, y;
+        bool captured;
+        bool disabled;
+        HWND window;
+        LPARAM point;
+    };
+    const Case cases[] = {
+        {"parent", 10, 20, false, false, parent, MAKELPARAM(10, 20)},
+        {"child", 55, 60, false, false, child, MAKELPARAM(5, 10)},
+        {"captured", 10, 20, true, false, child, MAKELPARAM(static_cast<WORD>(-40), static_cast<WORD>(-30))},
+        {"disabled child", 55, 60, false, true, parent, MAKELPARAM(55, 60)},
+    };
+    for (const Case& test : cases) {
+        SetCapture(test.captured ? child : nullptr);
+        EnableWindow(child, !test.disabled);
+        TdkpFeedMouse(parent, WM_MOUSEMOVE, 0, 1, 1);
+        TdkpFeedMouse(parent, WM_MOUSEMOVE, 0, test.x, test.y);
+        Drain();
+        const auto got = windows.Take(mouse);
+        ASSERT_FALSE(got.empty()) << test.name;
+        EXPECT_EQ(got.back().window, test.window) << test.name;
+        EXPECT_EQ(got.back().lParam, test.point) << test.name;
+    }
+    SetCapture(nullptr);
+    EnableWindow(child, TRUE);
+    for (int click = 0; click < 3; ++click) {
+        TdkpFeedMouse(parent, WM_LBUTTONDOWN, MK_LBUTTON, 10, 10);
+        TdkpFeedMouse(parent, WM_LBUTTONUP, 0, 10, 10);
+    }
+    Drain();
+    std::vector<UINT> clicks;
+    for (const auto& entry : windows.Take(mouse))
+        clicks.push_back(entry.message);
+    EXPECT_EQ(clicks, (std::vector<UINT>{WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_LBUTTONUP, WM_LBUTTONDOWN,
+                                         WM_LBUTTONUP}));
+    TdkpFeedMouse(child, WM_MOUSEWHEEL, MAKEWPARAM(0, static_cast<WORD>(-120)), 0, 0);
+    Drain();
+    const auto wheel = windows.Take(mouse);
+    ASSERT_EQ(wheel.size(), 2u) << "the parent gets what the child leaves over";
+    EXPECT_EQ(wheel[1].window, parent);
+    EXPECT_EQ(static_cast<SHORT>(HIWORD(wheel[1].wParam)), -120);
+    EXPECT_EQ(wheel[1].lParam, MAKELPARAM(50, 50));
+    DestroyWindow(parent);
+}
+
+TEST(UserLayer, KeysGoToTheFocusAndBecomeCharacters) {
+    TestClass windows;
+    const HWND parent = windows.Make(WS_POPUP | WS_VISIBLE);
+    const HWND child = windows.Make(WS_CHILD | WS_VISIBLE, parent);
+    SetFocus(child);
+    Drain();
+    windows.Take({});
+    TdkpFeedKey(parent, TRUE, 'A', 'a');
+    TdkpFeedKey(parent, TRUE, VK_LEFT, 0);
+    TdkpFeedKey(parent, FALSE, 'A', 'a');
+    Drain();
+    const auto keys = windows.Take({WM_KEYDOWN, WM_KEYUP, WM_CHAR});
+    ASSERT_EQ(keys.size(), 4u);
+    const std::pair<UINT, WPARAM> wanted[] = {{WM_KEYDOWN, 'A'}, {WM_CHAR, 'a'}, {WM_KEYDOWN, VK_LEFT}, {WM_KEYUP, 'A'}};
+    for (size_t i = 0; i < keys.size(); ++i) {
+        EXPECT_EQ(keys[i].window, child);
+        EXPECT_EQ(std::make_pair(keys[i].message, keys[i].wParam), wanted[i]) << i;
+    }
+    EXPECT_TRUE((GetKeyState(VK_LEFT) & 0x8000) != 0);
+    EXPECT_FALSE((GetKeyState('A') & 0x8000) != 0);
+    TdkpFeedClose(parent);
+    Drain();
+    EXPECT_FALSE(IsWindow(parent));
+}
+
+TEST(UserLayer, AButtonTellsItsParent) {
+    constexpr INT kId = 1051;
+    TestClass windows;
+    const HWND parent = windows.Make(WS_POPUP | WS_VISIBLE, nullptr, 100, 60);
+    const HWND button =
+        CreateWindowExA(0, "BUTTON", "&Go", WS_CHILD | WS_VISIBLE, 10, 10, 60, 24, parent,
+                        reinterpret_cast<HMENU>(static_cast<LONG_PTR>(kId)), GetModuleHandleA(nullptr), nullptr);
+    ASSERT_NE(button, nullptr);
+    Drain();
+    EXPECT_EQ(Read(button).At(0, 0), GetSysColor(COLOR_BTNHIGHLIGHT));
+    EXPECT_EQ(Read(button).At(5, 5), GetSysColor(COLOR_BTNFACE));
+    const Picture up = Read(button);
+    windows.Take({});
+    const auto mouse = [&](UINT message, int x) { TdkpFeedMouse(button, message, MK_LBUTTON, x, 5), Drain(); };
+    mouse(WM_LBUTTONDOWN, 5);
+    EXPECT_EQ(SendMessageA(button, BM_GETSTATE, 0, 0) & BST_PUSHED, BST_PUSHED);
+    EXPECT_NE(Read(button).pixels, up.pixels);
+    mouse(WM_LBUTTONUP, 5);
+    auto clicked = windows.Take({WM_COMMAND});
+    ASSERT_EQ(clicked.size(), 1u);
+    EXPECT_EQ(clicked[0].window, parent);
+    EXPECT_EQ(clicked[0].wParam, MAKEWPARAM(kId, BN_CLICKED));
+    EXPECT_EQ(clicked[0].lParam, reinterpret_cast<LPARAM>(button));
+    mouse(WM_LBUTTONDOWN, 5);
+    mouse(WM_MOUSEMOVE, 500);
+    mouse(WM_LBUTTONUP, 500);
+    EXPECT_TRUE(windows.Take({WM_COMMAND}).empty()) << "let go outside";
+    EXPECT_EQ(GetCapture(), nullptr);
+    TdkpFeedKey(parent, TRUE, VK_SPACE, ' ');
+    TdkpFeedKey(parent, FALSE, VK_SPACE, 0);
+    Drain();
+    EXPECT_EQ(windows.Take({WM_COMMAND}).size(), 1u) << "it has the focus since the press";
+    DestroyWindow(parent);
+}
+
+TEST(UserLayer, TheDescriptorTellsWhatWaits) {
+    TestClass windows;
+    const HWND window = windows.Make(WS_POPUP | WS_VISIBLE);
+    const int descriptor = TdkpMessageFd();
+    ASSERT_GE(descriptor, 0);
+    EXPECT_TRUE(Readable(descriptor)) << "the window waits to be painted";
+    EXPECT_GT(TdkpDispatchMessages(), 0u);
+    EXPECT_FALSE(Readable(descriptor));
+    EXPECT_EQ(TdkpDispatchMessages(), 0u);
+    std::atomic<bool> done{false};
+    TestThread sender([&] {
+        SendMessageA(window, WM_USER, 0, 0);
+        done = true;
+    });
+    pollfd wanted = {descriptor, POLLIN, 0};
+    EXPECT_EQ(poll(&wanted, 1, 5000), 1);
+    EXPECT_FALSE(done);
+    TdkpDispatchMessages();
+    sender.Join();
+    EXPECT_FALSE(Readable(descriptor));
+    SetTimer(window, 1, 10, nullptr);
+    EXPECT_EQ(poll(&wanted, 1, 5000), 1);
+    EXPECT_EQ(TdkpDispatchMessages(), 1u);
+    DestroyWindow(window);
+    EXPECT_FALSE(Readable(descriptor));
+}
+
+TEST(UserLayer, NothingIsLeftBehind) {
+    TdkpCounts before, after;
+    TdkpCount(&before);
+    {
+        TestClass windows(0, 0, CreateSolidBrush(RGB(255, 0, 0)));
+        const HWND parent = windows.Make(WS_POPUP | WS_VISIBLE);
+        windows.Make(WS_CHILD | WS_VISIBLE, parent);
+        Drain();
+        TdkpCounts meanwhile;
+        TdkpCount(&meanwhile);
+        EXPECT_EQ(meanwhile.windows, before.windows + 2);
+        DestroyWindow(parent);
+    }
+    TdkpCount(&after);
+    EXPECT_EQ(after.windows, before.windows);
+    EXPECT_EQ(after.gdiObjects, before.gdiObjects);
+    EXPECT_EQ(after.handles, before.handles);
+}

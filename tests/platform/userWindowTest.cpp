@@ -1,0 +1,250 @@
+// Windows: classes, words, the tree, creation and destruction, and who may touch them.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <atomic>
+#include <cstring>
+
+#include "tests/platform/userSupport.h"
+
+using namespace usertest;
+
+namespace {
+
+std::vector<UINT> Numbers(const std::vector<TestClass::Entry>& entries) {
+    std::vector<UINT> numbers;
+    for (const TestClass::Entry& entry : entries)
+        numbers.push_back(entry.message);
+    return numbers;
+}
+
+using Pairs = std::vector<std::pair<HWND, UINT>>;
+Pairs PairsOf(const std::vector<TestClass::Entry>& entries) {
+    Pairs pairs;
+    for (const TestClass::Entry& entry : entries)
+        pairs.emplace_back(entry.window, entry.message);
+    return pairs;
+}
+
+}  // namespace
+
+TEST(UserWindows, AClassIsKnownOnceAndGoesWithoutWindowsOnly) {
+    TestClass windows;
+    ASSERT_NE(windows.atom, 0);
+    const HINSTANCE module = GetModuleHandleA(nullptr);
+    WNDCLASSA info = {};
+    ASSERT_TRUE(GetClassInfoA(module, "USERTESTCLASS", &info));
+    info.lpszClassName = TestClass::kName;
+    EXPECT_EQ(RegisterClassA(&info), 0);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_CLASS_ALREADY_EXISTS});
+    const HWND window = windows.Make();
+    EXPECT_FALSE(UnregisterClassA(TestClass::kName, module));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_CLASS_HAS_WINDOWS});
+    DestroyWindow(window);
+    EXPECT_TRUE(UnregisterClassA(TestClass::kName, module));
+    EXPECT_EQ(windows.Make(), nullptr);
+}
+
+TEST(UserWindows, ExtraBytesHoldPointersAndNothingBehindThem) {
+    TestClass windows(0, 2 * sizeof(void*));
+    const HWND window = windows.Make();
+    int target = 0;
+    const auto pointer = reinterpret_cast<LONG_PTR>(&target);
+    EXPECT_EQ(SetWindowLongPtrA(window, 0, 1), 0);
+    EXPECT_EQ(SetWindowLongPtrA(window, sizeof(void*), pointer), 0);
+    EXPECT_EQ(GetWindowLongPtrA(window, 0), 1);
+    EXPECT_EQ(GetWindowLongPtrA(window, sizeof(void*)), pointer);
+    EXPECT_EQ(SetWindowLongPtrA(window, GWLP_USERDATA, pointer), 0);
+    EXPECT_EQ(GetWindowLongPtrA(window, GWLP_USERDATA), pointer);
+    SetLastError(0);
+    EXPECT_EQ(SetWindowLongPtrA(window, sizeof(void*) + 1, 3), 0);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_INDEX});
+    EXPECT_EQ(GetWindowLongPtrA(window, sizeof(void*)), pointer);
+    DestroyWindow(window);
+}
+
+TEST(UserWindows, CreationAndDestructionSpeakInThePublishedOrder) {
+    TestClass windows;
+    const HWND parent = windows.Make(WS_POPUP, nullptr, 200, 100);
+    const std::vector<UINT> created = Numbers(windows.Take({WM_NCCREATE, WM_CREATE, WM_SIZE, WM_MOVE}));
+    EXPECT_EQ(created, (std::vector<UINT>{WM_NCCREATE, WM_CREATE, WM_SIZE, WM_MOVE}));
+    const HWND child = windows.Make(WS_CHILD, parent);
+    const HWND inner = windows.Make(WS_CHILD, child);
+    windows.Take({});
+    EXPECT_TRUE(DestroyWindow(parent));
+    const Pairs ended = PairsOf(windows.Take({WM_DESTROY, WM_NCDESTROY}));
+    EXPECT_EQ(ended, (Pairs{{parent, WM_DESTROY},
+                            {child, WM_DESTROY},
+                            {inner, WM_DESTROY},
+                            {inner, WM_NCDESTROY},
+                            {child, WM_NCDESTROY},
+                            {parent, WM_NCDESTROY}}));
+    for (const HWND gone : {parent, child, inner}) {
+        EXPECT_FALSE(IsWindow(gone));
+        EXPECT_FALSE(DestroyWindow(gone));
+        EXPECT_FALSE(ShowWindow(gone, SW_SHOW));
+        EXPECT_FALSE(InvalidateRect(gone, nullptr, TRUE));
+        EXPECT_EQ(SendMessageA(gone, WM_USER, 0, 0), 0);
+        EXPECT_EQ(GetDC(gone), nullptr);
+    }
+}
+
+TEST(UserWindows, AProgramCanRefuseItsWindow) {
+    for (const UINT refused : {WM_NCCREATE, WM_CREATE}) {
+        TestClass windows;
+        windows.handler = [refused](HWND, UINT message, WPARAM, LPARAM, LRESULT* result) {
+            *result = message == WM_CREATE ? -1 : 0;
+            return message == refused;
+        };
+        EXPECT_EQ(windows.Make(WS_POPUP | WS_VISIBLE), nullptr);
+        EXPECT_EQ(windows.Take({WM_NCDESTROY}).size(), 1u);
+    }
+}
+
+TEST(UserWindows, CloseDestroysByDefault) {
+    TestClass windows;
+    const HWND window = windows.Make();
+    PostMessageA(window, WM_CLOSE, 0, 0);
+    PostMessageA(window, WM_USER, 0, 0);
+    Drain();
+    EXPECT_FALSE(IsWindow(window));
+    EXPECT_TRUE(windows.Take({WM_USER}).empty()) << "what waited for the window went with it";
+}
+
+TEST(UserWindows, PlacesAndRelations) {
+    TestClass windows;
+    const HWND parent = windows.Make(WS_POPUP, nullptr, 200, 100);
+    const HWND child = windows.Make(WS_CHILD | WS_VISIBLE, parent);
+    SetWindowLongPtrA(child, GWLP_ID, 17);
+    EXPECT_EQ(GetDlgItem(parent, 17), child);
+    EXPECT_EQ(GetParent(child), parent);
+    EXPECT_TRUE(IsChild(parent, child));
+    EXPECT_FALSE(IsWindowVisible(child)) << "its parent is hidden";
+    windows.Take({});
+    EXPECT_TRUE(MoveWindow(child, 10, 20, 50, 60, FALSE));
+    EXPECT_EQ(Numbers(windows.Take({WM_MOVE, WM_SIZE})), (std::vector<UINT>{WM_MOVE, WM_SIZE}));
+    EXPECT_TRUE(SetWindowPos(child, nullptr, 0, 0, 70, 80, SWP_NOMOVE | SWP_NOZORDER));
+    const auto sized = windows.Take({WM_MOVE, WM_SIZE});
+    ASSERT_EQ(sized.size(), 1u);
+    EXPECT_EQ(sized[0].lParam, MAKELPARAM(70, 80));
+    RECT client;
+    ASSERT_TRUE(GetClientRect(child, &client));
+    EXPECT_EQ(client.right, 70);
+    EXPECT_EQ(client.bottom, 80);
+    POINT inChild = {1, 2};
+    POINT inParent = {11, 22};
+    ClientToScreen(child, &inChild);
+    ClientToScreen(parent, &inParent);
+    EXPECT_EQ(inChild.x, inParent.x);
+    EXPECT_EQ(inChild.y, inParent.y);
+    SetWindowTextA(parent, "a title");
+    char text[5];
+    EXPECT_EQ(GetWindowTextA(parent, text, sizeof(text)), 4);
+    EXPECT_STREQ(text, "a ti");
+    EXPECT_EQ(windows.Make(WS_CHILD), nullptr) << "a child needs a parent";
+    EXPECT_EQ(windows.Make(WS_CHILD, reinterpret_cast<HWND>(0x7654321)), nullptr);
+    DestroyWindow(parent);
+}
+
+TEST(UserWindows, ShowingAnotherThreadsWindowWaitsForThatThread) {
+    TestClass windows;
+    TestEvent made, serve;
+    std::atomic<HWND> window{nullptr};
+    std::atomic<bool> serving{false};
+    TestThread owner([&] {
+        window = windows.Make(WS_POPUP);
+        made.Set();
+        serve.Await();
+        serving = true;
+        Loop();
+        DestroyWindow(window);
+    });
+    ASSERT_TRUE(made.Await());
+    EXPECT_FALSE(DestroyWindow(window)) << "only its own thread may";
+    TestThread shower([&] {
+        EXPECT_FALSE(ShowWindow(window, SW_SHOW));
+        EXPECT_TRUE(serving) << "came back before the owner looked for messages";
+    });
+    Sleep(30);
+    EXPECT_FALSE(IsWindowVisible(window));
+    serve.Set();
+    shower.Join();
+    EXPECT_TRUE(IsWindowVisible(window));
+    const auto shown = windows.Take({WM_SHOWWINDOW});
+    ASSERT_EQ(shown.size(), 1u);
+    EXPECT_EQ(shown[0].thread, owner.Id());
+    PostThreadMessageA(owner.Id(), WM_QUIT, 0, 0);
+}
+
+TEST(UserWindows, TwoThreadsOwnWindowsOfOneTree) {
+    TestClass windows;
+    const HWND parent = windows.Make(WS_POPUP | WS_VISIBLE, nullptr, 100, 100);
+    TestEvent made;
+    std::atomic<HWND> child{nullptr};
+    TestThread worker([&] {
+        child = windows.Make(WS_CHILD | WS_VISIBLE, parent);
+        made.Set();
+        for (int i = 0; i < 200; ++i) {
+            InvalidateRect(child, nullptr, TRUE);
+            Drain();
+        }
+        MSG message;
+        while (IsWindow(child) && GetMessageA(&message, nullptr, 0, 0) > 0)
+            DispatchMessageA(&message);
+    });
+    while (!made.Await(1))
+        Drain();
+    for (int i = 0; i < 200; ++i) {
+        MoveWindow(parent, i, i, 100 + i, 100, TRUE);
+        SendMessageA(child, WM_GETTEXTLENGTH, 0, 0);
+        Drain();
+    }
+    windows.Take({});
+    DestroyWindow(parent);
+    EXPECT_FALSE(IsWindow(child)) << "the child of a destroyed parent, on its own thread";
+    for (const auto& entry : windows.Take({WM_DESTROY, WM_NCDESTROY}))
+        EXPECT_EQ(entry.thread == worker.Id(), entry.window == child);
+    PostThreadMessageA(worker.Id(), WM_QUIT, 0, 0);
+}
+
+TEST(UserWindows, WindowsGoWithTheirThread) {
+    TestClass windows;
+    std::atomic<HWND> window{nullptr};
+    TestThread([&] { window = windows.Make(WS_POPUP | WS_VISIBLE); }).Join();
+    EXPECT_FALSE(IsWindow(window));
+    TestEvent made;
+    TestThread hung([&] {
+        window = windows.Make(WS_POPUP | WS_VISIBLE);
+        made.Set();
+        for (volatile int spin = 0;;)
+            spin = spin + 1;
+    });
+    ASSERT_TRUE(made.Await());
+    EXPECT_TRUE(IsWindow(window));
+    EXPECT_TRUE(TerminateThread(hung.Handle(), 1));
+    hung.Join();
+    EXPECT_FALSE(IsWindow(window));
+}
+
+TEST(UserWindows, CaptureAndFocusFollowTheirWindows) {
+    TestClass windows;
+    const HWND parent = windows.Make(WS_POPUP | WS_VISIBLE, nullptr, 100, 100);
+    const HWND child = windows.Make(WS_CHILD | WS_VISIBLE, parent);
+    Drain();
+    windows.Take({});
+    EXPECT_EQ(SetCapture(child), nullptr);
+    EXPECT_EQ(GetCapture(), child);
+    EXPECT_EQ(SetCapture(parent), child);
+    SetFocus(child);
+    EXPECT_EQ(GetFocus(), child);
+    const Pairs told = PairsOf(windows.Take({WM_CAPTURECHANGED, WM_KILLFOCUS, WM_SETFOCUS}));
+    EXPECT_EQ(told, (Pairs{{child, WM_CAPTURECHANGED}, {parent, WM_KILLFOCUS}, {child, WM_SETFOCUS}}));
+    SetCapture(nullptr);
+    EXPECT_EQ(GetCapture(), nullptr);
+    SetCapture(child);
+    DestroyWindow(child);
+    EXPECT_EQ(GetCapture(), nullptr);
+    EXPECT_EQ(GetFocus(), parent);
+    DestroyWindow(parent);
+    EXPECT_EQ(GetFocus(), nullptr);
+}

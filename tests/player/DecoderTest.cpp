@@ -1,0 +1,169 @@
+#include "player/Decoder.h"
+
+#include <gtest/gtest.h>
+
+#include <complex>
+
+#include "player/DemoPiece.h"
+#include "player/ExitCode.h"
+#include "tests/player/TestFiles.h"
+
+namespace tdkplay {
+namespace {
+
+std::vector<int16_t> ReadAll(Decoder& decoder, size_t chunk) {
+    const size_t channels = decoder.Format().Channels;
+    std::vector<int16_t> all;
+    std::vector<int16_t> part(chunk * channels);
+    while (const size_t frames = decoder.Read(part.data(), chunk))
+        all.insert(all.end(), part.begin(), part.begin() + static_cast<ptrdiff_t>(frames * channels));
+    return all;
+}
+
+// Amplitude of one frequency in one channel, 1 for full scale, over the middle half of the samples.
+double Amplitude(const std::vector<int16_t>& samples, int channels, int channel, double frequency, int rate) {
+    const size_t frames = samples.size() / static_cast<size_t>(channels);
+    std::complex<double> sum = 0;
+    for (size_t i = frames / 4; i < frames * 3 / 4; ++i)
+        sum += samples[i * static_cast<size_t>(channels) + static_cast<size_t>(channel)] / 32768.0 *
+               std::polar(1.0, -2.0 * M_PI * frequency * static_cast<double>(i) / rate);
+    return 2.0 * std::abs(sum) / (static_cast<double>(frames) / 2.0);
+}
+
+ExitCode CodeOfOpening(const std::string& path) {
+    try {
+        OpenDecoder(path);
+    } catch (const PlayerError& error) {
+        EXPECT_NE(std::string(error.what()).find(path), std::string::npos) << "the message names the file";
+        EXPECT_EQ(std::string(error.what()).find('\n'), std::string::npos);
+        return error.Code();
+    }
+    return ExitCode::kDone;
+}
+
+TEST(Decoder, GivesTheSoundOfEachFormat) {
+    struct Case {
+        const char* Name;
+        int Format;
+        int Rate;
+        int Channels;
+    };
+    const Case cases[] = {
+        {"a.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 44100, 2},
+        {"b.wav", SF_FORMAT_WAV | SF_FORMAT_FLOAT, 48000, 1},
+        {"c.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_U8, 22050, 2},
+        {"d.aiff", SF_FORMAT_AIFF | SF_FORMAT_PCM_24, 96000, 2},
+        {"e.flac", SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 44100, 2},
+        {"f.ogg", SF_FORMAT_OGG | SF_FORMAT_VORBIS, 44100, 2},
+        {"g.opus", SF_FORMAT_OGG | SF_FORMAT_OPUS, 48000, 2},
+        {"h.mp3", SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III, 44100, 2},
+    };
+    const TestFolder folder;
+    for (const Case& test : cases) {
+        SCOPED_TRACE(test.Name);
+        const std::string path = folder.File(test.Name);
+        ASSERT_TRUE(WriteSines(path, test.Format, test.Rate, test.Channels, 1.0));
+        const auto decoder = OpenDecoder(path);
+        const PcmFormat expected = {static_cast<uint32_t>(test.Rate), static_cast<uint16_t>(test.Channels)};
+        EXPECT_EQ(decoder->Format(), expected);
+        EXPECT_NEAR(static_cast<double>(decoder->TotalFrames()), test.Rate, 0.06 * test.Rate);
+        const std::vector<int16_t> samples = ReadAll(*decoder, 1000);
+        EXPECT_NEAR(static_cast<double>(samples.size()), test.Rate * test.Channels, 0.06 * test.Rate * test.Channels);
+        for (int channel = 0; channel < test.Channels; ++channel) {
+            EXPECT_NEAR(Amplitude(samples, test.Channels, channel, 200.0 * (channel + 1), test.Rate), 0.5, 0.03);
+            EXPECT_LT(Amplitude(samples, test.Channels, channel, 200.0 * (2 - channel), test.Rate), 0.03);
+        }
+    }
+}
+
+TEST(Decoder, MixesSurroundDownWithEachSideOnItsOwn) {
+    const TestFolder folder;
+    const std::string path = folder.File("six.wav");
+    ASSERT_TRUE(WriteSines(path, SF_FORMAT_WAV | SF_FORMAT_PCM_16, 48000, 6, 0.5));
+    const auto decoder = OpenDecoder(path);
+    ASSERT_EQ(decoder->Format().Channels, 2);
+    const std::vector<int16_t> samples = ReadAll(*decoder, 777);
+    const auto amplitude = [&](int side, int channel) {
+        return Amplitude(samples, 2, side, 200.0 * (channel + 1), 48000);
+    };
+    for (int side = 0; side < 2; ++side) {
+        SCOPED_TRACE(side);
+        EXPECT_GT(amplitude(side, side), 0.15) << "front";
+        EXPECT_LT(amplitude(side, 1 - side), 0.005) << "other front";
+        EXPECT_NEAR(amplitude(side, 2), amplitude(side, side) * 0.7071, 0.005) << "centre";
+        EXPECT_LT(amplitude(side, 3), 0.005) << "low frequency";
+        EXPECT_NEAR(amplitude(side, 4 + side), amplitude(side, side) * 0.7071, 0.005) << "back";
+    }
+}
+
+TEST(Decoder, GoesOnFromWhereItWasSentTo) {
+    const TestFolder folder;
+    const std::string path = folder.File("a.flac");
+    ASSERT_TRUE(WriteSines(path, SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 44100, 2, 1.0));
+    for (const std::string& source : {path, std::string()}) {
+        SCOPED_TRACE(source.empty() ? "demo piece" : source);
+        const auto decoder = OpenDecoder(source);
+        const std::vector<int16_t> all = ReadAll(*decoder, 1024);
+        for (const uint64_t frame :
+             {uint64_t{12345}, uint64_t{0}, decoder->TotalFrames() - 10, decoder->TotalFrames()}) {
+            ASSERT_TRUE(decoder->Seek(frame));
+            const std::vector<int16_t> rest(all.begin() + static_cast<ptrdiff_t>(frame * 2), all.end());
+            EXPECT_EQ(ReadAll(*decoder, 999), rest) << frame;
+        }
+    }
+}
+
+TEST(Decoder, SaysWhatIsWrongWithAFile) {
+    const TestFolder folder;
+    ASSERT_TRUE(WriteSines(folder.File("none.wav"), SF_FORMAT_WAV | SF_FORMAT_PCM_16, 44100, 2, 0.0));
+    EXPECT_EQ(CodeOfOpening(folder.File("missing.wav")), ExitCode::kFileUnreadable);
+    EXPECT_EQ(CodeOfOpening(folder.File(".")), ExitCode::kFileUnreadable);
+    EXPECT_EQ(CodeOfOpening("/dev/null"), ExitCode::kFileUnreadable);
+    EXPECT_EQ(CodeOfOpening(folder.WriteText("letter.mp3", "Dear reader, this is no music.")),
+              ExitCode::kUnknownFormat);
+    EXPECT_EQ(CodeOfOpening(folder.WriteText("empty.wav", "")), ExitCode::kUnknownFormat);
+    EXPECT_EQ(CodeOfOpening(folder.File("none.wav")), ExitCode::kUnknownFormat);
+}
+
+TEST(DemoPiece, IsTheSameStereoMusicEachTime) {
+    const std::vector<int16_t> piece = MakeDemoPiece();
+    EXPECT_EQ(piece, MakeDemoPiece());
+    const double seconds = static_cast<double>(piece.size()) / kDemoFormat.Channels / kDemoFormat.Rate;
+    EXPECT_GT(seconds, 20.0);
+    EXPECT_LT(seconds, 32.0);
+
+    const size_t second = kDemoFormat.Rate * kDemoFormat.Channels;
+    int loudest = 0;
+    for (size_t begin = 0; begin + second <= piece.size(); begin += second) {
+        double sum = 0;
+        double power = 0;
+        double difference = 0;
+        for (size_t i = begin; i < begin + second; i += 2) {
+            loudest = std::max({loudest, std::abs(piece[i]), std::abs(piece[i + 1])});
+            sum += piece[i];
+            power += static_cast<double>(piece[i]) * piece[i];
+            difference += std::abs(piece[i] - piece[i + 1]);
+        }
+        const double frames = kDemoFormat.Rate;
+        SCOPED_TRACE(begin / second);
+        EXPECT_LT(std::abs(sum / frames), 300.0) << "no constant part";
+        if ((begin + second) / static_cast<double>(second) > seconds - 2.0) continue;  // dies away
+        EXPECT_GT(std::sqrt(power / frames), 700.0);
+        EXPECT_GT(difference / frames, 100.0) << "left and right differ";
+    }
+    EXPECT_LT(loudest, 32767) << "nothing is clipped";
+    EXPECT_GT(loudest, 24000);
+    for (size_t i = piece.size() - 20; i < piece.size(); ++i) EXPECT_LT(std::abs(piece[i]), 100) << "ends in silence";
+}
+
+TEST(DemoPiece, ComesBackFromItsFile) {
+    const TestFolder folder;
+    WriteDemoPiece(folder.File("demo.wav"));
+    const auto decoder = OpenDecoder(folder.File("demo.wav"));
+    EXPECT_EQ(decoder->Format(), kDemoFormat);
+    EXPECT_EQ(ReadAll(*decoder, 4096), MakeDemoPiece());
+    EXPECT_THROW(WriteDemoPiece(folder.File("no/such/folder.wav")), PlayerError);
+}
+
+}  // namespace
+}  // namespace tdkplay

@@ -1,0 +1,80 @@
+#include "player/Options.h"
+
+#include <gtest/gtest.h>
+
+#include "player/ExitCode.h"
+
+namespace tdkplay {
+namespace {
+
+std::optional<Options> Parse(std::vector<const char*> arguments) {
+    arguments.insert(arguments.begin(), "tdkplay");
+    return Options::Parse(static_cast<int>(arguments.size()), arguments.data());
+}
+
+TEST(Options, TakeWhatIsGivenAndLeaveTheRestToTheUser) {
+    const std::optional<Options> plain = Parse({});
+    ASSERT_TRUE(plain);
+    EXPECT_TRUE(plain->File.empty());
+    EXPECT_FALSE(plain->Picture.FrameRate || plain->Picture.Effects || plain->Picture.Randomize || plain->Duration);
+    EXPECT_EQ(plain->Output, "auto");
+
+    const std::optional<Options> full =
+        Parse({"--viz",      "bars",        "--size", "320x240",    "--fps",      "25",         "--effects",
+               "ON",         "--randomize", "off",    "--snapshot", "b.png",      "--at",       "7.5",
+               "--snapshot", "a.png",       "--at",   "2",          "--headless", "--no-audio", "song.flac"});
+    ASSERT_TRUE(full);
+    EXPECT_EQ(full->File, "song.flac");
+    EXPECT_EQ(full->Plugin, "bars");
+    EXPECT_EQ(full->Width, 320);
+    EXPECT_EQ(full->Height, 240);
+    EXPECT_EQ(full->Picture.FrameRate, 25u);
+    EXPECT_EQ(full->Picture.Effects, true);
+    EXPECT_EQ(full->Picture.Randomize, false);
+    EXPECT_EQ(full->Output, "silent");
+    ASSERT_EQ(full->Snapshots.size(), 2u);
+    EXPECT_EQ(full->Snapshots[0].Path, "a.png") << "by time";
+    EXPECT_EQ(full->Snapshots[1].At, 7.5);
+}
+
+TEST(Options, RefuseWhatMakesNoSenseInOneLine) {
+    const std::vector<std::vector<const char*>> cases = {
+        {"--nonsense"},
+        {"a.wav", "b.wav"},
+        {"--fps", "9"},
+        {"--fps", "31"},
+        {"--fps", "fast"},
+        {"--size", "640"},
+        {"--size", "640x480x2"},
+        {"--size", "8x480"},
+        {"--size", "640x9000"},
+        {"--size", "99999999999x10"},
+        {"--effects", "maybe"},
+        {"--randomize"},
+        {"--snapshot", "a.png"},
+        {"--at", "3"},
+        {"--snapshot", "a.png", "--at", "-1"},
+        {"--snapshot", "a.png", "--at", "nan"},
+        {"--snapshot", "a.png", "--at", "5", "--duration", "4"},
+        {"--duration", "-1"},
+        {"--headless", "--window"},
+        {"--output", "gramophone"},
+        {"--no-audio", "--output", "pulse"},
+    };
+    for (const auto& arguments : cases) {
+        std::string line;
+        for (const char* argument : arguments) line += std::string(" ") + argument;
+        SCOPED_TRACE(line);
+        try {
+            Parse(arguments);
+            ADD_FAILURE() << "was taken";
+        } catch (const PlayerError& error) {
+            EXPECT_EQ(error.Code(), ExitCode::kUsage);
+            EXPECT_NE(std::string(error.what()), "");
+            EXPECT_EQ(std::string(error.what()).find('\n'), std::string::npos) << error.what();
+        }
+    }
+}
+
+}  // namespace
+}  // namespace tdkplay

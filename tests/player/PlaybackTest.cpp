@@ -1,0 +1,228 @@
+// The road of the audio on the stepped clock: what is delivered when, with which delay.
+#include "player/Playback.h"
+
+#include <gtest/gtest.h>
+
+#include <tdkplatform.h>
+
+#include <cmath>
+#include <cstring>
+
+#include "player/AudioThread.h"
+#include "player/SilentOutput.h"
+
+namespace tdkplay {
+namespace {
+
+// The whole program runs on the stepped clock, which has to be asked for before anything else.
+const BOOL kIsStepped = TdkpUseSteppedClock();
+
+constexpr PcmFormat kFormat = {48000, 2};
+
+// Audio that carries its own time: the two channels of each frame hold its number.
+class CountingDecoder final : public Decoder {
+public:
+    explicit CountingDecoder(uint64_t frames) : frames_(frames) {}
+    PcmFormat Format() const override { return kFormat; }
+    uint64_t TotalFrames() const override { return frames_; }
+    size_t Read(int16_t* samples, size_t frames) override {
+        const size_t count = std::min<uint64_t>(frames, frames_ - next_);
+        for (size_t i = 0; i < count; ++i, ++next_) {
+            const auto number = static_cast<uint32_t>(next_);
+            std::memcpy(samples + 2 * i, &number, sizeof(number));
+        }
+        return count;
+    }
+    bool Seek(uint64_t frame) override {
+        next_ = frame;
+        return true;
+    }
+
+private:
+    uint64_t frames_;
+    uint64_t next_ = 0;
+};
+
+// Notes for each delivery which frame is heard by its delay.
+class RecordingHook final : public ComObject<IKVAAudioHook> {
+public:
+    explicit RecordingHook(PlayerObject& player) : player_(player) {}
+    std::vector<double> HeardFrames;
+    std::vector<uint32_t> FirstFrames;
+    KVAAudioFormat Format = {};
+    int Formats = 0;
+
+    HRESULT QueryInterface(const GUID& id, void** out) override { return GiveInterface(id, out, {}); }
+    HRESULT OnAudioFormat(KVAAudioFormat* format) override {
+        Format = *format;
+        ++Formats;
+        return S_OK;
+    }
+    HRESULT OnAudioData(KVAAudioData* in, KVAAudioData*) override {
+        uint32_t delay = 0;
+        uint32_t largest = 0;
+        const auto source = QueryFor<IKVAAudioDelay>(player_.GetPlaybackEngine(), kIID_IKVAAudioDelay);
+        source->GetCurrentDelay(&delay);
+        source->GetConfiguredDelay(&largest);
+        EXPECT_LE(delay, largest);
+        EXPECT_LE(in->Buffer->GetSize(), Format.BlockSize);
+        uint32_t first = 0;
+        std::memcpy(&first, in->Buffer->GetBuffer(), sizeof(first));
+        FirstFrames.push_back(first);
+        const double end = first + static_cast<double>(in->Buffer->GetSize()) / kFormat.FrameBytes();
+        HeardFrames.push_back(end - delay * kFormat.Rate / 1000.0);
+        return S_OK;
+    }
+
+private:
+    PlayerObject& player_;
+};
+
+class PlaybackTest : public testing::Test {
+protected:
+    PlaybackTest() { context_->Hooks().AddHook(hook_.Get(), 1); }
+
+    void Load(double seconds, bool loop = false) {
+        playback_.emplace(*context_, std::make_unique<CountingDecoder>(static_cast<uint64_t>(seconds * kFormat.Rate)),
+                          kSilentName, loop);
+    }
+    AudioPump::State DeliverAhead() {
+        AudioPump::Step step = {};
+        do step = playback_->Pump().DeliverBlock();
+        while (step.Result == AudioPump::State::kDelivered);
+        return step.Result;
+    }
+    // Plays on in uneven steps; gives the state of the pump after the last one.
+    AudioPump::State PlayFor(int milliseconds) {
+        constexpr int kSteps[] = {7, 31, 1, 20};
+        AudioPump::State state = DeliverAhead();
+        for (int i = 0, step = 0; milliseconds > 0; milliseconds -= step, ++i) {
+            step = std::min(milliseconds, kSteps[static_cast<size_t>(i) % std::size(kSteps)]);
+            TdkpAdvanceClock(static_cast<DWORD>(step));
+            now_ += step;
+            const size_t before = hook_->HeardFrames.size();
+            state = DeliverAhead();
+            for (size_t delivery = before; delivery < hook_->HeardFrames.size(); ++delivery)
+                EXPECT_NEAR(hook_->HeardFrames[delivery], (now_ + shift_) * kFormat.Rate / 1000.0,
+                            kFormat.Rate / 1000.0)
+                    << "at " << now_ << " ms";
+        }
+        return state;
+    }
+
+    const ComPtr<HostContext> context_ = MakeCom<HostContext>();
+    const ComPtr<RecordingHook> hook_ = MakeCom<RecordingHook>(context_->Player());
+    std::optional<Playback> playback_;
+    int now_ = 0;    // milliseconds played
+    int shift_ = 0;  // of the place in the piece against the time played, milliseconds
+};
+
+TEST_F(PlaybackTest, EachDeliveryTellsWhatIsHeardThen) {
+    ASSERT_TRUE(kIsStepped);
+    Load(10.0);
+    playback_->Play();
+    EXPECT_EQ(PlayFor(2000), AudioPump::State::kFull);
+    EXPECT_EQ(hook_->Formats, 1);
+    EXPECT_EQ(hook_->Format.Channels, 2);
+    EXPECT_EQ(hook_->Format.BitsPerSample, 16);
+    EXPECT_GT(hook_->FirstFrames.back(), 2.05 * kFormat.Rate) << "ahead of the listener";
+    EXPECT_NEAR(playback_->Pump().Played(), 2.0, 0.001);
+    EXPECT_NEAR(playback_->Pump().Position(), 2.0, 0.001);
+}
+
+TEST_F(PlaybackTest, PauseLosesNothing) {
+    Load(10.0);
+    playback_->Play();
+    PlayFor(500);
+    playback_->Pause();
+    const size_t before = hook_->FirstFrames.size();
+    TdkpAdvanceClock(5000);
+    EXPECT_EQ(DeliverAhead(), AudioPump::State::kIdle);
+    EXPECT_EQ(hook_->FirstFrames.size(), before);
+    EXPECT_NEAR(playback_->Pump().Position(), 0.5, 0.001);
+    playback_->Play();
+    PlayFor(500);
+    for (size_t i = 1; i < hook_->FirstFrames.size(); ++i)
+        EXPECT_EQ(hook_->FirstFrames[i] - hook_->FirstFrames[i - 1], hook_->Format.BlockSize / kFormat.FrameBytes());
+}
+
+TEST_F(PlaybackTest, SeekGoesOnFromTheNewPlaceAtOnce) {
+    Load(20.0);
+    playback_->Play();
+    PlayFor(1000);
+    playback_->SeekBy(5.0);
+    EXPECT_NEAR(playback_->Pump().Position(), 6.0, 0.001);
+    EXPECT_NEAR(playback_->Pump().Played(), 1.0, 0.001);
+    shift_ = 5000;
+    PlayFor(1000);
+    playback_->SeekBy(-100.0);
+    EXPECT_EQ(playback_->Pump().Position(), 0.0);
+    shift_ = -2000;
+    PlayFor(300);
+    playback_->SeekBy(100.0);
+    EXPECT_EQ(DeliverAhead(), AudioPump::State::kEnded);
+}
+
+TEST_F(PlaybackTest, EndsWhenTheLastFrameHasBeenHeard) {
+    Load(1.0);
+    playback_->Play();
+    EXPECT_EQ(PlayFor(950), AudioPump::State::kDraining);
+    EXPECT_EQ(PlayFor(49), AudioPump::State::kDraining);
+    EXPECT_EQ(PlayFor(1), AudioPump::State::kEnded);
+    EXPECT_EQ(hook_->FirstFrames.size(), 40u);
+}
+
+TEST_F(PlaybackTest, LoopBeginsAgain) {
+    Load(0.5, true);
+    playback_->Play();
+    const auto block = hook_.Get();
+    DeliverAhead();
+    for (int i = 0; i < 100; ++i) {
+        TdkpAdvanceClock(20);
+        EXPECT_EQ(DeliverAhead(), AudioPump::State::kFull);
+    }
+    EXPECT_NEAR(playback_->Pump().Played(), 2.0, 0.001);
+    EXPECT_EQ(std::count(block->FirstFrames.begin(), block->FirstFrames.end(), 0u), 5);
+}
+
+TEST_F(PlaybackTest, ALostDeviceIsAnotherEngineThatGoesOnPlaying) {
+    Load(10.0);
+    playback_->Play();
+    PlayFor(500);
+    IUnknown* const before = context_->Player().GetPlaybackEngine();
+    playback_->OnDeviceLost();
+    auto* const after = static_cast<ITKPlaybackEngine*>(context_->Player().GetPlaybackEngine());
+    EXPECT_NE(before, after);
+    EXPECT_EQ(after->GetState(), kEngineStatePlaying);
+    const size_t delivered = hook_->FirstFrames.size();
+    EXPECT_EQ(DeliverAhead(), AudioPump::State::kFull);
+    EXPECT_GT(hook_->FirstFrames.size(), delivered);
+    EXPECT_EQ(hook_->Formats, 2) << "for the new engine's delay";
+}
+
+TEST_F(PlaybackTest, TheAudioThreadKeepsTheDeviceFilledAndSleepsWhilePaused) {
+    Load(3.0);
+    const Event news;
+    AudioThread thread(playback_->Pump(), playback_->Wake(), news);
+    TdkpSettle();
+    EXPECT_TRUE(hook_->FirstFrames.empty());
+    playback_->Play();
+    TdkpSettle();
+    TdkpAdvanceClock(1000);
+    EXPECT_NEAR(hook_->FirstFrames.back(), 1.08 * kFormat.Rate, 0.03 * kFormat.Rate);
+    playback_->Pause();
+    TdkpSettle();
+    const size_t delivered = hook_->FirstFrames.size();
+    TdkpAdvanceClock(10000);
+    EXPECT_EQ(hook_->FirstFrames.size(), delivered);
+    playback_->Play();
+    TdkpSettle();
+    TdkpAdvanceClock(1999);
+    EXPECT_FALSE(thread.TakeNews().Ended);
+    TdkpAdvanceClock(2);
+    EXPECT_TRUE(thread.TakeNews().Ended);
+    EXPECT_EQ(WaitForSingleObject(news.Handle(), 0), WAIT_OBJECT_0);
+}
+
+}  // namespace
+}  // namespace tdkplay

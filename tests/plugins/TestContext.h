@@ -1,0 +1,69 @@
+// A host's context for plug-ins: keeps a log of what they were told, and serves the text for their files.
+#pragma once
+
+#include <tdkviz/host.h>
+
+#include <filesystem>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "src/support/Module.h"
+#include "tests/plugins/testplugins/TestPlugin.h"
+#include "tests/support/TemporaryFolder.h"
+
+using CallLog = std::vector<std::string>;
+
+// Stands as the module's HostContext while it lives. Not counted.
+class TestContext final : public ITestLog, public ITKNameService, public ITKNameCatalog, public ITKNameEntry {
+public:
+    TestContext() { tdkviz::HostContext = Identity(); }
+    ~TestContext() { tdkviz::HostContext = nullptr; }
+
+    HRESULT QueryInterface(const GUID& id, void** out) override {
+        *out = nullptr;
+        if (id == kIID_ITestLog || id == kIID_IUnknown) *out = static_cast<ITestLog*>(this);
+        if (id == kIID_ITKNameService) *out = static_cast<ITKNameService*>(this);
+        if (id == kIID_ITKNameEntry) *out = static_cast<ITKNameEntry*>(this);
+        return *out ? S_OK : E_NOINTERFACE;
+    }
+    ULONG AddRef() override { return 1; }
+    ULONG Release() override { return 1; }
+    void Note(const char* text) override {
+        const std::lock_guard hold(mutex_);
+        log_.emplace_back(text);
+    }
+    HRESULT GetCatalog(IUnknown** out) override {
+        *out = static_cast<ITKNameCatalog*>(this);
+        return S_OK;
+    }
+    HRESULT GetEntry(const GUID& id, IUnknown** out) override {
+        *out = static_cast<ITKNameEntry*>(this);
+        return id == kIID_ITKNameEntry ? S_OK : E_FAIL;
+    }
+    HRESULT GetHostString(const char* path, char** text) override {
+        hostString_ = "for " + std::filesystem::path(path).filename().string();
+        *text = hostString_.data();
+        return S_OK;
+    }
+
+    // What was noted since the last time.
+    CallLog Take() {
+        const std::lock_guard hold(mutex_);
+        return std::exchange(log_, {});
+    }
+
+private:
+    IUnknown* Identity() { return static_cast<ITestLog*>(this); }
+
+    std::mutex mutex_;
+    CallLog log_;
+    std::string hostString_;
+};
+
+inline std::string TestPluginPath(const std::string& name) {
+    return (std::filesystem::path(TEST_PLUGIN_DIR) / name).string();
+}
+
+inline void EmptyPluginCache() { RegDeleteTreeA(HKEY_CURRENT_USER, "Software\\Corvane\\Visualizations"); }

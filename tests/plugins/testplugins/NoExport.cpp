@@ -1,0 +1,4 @@
+// A library that is no plug-in.
+#include "tests/plugins/testplugins/TestPlugin.h"
+
+TDKVIZ_EXPORT int SomethingElse() { return 1; }

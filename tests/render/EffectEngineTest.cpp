@@ -1,0 +1,321 @@
+#include <random>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include <tdkviz/plugin.h>
+
+#include "src/render/EffectRandomizer.h"
+#include "src/render/VizEffectEngine.h"
+#include "tests/render/EffectModel.h"
+
+namespace tdkviz::test {
+namespace {
+
+constexpr uint8_t kUntouched = 0xA5;
+constexpr size_t kGuard = 64;
+
+class Source {
+public:
+    uint32_t Below(uint32_t limit) { return random_() % limit; }
+    int32_t Between(int32_t low, int32_t high) { return low + static_cast<int32_t>(Below(static_cast<uint32_t>(high - low + 1))); }
+    bool Flag() { return Below(2) != 0; }
+    uint32_t Word() { return random_(); }
+    // A value such as a user sets, or now and then one from the ends of the range.
+    int32_t Value(int32_t low, int32_t high, bool extremes) {
+        constexpr int32_t kExtremes[] = {INT32_MIN, INT32_MAX, INT32_MIN + 1, 0x00800000, -0x00800000, 0x007FFFFF,
+                                         0x01000001, 257, -257, 1 << 16, 65535, -65536};
+        if (extremes && Below(3) == 0) {
+            const uint32_t pick = Below(std::size(kExtremes) + 1);
+            return pick < std::size(kExtremes) ? kExtremes[pick] : static_cast<int32_t>(Word());
+        }
+        return Between(low, high);
+    }
+
+private:
+    std::mt19937 random_{20240607};
+};
+
+ModelFrame MakeFrame(Source& source, int width, int height, int bytesPerPixel) {
+    ModelFrame frame{width, height, bytesPerPixel, {}};
+    frame.bytes.resize(static_cast<size_t>(width * height * bytesPerPixel));
+    for (uint8_t& byte : frame.bytes) byte = static_cast<uint8_t>(source.Flag() ? source.Word() : 0u - source.Below(2));
+    return frame;
+}
+
+void FillRandom(VizEffectParams& params, Source& source, bool extremes) {
+    params.Blur = source.Flag();
+    params.BlurAmount = source.Value(-1, 11, extremes);
+    params.Zoom = source.Flag();
+    params.ZoomX = source.Value(-40, 40, extremes);
+    params.ZoomY = source.Flag() ? params.ZoomX.Load() : source.Value(-40, 40, extremes);
+    params.Fade = source.Flag();
+    params.FadeColor = source.Word();
+    params.FadeTime = source.Value(0, 256, extremes);
+    params.Slide = source.Flag();
+    params.SlideX = source.Value(-5, 5, extremes);
+    params.SlideY = source.Value(-5, 5, extremes);
+    params.Rotate = source.Flag();
+    params.RotateSpeed = source.Value(-40, 40, extremes);
+    params.AutoEdge = source.Flag();
+    params.ClampEdge = source.Flag();
+}
+
+std::string Describe(const VizEffectParams& p, const ModelFrame& frame, uint32_t mask, uint32_t counter) {
+    const auto part = [](const char* name, bool on, int64_t a, int64_t b = 0) {
+        return std::string(" ") + name + (on ? "+" : "-") + std::to_string(a) + "," + std::to_string(b);
+    };
+    return std::to_string(frame.width) + "x" + std::to_string(frame.height) + "x" + std::to_string(frame.bytesPerPixel) +
+           part("zoom", p.Zoom, p.ZoomX, p.ZoomY) + part("slide", p.Slide, p.SlideX, p.SlideY) +
+           part("rotate", p.Rotate, p.RotateSpeed) + part("blur", p.Blur, p.BlurAmount) +
+           part("fade", p.Fade, p.FadeTime, p.FadeColor) + part("edge", p.AutoEdge, p.ClampEdge) +
+           " mask " + std::to_string(mask) + " frame " + std::to_string(counter);
+}
+
+// Runs the engine and the model on one record and compares result, picture, counter and what lies around.
+void Compare(const ModelFrame& frame, VizEffectParams& params, uint32_t mask, uint32_t counter) {
+    SCOPED_TRACE(Describe(params, frame, mask, counter));
+    params.BytesPerPixel = frame.bytesPerPixel;
+    VizEffectEngine engine;
+    engine.FrameCounter = counter;
+    std::vector<uint8_t> out(frame.bytes.size() + 2 * kGuard, kUntouched);
+    const bool ran = engine.ApplyEffects(frame.bytes.data(), out.data() + kGuard, frame.width, frame.height, frame.width,
+                                         params, mask);
+    EXPECT_EQ(engine.FrameCounter, counter + 1);
+    const auto expected = EffectModel(frame, params, mask, counter + 1).Run();
+    ASSERT_EQ(ran, expected.has_value());
+    std::vector<uint8_t> whole(kGuard, kUntouched);
+    if (ran) {
+        whole.insert(whole.end(), expected->begin(), expected->end());
+    } else {
+        whole.resize(whole.size() + frame.bytes.size(), kUntouched);
+    }
+    whole.resize(out.size(), kUntouched);
+    const auto differs = std::mismatch(whole.begin(), whole.end(), out.begin());
+    ASSERT_TRUE(differs.first == whole.end())
+        << "byte " << (differs.first - whole.begin()) - static_cast<ptrdiff_t>(kGuard) << " is " << int{*differs.second}
+        << ", expected " << int{*differs.first};
+}
+
+void CompareMany(int runs, int bytesPerPixel, bool extremes) {
+    Source source;
+    for (int run = 0; run < runs && !testing::Test::HasFailure(); ++run) {
+        const ModelFrame frame = MakeFrame(source, source.Between(3, 70), source.Between(3, 50), bytesPerPixel);
+        VizEffectParams params;
+        FillRandom(params, source, extremes);
+        const uint32_t mask = source.Flag() ? kEffectsAll : source.Word();
+        Compare(frame, params, mask, source.Below(4) ? source.Below(1000) : 0xFFFFFFFF - source.Below(3));
+    }
+}
+
+TEST(EffectEngineTest, WordPathMatchesFormulas) { CompareMany(3000, 4, false); }
+TEST(EffectEngineTest, WordPathMatchesFormulasAtExtremes) { CompareMany(3000, 4, true); }
+TEST(EffectEngineTest, BytePathMatchesFormulas) {
+    for (const int bytes : {1, 2, 3}) CompareMany(500, bytes, bytes == 2);
+}
+
+// Every kernel with every edge rule and fade, on both paths, where jumps of the source meet block borders.
+TEST(EffectEngineTest, AllKernelsAndEdges) {
+    Source source;
+    for (const int bytes : {3, 4}) {
+        const ModelFrame frame = MakeFrame(source, 67, 33, bytes);
+        for (int kernel = -1; kernel <= 11; ++kernel) {
+            for (const bool clamp : {false, true}) {
+                for (const int fade : {0, 1, 25, 255, 256}) {
+                    VizEffectParams params;
+                    SetDefaultEffects(params);
+                    params.Rotate = params.Slide = true;
+                    params.RotateSpeed = 5;
+                    params.SlideX = 1;
+                    params.BlurAmount = kernel;
+                    params.FadeTime = fade;
+                    params.FadeColor = 0x80FF0140u;
+                    params.AutoEdge = false;
+                    params.ClampEdge = clamp;
+                    Compare(frame, params, kEffectsAll, 7);
+                }
+            }
+        }
+    }
+}
+
+struct Call {
+    const char* name;
+    int bytesPerPixel;
+    void (*change)(VizEffectParams&);
+    uint32_t mask;
+    bool result;
+};
+
+TEST(EffectEngineTest, RefusesWhenThereIsNothingToDo) {
+    const Call calls[] = {
+        {"all switches off", 4, [](VizEffectParams& p) { p.Blur = p.Zoom = p.Fade = false; }, kEffectsAll, false},
+        {"all switches off, bytes", 3, [](VizEffectParams& p) { p.Blur = p.Zoom = p.Fade = false; }, kEffectsAll, false},
+        {"no mask", 4, [](VizEffectParams&) {}, 0, false},
+        {"mask above the low bits", 4, [](VizEffectParams&) {}, 0xFFFFFF00, false},
+        {"no mask, bytes", 3, [](VizEffectParams&) {}, 0, true},
+        {"blur 1 alone", 4, [](VizEffectParams& p) { SetNeutralEffects(p); p.Fade = false; p.Blur = true; p.BlurAmount = 1; }, kEffectsAll, false},
+        {"blur 1 alone, bytes", 3, [](VizEffectParams& p) { SetNeutralEffects(p); p.Fade = false; p.Blur = true; p.BlurAmount = 1; }, kEffectsAll, true},
+        {"negative blur alone", 4, [](VizEffectParams& p) { SetNeutralEffects(p); p.Fade = false; p.Blur = true; p.BlurAmount = -5; }, kEffectsAll, false},
+        {"switches on, values 0", 4, [](VizEffectParams& p) { SetNeutralEffects(p); p.Zoom = p.Slide = p.Rotate = true; p.FadeTime = 0; }, kEffectsAll, false},
+        {"neutral", 4, [](VizEffectParams& p) { SetNeutralEffects(p); }, kEffectsAll, true},
+        {"no bytes a pixel", 0, [](VizEffectParams&) {}, kEffectsAll, false},
+        {"negative bytes a pixel", -4, [](VizEffectParams&) {}, kEffectsAll, false},
+    };
+    for (const Call& call : calls) {
+        SCOPED_TRACE(call.name);
+        std::vector<uint8_t> source(16 * 16 * 4, 9), out(source.size(), kUntouched);
+        VizEffectParams params;
+        SetDefaultEffects(params);
+        call.change(params);
+        params.BytesPerPixel = call.bytesPerPixel;
+        VizEffectEngine engine;
+        EXPECT_EQ(engine.ApplyEffects(source.data(), out.data(), 16, 16, 16, params, call.mask), call.result);
+        EXPECT_EQ(engine.FrameCounter, 1u);
+        EXPECT_EQ(out == std::vector<uint8_t>(out.size(), kUntouched), !call.result);
+    }
+}
+
+// A frame of one colour tells the edge rule by whether another FadeColor comes in.
+bool FadeColorShows(int width, int height, int zoom, int rotate) {
+    constexpr uint32_t kInk = 0x00102030, kColor = 0x00FFFFFF;
+    std::vector<uint32_t> source(static_cast<size_t>(width * height), kInk), out(source.size());
+    VizEffectParams params;
+    SetDefaultEffects(params);
+    params.Blur = params.Fade = false;
+    params.FadeColor = kColor;
+    params.Rotate = true;
+    params.ZoomX = params.ZoomY = zoom;
+    params.RotateSpeed = rotate;
+    VizEffectEngine engine;
+    EXPECT_TRUE(engine.ApplyEffects(source.data(), out.data(), width, height, width, params, kEffectsAll));
+    return std::find(out.begin(), out.end(), kColor) != out.end();
+}
+
+TEST(EffectEngineTest, EdgeRuleFollowsZoomAndRotation) {
+    EXPECT_FALSE(FadeColorShows(320, 240, 10, 0));
+    EXPECT_FALSE(FadeColorShows(320, 240, 10, 16));
+    EXPECT_FALSE(FadeColorShows(320, 240, 10, -16));
+    EXPECT_TRUE(FadeColorShows(320, 240, 10, 17));
+    EXPECT_TRUE(FadeColorShows(320, 240, 10, -17));
+    EXPECT_FALSE(FadeColorShows(240, 320, 10, 16)) << "the longer side leads, whichever it is";
+    EXPECT_TRUE(FadeColorShows(320, 240, 0, 1));
+    EXPECT_TRUE(FadeColorShows(320, 240, -1, 0));
+}
+
+TEST(EffectEngineTest, FullFadeToBlackIsBlackWhateverTheKernel) {
+    Source source;
+    const ModelFrame frame = MakeFrame(source, 40, 30, 4);
+    for (int kernel = 0; kernel <= 10; ++kernel) {
+        VizEffectParams params;
+        SetDefaultEffects(params);
+        params.BlurAmount = kernel;
+        params.FadeTime = 256;
+        std::vector<uint8_t> out(frame.bytes.size(), kUntouched);
+        VizEffectEngine engine;
+        EXPECT_TRUE(engine.ApplyEffects(frame.bytes.data(), out.data(), 40, 30, 40, params, kEffectsAll));
+        EXPECT_EQ(out, std::vector<uint8_t>(out.size(), 0)) << kernel;
+    }
+}
+
+// Nothing outside of frame or stride is read or written, down to one pixel. The sanitizers watch.
+TEST(EffectEngineTest, FramesWithoutInnerPixels) {
+    Source source;
+    for (const int bytes : {1, 3, 4}) {
+        for (int width = 1; width <= 4; ++width) {
+            for (int height = 1; height <= 4; ++height) {
+                if (width >= 3 && height >= 3) continue;
+                for (int kernel = 0; kernel <= 10; ++kernel) {
+                    const ModelFrame frame = MakeFrame(source, width, height, bytes);
+                    VizEffectParams params;
+                    FillRandom(params, source, true);
+                    params.Zoom = params.Fade = true;
+                    params.FadeTime = 3;
+                    params.BlurAmount = kernel;
+                    params.BytesPerPixel = bytes;
+                    params.AutoEdge = false;
+                    params.ClampEdge = false;
+                    Compare(frame, params, kEffectsAll, source.Below(50));
+                    params.ClampEdge = true;
+                    std::vector<uint8_t> out(frame.bytes.size());
+                    VizEffectEngine engine;
+                    EXPECT_TRUE(engine.ApplyEffects(frame.bytes.data(), out.data(), width, height, width, params, kEffectsAll));
+                }
+            }
+        }
+    }
+}
+
+TEST(EffectEngineTest, StrideIsTheSourcesAlone) {
+    Source source;
+    constexpr int kWidth = 30, kHeight = 20, kStride = 37;
+    const ModelFrame packed = MakeFrame(source, kWidth, kHeight, 4);
+    std::vector<uint8_t> wide;
+    for (int y = 0; y < kHeight; ++y) {
+        const auto row = packed.bytes.begin() + y * kWidth * 4;
+        wide.insert(wide.end(), row, row + kWidth * 4);
+        wide.resize(static_cast<size_t>((y + 1) * kStride * 4), 0xEE);
+    }
+    VizEffectParams params;
+    SetDefaultEffects(params);
+    std::vector<uint8_t> a(packed.bytes.size()), b(packed.bytes.size());
+    VizEffectEngine first, second;
+    EXPECT_TRUE(first.ApplyEffects(packed.bytes.data(), a.data(), kWidth, kHeight, kWidth, params, kEffectsAll));
+    EXPECT_TRUE(second.ApplyEffects(wide.data(), b.data(), kWidth, kHeight, kStride, params, kEffectsAll));
+    EXPECT_EQ(a, b);
+}
+
+TEST(EffectRandomizerTest, DocumentedSeedsAndWrap) {
+    struct Row {
+        uint32_t seed;
+        int32_t blur, zoomX, zoomY, fade, rotate;
+    };
+    const Row rows[] = {{0, 4, 17, 18, 4, 11}, {1000, 8, 3, -1, 6, 4}, {5000, 4, 8, -8, 6, 0}};
+    for (const Row& row : rows) {
+        VizEffectParams params;
+        SetDefaultEffects(params);
+        params.BytesPerPixel = 3;
+        params.AutoEdge = false;
+        params.ClampEdge = true;
+        RandomizeEffects(params, row.seed);
+        EXPECT_EQ(params.BlurAmount, row.blur) << row.seed;
+        EXPECT_EQ(params.ZoomX, row.zoomX) << row.seed;
+        EXPECT_EQ(params.ZoomY, row.zoomY) << row.seed;
+        EXPECT_EQ(params.FadeTime, row.fade) << row.seed;
+        EXPECT_EQ(params.RotateSpeed, row.rotate) << row.seed;
+        EXPECT_TRUE(params.Blur && params.Zoom && params.Fade && params.Slide && params.Rotate);
+        EXPECT_TRUE(params.BytesPerPixel == 3 && !params.AutoEdge && params.ClampEdge) << "left as they were";
+    }
+    VizEffectParams wrapped;
+    RandomizeEffects(wrapped, 0xFFFFFFFF);  // the sum wraps: 999 % 2557
+    EXPECT_EQ(wrapped.BlurAmount, (999 >> 8) + 1);
+}
+
+TEST(EffectRandomizerTest, CurvesStayInTheirRangesAndRepeat) {
+    struct Range {
+        Relaxed<int32_t> VizEffectParams::*field;
+        int32_t low, high;
+        uint32_t period;
+    };
+    const Range ranges[] = {{&VizEffectParams::BlurAmount, 1, 10, 2557},
+                            {&VizEffectParams::ZoomX, -8, 20, 1854},
+                            {&VizEffectParams::ZoomY, -9, 25, 2240},
+                            {&VizEffectParams::FadeTime, 1, 9, 4192},
+                            {&VizEffectParams::RotateSpeed, -4, 18, 1420}};
+    for (const Range& range : ranges) {
+        int32_t low = INT32_MAX, high = INT32_MIN;
+        for (uint32_t seed = 0; seed < range.period; ++seed) {
+            VizEffectParams params, later;
+            RandomizeEffects(params, seed);
+            RandomizeEffects(later, seed + range.period);
+            EXPECT_EQ(params.*range.field, (later.*range.field).Load());
+            low = std::min<int32_t>(low, params.*range.field);
+            high = std::max<int32_t>(high, params.*range.field);
+        }
+        EXPECT_EQ(low, range.low);
+        EXPECT_EQ(high, range.high);
+    }
+}
+
+}  // namespace
+}  // namespace tdkviz::test

@@ -1,0 +1,89 @@
+#include <gtest/gtest.h>
+
+#include "src/render/FrameBuffer.h"
+#include "src/render/VizSurface.h"
+#include "tests/render/WindowTools.h"
+
+namespace tdkviz::test {
+namespace {
+
+BitmapInfoRecord MakeInfo(uint32_t format, int32_t width, int32_t height) {
+    BitmapInfoRecord info = {};
+    EXPECT_NE(FillBitmapInfo(&info, sizeof(info), format, width, height, nullptr, 0), 0u);
+    return info;
+}
+
+TEST(VizSurfaceTest, HoldsZeroedPixelsAndFreesAll) {
+    UseMemoryDisplay();
+    const TdkpCounts before = Counts();
+    for (const uint32_t format : {FormatRGB32, FormatRGB24, FormatRGB565, FormatRGB555}) {
+        const BitmapInfoRecord info = MakeInfo(format, 5, 3);
+        const VizSurfacePtr surface(CreateVizSurface(&info));
+        ASSERT_TRUE(surface) << format;
+        const auto* bytes = static_cast<const uint8_t*>(surface->Pixels);
+        for (DWORD i = 0; i < info.Header.biSizeImage; ++i) EXPECT_EQ(bytes[i], 0);
+        EXPECT_EQ(surface->Section.dsBm.bmWidth, 5);
+        EXPECT_EQ(surface->Section.dsBm.bmHeight, 3);
+        EXPECT_EQ(surface->Section.dsBm.bmWidthBytes, -RowPitch(&info));
+    }
+    // No size rule, no mapping, no surface; a size that no bitmap has.
+    for (const uint32_t format : {FormatZVQN, FormatMC12, FormatDVPF}) {
+        const BitmapInfoRecord info = MakeInfo(format, 5, 3);
+        EXPECT_EQ(CreateVizSurface(&info), nullptr) << format;
+    }
+    BitmapInfoRecord info = MakeInfo(FormatRGB32, 5, 3);
+    info.Header.biWidth = 0;
+    EXPECT_EQ(CreateVizSurface(&info), nullptr);
+    EXPECT_EQ(CreateVizSurface(nullptr), nullptr);
+    DestroyVizSurface(nullptr);
+    const TdkpCounts after = Counts();
+    EXPECT_EQ(after.handles, before.handles);
+    EXPECT_EQ(after.gdiObjects, before.gdiObjects);
+}
+
+TEST(VizSurfaceTest, BlitsPartsAndStretches) {
+    const ParentWindow parent;
+    const BitmapInfoRecord info = MakeInfo(FormatRGB32, 2, 2);
+    const VizSurfacePtr surface(CreateVizSurface(&info));
+    ASSERT_TRUE(surface);
+    auto* pixels = static_cast<uint32_t*>(surface->Pixels);
+    const uint32_t colors[] = {0x111111, 0x222222, 0x333333, 0x444444};  // the lower row first
+    std::copy(std::begin(colors), std::end(colors), pixels);
+    const HDC window = GetDC(parent.Handle()), memory = CreateCompatibleDC(window);
+    SetStretchBltMode(window, COLORONCOLOR);
+    EXPECT_TRUE(BlitVizSurface(window, memory, surface.get(), {0, 0, 2, 2}, {10, 10, 12, 12}));
+    EXPECT_TRUE(BlitVizSurface(window, memory, surface.get(), {0, 1, 2, 2}, {20, 20, 24, 24}));
+    EXPECT_FALSE(BlitVizSurface(window, memory, nullptr, {0, 0, 2, 2}, {10, 10, 12, 12}));
+    DeleteDC(memory);
+    ReleaseDC(parent.Handle(), window);
+    const Picture picture(parent.Handle());
+    EXPECT_EQ(picture.At(10, 10), 0x333333u);
+    EXPECT_EQ(picture.At(11, 11), 0x222222u);
+    EXPECT_EQ(picture.At(20, 20), 0x111111u);
+    EXPECT_EQ(picture.At(21, 23), 0x111111u);
+    EXPECT_EQ(picture.At(22, 20), 0x222222u);
+}
+
+TEST(VizSurfaceTest, DisplayFormatOfThisDisplay) {
+    UseMemoryDisplay();
+    const TdkpCounts before = Counts();
+    EXPECT_EQ(GetDisplayFormat(), FormatRGB32);
+    EXPECT_EQ(Counts().gdiObjects, before.gdiObjects);
+}
+
+TEST(FrameBufferTest, IsAlignedAndZeroed) {
+    FrameBuffer buffer;
+    for (const size_t bytes : {size_t{1}, size_t{31}, size_t{4096}, size_t{320 * 240 * 4}}) {
+        ASSERT_TRUE(buffer.Allocate(bytes));
+        EXPECT_EQ(reinterpret_cast<uintptr_t>(buffer.Pixels()) % FrameBuffer::kAlignment, 0u);
+        for (size_t i = 0; i < bytes; ++i) ASSERT_EQ(buffer.Pixels()[i], 0);
+        std::fill_n(buffer.Pixels(), bytes, uint8_t{0xFF});
+    }
+    EXPECT_FALSE(buffer.Allocate(0));
+    EXPECT_EQ(buffer.Pixels(), nullptr);
+    EXPECT_FALSE(buffer.Allocate(SIZE_MAX - 1));
+    EXPECT_EQ(buffer.Pixels(), nullptr);
+}
+
+}  // namespace
+}  // namespace tdkviz::test

@@ -1,0 +1,144 @@
+// What a plug-in gets at its draw is the audio that is heard then.
+#include <gtest/gtest.h>
+#include <tdkplatform.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "tests/staged/TestHost.h"
+
+namespace tdkviz::test {
+namespace {
+
+// The largest distance between what is drawn and what is heard, over the frames that were watched.
+class StepWatch {
+public:
+    explicit StepWatch(TestHost& host) : host_(host) {
+        watch_ = WatchProbe([this](const ProbeFrame& frame) { Look(frame.analysis); });
+    }
+    // Frames right after a jump may still show what was heard before it.
+    void Forget() {
+        worst_ = 0;
+        frames_ = 0;
+    }
+    double WorstMilliseconds() const { return worst_ * 1000.0 / kRate; }
+    int Frames() const { return frames_; }
+
+private:
+    void Look(const VizAnalysisFrame& analysis) {
+        const double drawn =
+            static_cast<double>(StampedPosition(analysis.WaveformLeft[0], analysis.WaveformRight[0]));
+        worst_ = std::max(worst_.load(), std::abs(drawn - static_cast<double>(host_.heard.load())));
+        ++frames_;
+    }
+
+    TestHost& host_;
+    std::atomic<double> worst_{0};
+    std::atomic<int> frames_{0};
+    std::shared_ptr<void> watch_;
+};
+
+struct StepCase {
+    uint32_t delay;           // ms
+    uint32_t deliveryFrames;  // sample frames
+    uint32_t frameRate;
+};
+
+class InStep : public testing::TestWithParam<StepCase> {};
+
+// Half a frame period plus one delivery, and the steps of the clock and of the stamps.
+double Bound(const StepCase& c) {
+    return 500.0 / c.frameRate + c.deliveryFrames * 1000.0 / kRate + 1.0 + kFramesPerStamp * 1000.0 / kRate;
+}
+
+TEST_P(InStep, AcrossPauseSeekAndEngineChange) {
+    const StepCase c = GetParam();
+    TestHost::InstallPlugins({"Probe.tkv"});
+    TestHost host;
+    ASSERT_TRUE(host.MakeView("Probe.tkv", 160, 120));
+    StepWatch watch(host);
+    host.StartDevice(c.delay, c.deliveryFrames);
+    host.SetState(kEngineStatePlaying);
+    host.Advance(2500);
+    EXPECT_GE(watch.Frames(), 45);
+    EXPECT_LE(watch.WorstMilliseconds(), Bound(c)) << "from the start";
+
+    host.SetState(kEngineStatePaused);
+    const int before = watch.Frames();
+    host.Advance(700);
+    EXPECT_EQ(watch.Frames(), before) << "frames while paused";
+    watch.Forget();
+    host.SetState(kEngineStatePlaying);
+    host.Advance(1000);
+    EXPECT_GE(watch.Frames(), 18);
+    EXPECT_LE(watch.WorstMilliseconds(), Bound(c)) << "after a pause";
+
+    watch.Forget();
+    host.Seek(40 * kRate);
+    host.Advance(1000);
+    EXPECT_LE(watch.WorstMilliseconds(), Bound(c)) << "after a seek";
+
+    TestEngine other;
+    other.state = kEngineStatePlaying;
+    other.configuredDelay = c.delay;
+    host.SetEngine(&other);
+    host.StartDevice(c.delay, c.deliveryFrames);
+    host.Seek(60 * kRate);
+    watch.Forget();
+    host.Advance(1000);
+    EXPECT_LE(watch.WorstMilliseconds(), Bound(c)) << "after an engine change";
+    host.SetState(0);
+    host.Shutdown();
+    EXPECT_EQ(other.references, 1u) << "the add-on let the engine go";
+}
+
+INSTANTIATE_TEST_SUITE_P(Delays, InStep,
+                         testing::Values(StepCase{0, 441, 20}, StepCase{120, 441, 20}, StepCase{120, 2048, 20},
+                                         StepCase{500, 1024, 20}, StepCase{2000, 4410, 20}));
+
+TEST(InStepWithChanges, DelayMovesWhilePlaying) {
+    TestHost::InstallPlugins({"Probe.tkv"});
+    TestHost host;
+    ASSERT_TRUE(host.MakeView("Probe.tkv", 160, 120));
+    StepWatch watch(host);
+    host.StartDevice(2000, 882);
+    host.SetState(kEngineStatePlaying);
+    for (const uint32_t delay : {2000u, 120u, 900u, 40u, 1500u}) {
+        host.delay = delay;
+        host.Advance(1800);
+    }
+    EXPECT_GE(watch.Frames(), 170);
+    // A shrinking delay holds deliveries back for as long as it shrinks; the position then runs by frames.
+    EXPECT_LE(watch.WorstMilliseconds(), Bound({2000, 882, 20}));
+}
+
+TEST(InStepWithChanges, PictureIsTheRightWayUpAtEverySize) {
+    TestHost::InstallPlugins({"Probe.tkv"});
+    TestHost host;
+    IMPAVizWindow* view = host.MakeView("Probe.tkv", 200, 152);
+    ASSERT_TRUE(view);
+    host.StartDevice(120, 441);
+    host.SetState(kEngineStatePlaying);
+    std::vector<DWORD> pixels(1400 * 900);
+    const struct {
+        int width, height;
+    } sizes[] = {{200, 152}, {1280, 720}, {200, 152}, {320, 240}, {324, 240}, {1024, 600}};
+    for (const auto& size : sizes) {
+        view->Resize(size.width, size.height);
+        host.Advance(200);
+        int width = 0;
+        int height = 0;
+        ASSERT_TRUE(TdkpReadWindow(host.Parent(), pixels.data(), static_cast<int>(pixels.size()), &width, &height));
+        const auto at = [&](int x, int y) { return pixels[static_cast<size_t>(y) * width + x] & 0xFFFFFF; };
+        SCOPED_TRACE(std::to_string(size.width) + "x" + std::to_string(size.height));
+        EXPECT_EQ(at(2, 2), 0xFF0000u) << "the mark in the top left corner";
+        EXPECT_EQ(at(size.width - 1, size.height - 1), 0x204060u);
+        EXPECT_EQ(at(size.width - 1, 0), 0x204060u);
+        EXPECT_EQ(at(0, size.height - 1), 0x204060u);
+        EXPECT_EQ(at(size.width, size.height / 2), 0xFFFFFFu) << "the host's own window beside the view";
+        EXPECT_EQ(at(size.width / 2, size.height), 0xFFFFFFu) << "the host's own window below the view";
+    }
+}
+
+}  // namespace
+}  // namespace tdkviz::test

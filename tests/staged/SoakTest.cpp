@@ -1,0 +1,123 @@
+// Ten thousand frames of everything that a host can do, in an order that a seed fixes.
+#include <gtest/gtest.h>
+#include <tdkplatform.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <random>
+
+#include "tests/staged/TestHost.h"
+
+namespace tdkviz::test {
+namespace {
+
+constexpr int kFramePeriod = 33;  // ms at 30 frames a second
+
+// Resident memory in KiB.
+long ResidentMemory() {
+    long total = 0;
+    long resident = 0;
+    if (FILE* file = std::fopen("/proc/self/statm", "r")) {
+        if (std::fscanf(file, "%ld %ld", &total, &resident) != 2) resident = 0;
+        std::fclose(file);
+    }
+    return resident * 4;
+}
+
+class Soak {
+public:
+    Soak() : random_(20261122) {
+        TestHost::InstallPlugins({"Probe.tkv", "Good2.tkv", "GoodOld.tkv", "WindowMode.tkv"});
+        host_ = std::make_unique<TestHost>();
+        view_ = host_->MakeView("Probe.tkv", 320, 240, kViewClickStepsPlugins);
+        host_->StartDevice(200, 882);
+        host_->SetState(kEngineStatePlaying);
+    }
+    void Run(int frames) {
+        for (int frame = 0; frame < frames; ++frame) {
+            if (frame % 12 == 0) Disturb();
+            host_->Advance(kFramePeriod);
+        }
+    }
+    TestHost& Host() { return *host_; }
+
+private:
+    void Disturb() {
+        switch (random_() % 8) {
+            case 0:
+                view_->SelectPlugin(Plugin(random_() % 4).c_str());
+                break;
+            case 1:
+                view_->Resize(static_cast<int>(random_() % 700) + 1, static_cast<int>(random_() % 500) + 1);
+                break;
+            case 2:
+                host_->AnnounceFormat(static_cast<uint16_t>(random_() % 7), static_cast<uint16_t>(random_() % 5 * 8), 48000,
+                                      static_cast<uint16_t>(random_()));
+                break;
+            case 3:
+                host_->StartDevice(static_cast<uint32_t>(random_() % 4) * 250, 441 + static_cast<uint32_t>(random_() % 2000));
+                break;
+            case 4:
+                host_->SetState(host_->engine->state == kEngineStatePlaying ? kEngineStatePaused : kEngineStatePlaying);
+                break;
+            case 5:
+                SwapEngines();
+                break;
+            case 6:
+                host_->SetAudioState(static_cast<uint32_t>(random_() % 4) | 1);
+                host_->Seek(random_() % (60 * kRate));
+                break;
+            default:
+                random_() % 2 ? view_->Hide() : view_->Show(320, 240);
+                break;
+        }
+        if (host_->engine->state != kEngineStatePlaying && random_() % 2 == 0) host_->SetState(kEngineStatePlaying);
+    }
+    void SwapEngines() {
+        TestEngine* next = host_->engine == &second_ ? &host_->firstEngine : &second_;
+        next->state = host_->engine->state.load();
+        host_->SetEngine(next);
+    }
+    static std::string Plugin(size_t index) {
+        static const char* const kFiles[] = {"Probe.tkv", "Good2.tkv", "GoodOld.tkv", "WindowMode.tkv"};
+        return TestHost::PluginPath(kFiles[index]);
+    }
+
+    std::mt19937 random_;
+    TestEngine second_;
+    std::unique_ptr<TestHost> host_;
+    IMPAVizWindow* view_ = nullptr;
+};
+
+TEST(Soak, TenThousandFramesLeaveMemoryFlatAndNothingBehind) {
+    TdkpCounts atFirst = {};
+    TdkpCount(&atFirst);
+    {
+        Soak soak;
+        soak.Run(2000);
+        TdkpCounts early = {};
+        TdkpCount(&early);
+        const long memoryEarly = ResidentMemory();
+        soak.Run(8000);
+        TdkpCounts late = {};
+        TdkpCount(&late);
+        EXPECT_LE(late.handles, early.handles + 2);
+        EXPECT_LE(late.windows, early.windows);
+        EXPECT_LE(late.gdiObjects, early.gdiObjects + 4);
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+        EXPECT_LE(ResidentMemory(), memoryEarly + 8 * 1024);
+#else
+        (void)memoryEarly;
+#endif
+        soak.Host().Shutdown();
+    }
+    TdkpCounts atLast = {};
+    TdkpCount(&atLast);
+    EXPECT_EQ(atLast.handles, atFirst.handles);
+    EXPECT_EQ(atLast.windows, atFirst.windows);
+    EXPECT_EQ(atLast.gdiObjects, atFirst.gdiObjects);
+    EXPECT_EQ(atLast.threads, atFirst.threads);
+}
+
+}  // namespace
+}  // namespace tdkviz::test

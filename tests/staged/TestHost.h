@@ -1,0 +1,136 @@
+// A host in miniature: loads the staged add-on, serves it every interface it asks for, and plays audio
+// that carries its own time. Runs on the stepped clock and the memory display, or on the real ones.
+#pragma once
+
+#include <windows.h>
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <tdkviz/analysis_frame.h>
+#include <tdkviz/host.h>
+#include <tdkviz/viz.h>
+
+namespace tdkviz::test {
+
+// Each sample frame says at which stream position it stands: in steps of kFramesPerStamp, the high
+// bytes of the left and the right sample together are the number of the step.
+inline constexpr int kFramesPerStamp = 64;
+inline constexpr uint32_t kRate = 44100;
+void FillStampedAudio(int16_t* stereo, uint64_t position, uint32_t frames);
+// The position that a waveform entry says, to kFramesPerStamp frames.
+uint64_t StampedPosition(int8_t left, int8_t right);
+
+// An engine with a delay of its own. The host's model of the device decides what it reports.
+class TestEngine final : public ITKPlaybackEngine, public IKVAAudioDelay {
+public:
+    HRESULT QueryInterface(const GUID& id, void** out) override;
+    ULONG AddRef() override { return ++references; }
+    ULONG Release() override { return --references; }
+    uint32_t GetState() override { return state; }
+    uint32_t QueryEngineFlag(uint32_t) override { return allowsVisualization ? 1 : 0; }
+    HRESULT GetPreferences(IKVAValues** values) override;
+    HRESULT GetConfiguredDelay(uint32_t* milliseconds) override;
+    HRESULT GetCurrentDelay(uint32_t* milliseconds) override;
+
+    std::atomic<uint32_t> references{1};
+    std::atomic<uint32_t> state{0};
+    std::atomic<bool> allowsVisualization{true};
+    bool servesDelay = true;
+    std::atomic<uint32_t> configuredDelay{0};
+    std::atomic<uint32_t> currentDelay{0};
+};
+
+class TestHost final : public ITKPlayer,
+                       public ITKStateSource,
+                       public IKVAClassFactory,
+                       public IKVAAudioHookService {
+public:
+    // Puts these plug-ins (files of TEST_PLUGIN_DIR or the staged folder), and no others, beside the
+    // running program before the add-on looks.
+    static void InstallPlugins(const std::vector<std::string>& files);
+    static std::string PluginPath(const std::string& name);
+
+    TestHost();
+    ~TestHost();
+    TestHost(const TestHost&) = delete;
+
+    // What a context answers.
+    HRESULT QueryInterface(const GUID& id, void** out) override;
+    ULONG AddRef() override { return ++references_; }
+    ULONG Release() override { return --references_; }
+    IUnknown* GetPlaybackEngine() override { return static_cast<ITKPlaybackEngine*>(engine); }
+    HRESULT AddEngineObserver(ITKPlaybackEngineObserver* observer) override;
+    HRESULT RemoveEngineObserver(ITKPlaybackEngineObserver* observer) override;
+    HRESULT AddStateObserver(ITKStateObserver* observer) override;
+    HRESULT RemoveStateObserver(ITKStateObserver* observer) override;
+    HRESULT CreateInstance(const GUID&, void** out) override;
+    HRESULT AddHook(IKVAAudioHook* hook, uint32_t flags) override;
+    HRESULT RemoveHook(IKVAAudioHook* hook) override;
+
+    // The component. Ends it: views, Shutdown, the last Release, the library.
+    void Shutdown();
+    ITKCommandButton* Component() { return component_; }
+    IMPAVizMgr* Manager() { return manager_; }
+    IMPAVizWindow* MakeView(const std::string& plugin, int width, int height, uint32_t flags = 0);
+    HWND Parent() const { return parent_; }
+
+    // The player.
+    void SetState(uint32_t state);
+    void SetEngine(TestEngine* newEngine);
+    void AnnounceFormat(uint16_t channels, uint16_t bits, uint32_t rate, uint16_t blockSize);
+    void Deliver(const void* data, uint32_t size);
+    void SetAudioState(uint32_t flags);
+
+    // The model of the device, for stereo 16-bit audio at kRate: what is heard moves with the clock, and
+    // deliveries of deliveryFrames keep `delay` milliseconds ahead of it. Advance moves the stepped clock.
+    void StartDevice(uint32_t delayMilliseconds, uint32_t deliveryFrameCount);
+    void Seek(uint64_t position);
+    void Advance(uint32_t milliseconds);
+    void ServeMessages();
+
+    TestEngine* engine = nullptr;
+    TestEngine firstEngine;
+    uint32_t delay = 0;
+    uint32_t deliveryFrames = 441;
+    std::atomic<uint64_t> heard{0};  // sample frames
+
+    // Delivers until the device has its delay ahead.
+    void FeedDevice();
+
+private:
+    ULONG references_ = 1;
+    HMODULE library_ = nullptr;
+    ITKCommandButton* component_ = nullptr;
+    IMPAVizMgr* manager_ = nullptr;
+    HWND parent_ = nullptr;
+    ITKStateObserver* stateObserver_ = nullptr;
+    ITKPlaybackEngineObserver* engineObserver_ = nullptr;
+    IKVAAudioHook* hook_ = nullptr;
+    std::vector<IMPAVizWindow*> views_;
+    uint64_t delivered_ = 0;
+    bool deviceRuns_ = false;
+    uint64_t remainder_ = 0;
+};
+
+// An exported function of a library, by its name.
+template <typename Function>
+Function SymbolOf(HMODULE library, const char* name) {
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library, name)));
+}
+
+// What the Probe plug-in saw, collected on the frame thread while the test's own thread waits.
+struct ProbeFrame {
+    int32_t width;
+    int32_t height;
+    VizAnalysisFrame analysis;
+};
+using ProbeFunction = std::function<void(const ProbeFrame&)>;
+// Sends every frame of Probe.tkv to `function` until the returned object goes.
+std::shared_ptr<void> WatchProbe(ProbeFunction function);
+
+}  // namespace tdkviz::test

@@ -1,0 +1,101 @@
+// Which display a process gets, and the memory display where none is wanted or there.
+#include <gtest/gtest.h>
+#include <tdkplatform.h>
+#include <windows.h>
+
+#include <cstdlib>
+#include <filesystem>
+
+#include "tests/x11/AppWindow.h"
+#include "tests/x11/XServer.h"
+
+namespace {
+
+class DisplayChoiceTest : public testing::Test {
+protected:
+    void SetUp() override {
+        unsetenv("DISPLAY");
+        unsetenv("TDKVIZ_DISPLAY");
+    }
+    void TearDown() override { SetUp(); }
+};
+
+TEST_F(DisplayChoiceTest, MemoryIsAlwaysThere) {
+    const struct {
+        const char* server;
+        const char* wish;
+        int width, height, depth;
+    } cases[] = {
+        {"", "", 1920, 1080, 32},
+        {":9999", "", 1920, 1080, 32},
+        {"", "memory:320x200x16", 320, 200, 16},
+        {"", "memory:320x200", 320, 200, 32},
+        {"", "memory:0x200x16", 1920, 1080, 32},
+        {"", "memory:320x200x17", 1920, 1080, 32},
+        {"", "memory:640x480x8", 640, 480, 8},
+    };
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.wish);
+        setenv("DISPLAY", each.server, 1);
+        setenv("TDKVIZ_DISPLAY", each.wish, 1);
+        EXPECT_STREQ(TdkpDisplayName(), "memory");
+        AppWindow window(0, 0, 0, 10, 10);
+        EXPECT_EQ(GetSystemMetrics(SM_CXSCREEN), each.width);
+        EXPECT_EQ(GetSystemMetrics(SM_CYSCREEN), each.height);
+        const HDC dc = GetDC(window.Handle());
+        EXPECT_EQ(GetDeviceCaps(dc, BITSPIXEL), each.depth);
+        ReleaseDC(window.Handle(), dc);
+    }
+}
+
+TEST_F(DisplayChoiceTest, IsMadeAnewAfterTheLastWindow) {
+    if (!XServer::IsInstalled())
+        GTEST_SKIP() << "Xvfb is not installed";
+    const auto threads = [] {
+        return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
+    };
+    const XServer server(24);
+    ASSERT_TRUE(server.Running());
+    const auto before = threads();
+    for (const bool onServer : {true, false, true}) {
+        server.Use();
+        if (!onServer)
+            setenv("TDKVIZ_DISPLAY", "memory", 1);
+        EXPECT_STREQ(TdkpDisplayName(), onServer ? "x11" : "memory");
+        {
+            AppWindow window(0, 0, 0, 10, 10);
+            EXPECT_STREQ(TdkpDisplayName(), onServer ? "x11" : "memory");
+            EXPECT_EQ(threads(), before + (onServer ? 1 : 0));
+        }
+        EXPECT_EQ(threads(), before);
+    }
+}
+
+// Draws on the memory display of this depth and looks at it. True if all is as it should be.
+bool WorksInMemory(int depth) {
+    constexpr int kWidth = 20;
+    constexpr int kHeight = 10;
+    if (TdkpUseMemoryDisplay(640, 480, 17) || TdkpUseMemoryDisplay(0, 480, depth))
+        return false;
+    if (!TdkpUseMemoryDisplay(640, 480, depth))
+        return false;
+    AppWindow window(0, 0, 0, kWidth, kHeight);
+    window.Fill({0, 0, kWidth, kHeight}, RGB(255, 0, 0));
+    window.Fill({kWidth - 1, kHeight - 1, kWidth, kHeight}, RGB(255, 255, 255));
+    DWORD pixels[kWidth * kHeight] = {};
+    int width = 0;
+    int height = 0;
+    const bool read = TdkpReadWindow(window.Handle(), pixels, kWidth * kHeight, &width, &height);
+    const bool tooLate = !TdkpUseMemoryDisplay(640, 480, depth);
+    return read && tooLate && pixels[0] == 0xFF0000 && pixels[kWidth * kHeight - 1] == 0xFFFFFF;
+}
+
+// What a process asks for once holds until its end, so each case has a process of its own.
+TEST_F(DisplayChoiceTest, MemoryThatIsAskedForHasEveryDepth) {
+    for (const int depth : {32, 16, 15, 8}) {
+        SCOPED_TRACE(depth);
+        EXPECT_EXIT(std::_Exit(WorksInMemory(depth) ? 0 : 1), testing::ExitedWithCode(0), "");
+    }
+}
+
+}  // namespace

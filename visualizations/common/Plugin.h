@@ -1,0 +1,64 @@
+// What every plug-in of this folder needs around its picture: reference count, interfaces, description.
+#pragma once
+
+#include <atomic>
+#include <cstring>
+#include <new>
+
+#include <tdkviz/plugin.h>
+
+namespace viz {
+
+// The COM side of a plug-in that offers one interface.
+template <typename Interface, const GUID& Id>
+class PluginBase : public Interface {
+public:
+    HRESULT QueryInterface(const GUID& id, void** out) override {
+        *out = nullptr;
+        if (!(id == kIID_IUnknown) && !(id == Id)) return E_NOINTERFACE;
+        *out = static_cast<Interface*>(this);
+        AddRef();
+        return S_OK;
+    }
+    ULONG AddRef() override { return ++count_; }
+    ULONG Release() override {
+        const ULONG left = --count_;
+        if (left == 0) delete this;
+        return left;
+    }
+
+    HRESULT Initialize(IUnknown*) override { return S_OK; }
+
+protected:
+    virtual ~PluginBase() = default;
+
+    static HRESULT Tell(char* name, const char* ownName, char* creator, char* description, const char* ownDescription) {
+        std::strncpy(name, ownName, kPluginTextSize - 1);
+        std::strncpy(creator, "Corvane", kPluginTextSize - 1);
+        std::strncpy(description, ownDescription, kPluginTextSize - 1);
+        return S_OK;
+    }
+
+private:
+    std::atomic<ULONG> count_{1};
+};
+
+// A plug-in of the present interface that paints buffers and does nothing else.
+class BufferPlugin : public PluginBase<IMPAVisualization2, kIID_IMPAVisualization2> {
+public:
+    HRESULT SetPreferences(IKVAPreferences*) override { return S_OK; }
+    HRESULT Configure(MPAVizWindowRecord*) override { return E_NOTIMPL; }
+    HRESULT SetActive(uint32_t) override { return S_OK; }
+    HRESULT OnClick(uint32_t, uint32_t, uint32_t) override { return S_OK; }
+    HRESULT SetWindow(MPAVizWindowRecord*) override { return S_OK; }
+    HRESULT DrawToWindow(MPAVizWindowRecord*, VizAnalysisFrame*) override { return E_NOTIMPL; }
+};
+
+// The body of MPACreateVisualization.
+template <typename Plugin>
+HRESULT Create(IUnknown** out) {
+    *out = new (std::nothrow) Plugin;
+    return *out ? S_OK : E_OUTOFMEMORY;
+}
+
+}  // namespace viz
