@@ -41,7 +41,9 @@ public:
     std::vector<uint32_t> front, back;
 
 private:
-    static size_t PixelCount(FrameSize size) { return static_cast<size_t>(size.width) * static_cast<size_t>(size.height); }
+    static size_t PixelCount(FrameSize size) {
+        return static_cast<size_t>(size.width) * static_cast<size_t>(size.height);
+    }
 };
 
 void CountPixels(benchmark::State& state, const Frames& frames) {

@@ -78,8 +78,8 @@ void ServeMessages() {
 void DrawFrame(CVizWindow& window, VizEffectEngine& engine, const VizEffectParams& params,
                const VizAnalysisFrame& frame) {
     const int32_t width = window.GetFrameWidth(), height = window.GetFrameHeight();
-    const bool changed = engine.ApplyEffects(window.GetFrontPixels(), window.GetBackPixels(), width, height, width,
-                                             params, kEffectsAll);
+    const bool changed =
+        engine.ApplyEffects(window.GetFrontPixels(), window.GetBackPixels(), width, height, width, params, kEffectsAll);
     window.ReleaseBack();
     window.ReleaseFront();
     if (changed) window.SwapBuffers();

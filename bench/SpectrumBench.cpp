@@ -66,7 +66,8 @@ public:
     // with its sign turned.
     void Fold(const Samples& samples) {
         const auto at = [&](size_t n) { return window_[n] * static_cast<float>(samples[n]); };
-        for (size_t j = 0; j < kBands; ++j) buffer_[j] = j < 128 ? at(j + 128) + at(127 - j) : at(j + 128) - at(639 - j);
+        for (size_t j = 0; j < kBands; ++j)
+            buffer_[j] = j < 128 ? at(j + 128) + at(127 - j) : at(j + 128) - at(639 - j);
     }
     void Scale(std::array<int32_t, kBands>& out) const {
         // FFTW's transform is twice the plain sum.
@@ -116,7 +117,9 @@ BENCHMARK(BenchFftwTransform)->Name("Spectrum/FftwWithoutLogarithm");
 
 #else
 
-void BenchNoFftw(benchmark::State& state) { state.SkipWithError("built without FFTW"); }
+void BenchNoFftw(benchmark::State& state) {
+    state.SkipWithError("built without FFTW");
+}
 BENCHMARK(BenchNoFftw)->Name("Spectrum/Fftw");
 
 #endif

@@ -2,7 +2,9 @@
 
 namespace {
 
-uint32_t Part(uint32_t pixel, int bits) { return (pixel >> bits) & (0x01010101u * (255u >> bits)); }
+uint32_t Part(uint32_t pixel, int bits) {
+    return (pixel >> bits) & (0x01010101u * (255u >> bits));
+}
 
 uint32_t Average(uint32_t a, uint32_t b, uint32_t c) {
     uint32_t result = 0;
@@ -24,17 +26,26 @@ uint32_t Corners(const uint32_t* c, int width, int bits) {
 uint32_t Blur(const uint32_t* c, int width, int kernel) {
     switch (kernel) {
         case 0:
-        case 1: return *c;
+        case 1:
+            return *c;
         case 2:
             return Part(*c, 1) + Part(*c, 2) + Part(*c, 3) + (*c & 0x02020202) + (*c & 0x01010101) + Cross(c, width, 5);
-        case 3: return Part(*c, 1) + Part(*c, 2) + (*c & 0x01010101) + Cross(c, width, 4);
-        case 4: return Part(*c, 1) + (*c & 0x01010101) + Cross(c, width, 3);
-        case 5: return Average(c[-width - 1], *c, c[width + 1]);
-        case 6: return Average(c[-width + 1], *c, c[width - 1]);
-        case 7: return Average(c[-width], *c, c[width]);
-        case 8: return Average(c[-1], *c, c[1]);
-        case 9: return Part(*c, 1) + (*c & 0x01010101) + Cross(c, width, 4) + Corners(c, width, 4);
-        default: return Cross(c, width, 3) + Corners(c, width, 3);
+        case 3:
+            return Part(*c, 1) + Part(*c, 2) + (*c & 0x01010101) + Cross(c, width, 4);
+        case 4:
+            return Part(*c, 1) + (*c & 0x01010101) + Cross(c, width, 3);
+        case 5:
+            return Average(c[-width - 1], *c, c[width + 1]);
+        case 6:
+            return Average(c[-width + 1], *c, c[width - 1]);
+        case 7:
+            return Average(c[-width], *c, c[width]);
+        case 8:
+            return Average(c[-1], *c, c[1]);
+        case 9:
+            return Part(*c, 1) + (*c & 0x01010101) + Cross(c, width, 4) + Corners(c, width, 4);
+        default:
+            return Cross(c, width, 3) + Corners(c, width, 3);
     }
 }
 
@@ -47,7 +58,9 @@ uint32_t Fade(uint32_t pixel, uint32_t color, int weight) {
     return result;
 }
 
-int Limit(int value, int low, int high) { return value < low ? low : value > high ? high : value; }
+int Limit(int value, int low, int high) {
+    return value < low ? low : value > high ? high : value;
+}
 
 }  // namespace
 

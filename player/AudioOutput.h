@@ -13,8 +13,10 @@
 
 namespace tdkplay {
 
-// How far ahead of the listener the player writes, in seconds.
-inline constexpr double kTargetLatency = 0.120;
+// How far ahead of the listener the player writes, in seconds: with somebody watching, and with nobody, when
+// fewer and larger pieces cost less.
+inline constexpr double kUsualLead = 0.120;
+inline constexpr double kHiddenLead = 1.0;
 
 // A device that plays one format. It begins paused. Any thread may call anything.
 class AudioOutput {
@@ -24,13 +26,15 @@ public:
     virtual const char* Name() const = 0;
     // Sample frames that can be written now.
     virtual size_t Room() = 0;
-    // A limit for the wait until `frames` fit, in milliseconds; INFINITE if the wake event tells it.
-    virtual uint32_t WaitForRoom(size_t frames) = 0;
+    // A limit for the wait until it is worth filling it again, in milliseconds; INFINITE if the wake event tells.
+    virtual uint32_t WaitForRoom() = 0;
     // At most Room() frames, interleaved.
     virtual void Write(const int16_t* samples, size_t frames) = 0;
     // Seconds from the end of what was written to what is heard now.
     virtual double Latency() = 0;
-    // The largest Latency() to expect.
+    // kUsualLead at first. What is ahead by more stays and is heard.
+    virtual void SetLead(double seconds) = 0;
+    // The largest Latency() to expect, with either lead.
     virtual double LargestLatency() const = 0;
     // Paused, it keeps what it holds and costs nothing.
     virtual void SetPaused(bool paused) = 0;

@@ -67,7 +67,7 @@ AudioPump::Step AudioPump::DeliverBlock() {
     if (output_->TakeMoved()) return {State::kMoved, 0};
     if (!running_) return {State::kIdle, INFINITE};
     if (atEnd_) return Finish();
-    if (output_->Room() < blockFrames_) return {State::kFull, output_->WaitForRoom(blockFrames_)};
+    if (output_->Room() < blockFrames_) return {State::kFull, output_->WaitForRoom()};
     if (!formatTold_) AnnounceFormat();
 
     const size_t frames = Decode();

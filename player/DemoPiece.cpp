@@ -58,17 +58,22 @@ class Mix {
 public:
     explicit Mix(double seconds) : left_(static_cast<size_t>(seconds * kRate)), right_(left_.size()) {}
 
-    // Adds voice(t) for `length` seconds from `start` on, placed between left and right by pan(t).
+    // Adds voice(t) for `length` seconds from `start` on, placed between left and right by pan(t). The place
+    // moves slowly, so it is worked out now and then and drawn straight in between.
     template <typename Voice, typename Pan>
     void Add(double start, double length, Voice voice, Pan pan) {
         const size_t first = static_cast<size_t>(start * kRate);
         const size_t end = std::min(left_.size(), first + static_cast<size_t>(length * kRate));
-        for (size_t i = first; i < end; ++i) {
-            const double t = static_cast<double>(i - first) / kRate;
-            const double value = voice(t);
-            const double angle = (pan(t) + 1.0) * std::numbers::pi / 4.0;
-            left_[i] += value * std::cos(angle);
-            right_[i] += value * std::sin(angle);
+        for (size_t from = first; from < end; from += kPanStep) {
+            const double t = static_cast<double>(from - first) / kRate;
+            const Gains begin = PanGains(pan(t));
+            const Gains after = PanGains(pan(t + kPanStep / kRate));
+            for (size_t i = from; i < std::min(from + kPanStep, end); ++i) {
+                const double part = static_cast<double>(i - from) / kPanStep;
+                const double value = voice(static_cast<double>(i - first) / kRate);
+                left_[i] += value * (begin.Left + (after.Left - begin.Left) * part);
+                right_[i] += value * (begin.Right + (after.Right - begin.Right) * part);
+            }
         }
     }
 
@@ -102,6 +107,16 @@ public:
     }
 
 private:
+    static constexpr size_t kPanStep = 64;  // samples
+    struct Gains {
+        double Left;
+        double Right;
+    };
+    static Gains PanGains(double pan) {
+        const double angle = (pan + 1.0) * std::numbers::pi / 4.0;
+        return {std::cos(angle), std::sin(angle)};
+    }
+
     std::vector<double> left_;
     std::vector<double> right_;
 };

@@ -20,12 +20,14 @@ public:
 
     // [any]
     void SetState(uint32_t state) { state_ = state; }
+    // Whether pictures are wanted at all; they are at first. [any]
+    void SetVisualize(bool visualize) { visualize_ = visualize; }
     // Before each delivery: seconds from the end of this delivery to what is heard now.
     void SetDelay(double seconds);
 
     HRESULT QueryInterface(const GUID& id, void** out) override;
     uint32_t GetState() override { return state_; }
-    uint32_t QueryEngineFlag(uint32_t flag) override { return flag == kEngineFlagVisualize ? 1 : 0; }
+    uint32_t QueryEngineFlag(uint32_t flag) override { return flag == kEngineFlagVisualize && visualize_ ? 1 : 0; }
     HRESULT GetPreferences(IKVAValues** values) override;
     HRESULT GetConfiguredDelay(uint32_t* milliseconds) override;
     HRESULT GetCurrentDelay(uint32_t* milliseconds) override;
@@ -34,6 +36,7 @@ private:
     const uint32_t largestDelay_;  // milliseconds
     const ComPtr<Values> preferences_;
     std::atomic<uint32_t> state_ = kEngineStateStopped;
+    std::atomic<bool> visualize_ = true;
     std::atomic<uint32_t> delay_ = 0;  // milliseconds
 };
 

@@ -26,7 +26,6 @@ LiveRun::LiveRun(const Options& options, Session& session, Interrupt& interrupt)
       view_(std::make_unique<View>(session.Manager(), window_.Handle(), options.Width, options.Height,
                                    session.Plugins(), session.ChosenPlugin())) {
     interrupt_.Report(&news_);
-    ShowTitle();
 }
 
 LiveRun::~LiveRun() {
@@ -37,6 +36,7 @@ LiveRun::~LiveRun() {
 
 void LiveRun::Run() {
     session_.Sound().Play();
+    ShowTitle();
     audioThread_ = std::make_unique<AudioThread>(session_.Sound().Pump(), session_.Sound().Wake(), news_);
     while (!done_) {
         Wait();
@@ -120,6 +120,7 @@ void LiveRun::OnSize(int width, int height, bool visible) {
     else
         view_->Resize(width, height);
     isHidden_ = !visible;
+    session_.Sound().SetWatched(visible);
 }
 
 void LiveRun::ShowTitle() {

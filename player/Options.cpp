@@ -37,6 +37,13 @@ PlayerError UsageError(const std::string& message) {
     return {ExitCode::kUsage, message};
 }
 
+// Empty text for a number of seconds, else what is wrong with it. Not-a-number fails both comparisons.
+std::string CheckTime(const std::string& text) {
+    double seconds = 0;
+    if (CLI::detail::lexical_cast(text, seconds) && seconds >= 0.0 && seconds <= kLongestTime) return {};
+    return "\"" + text + "\" isn't a number of seconds from 0 to a day";
+}
+
 void ParseSize(const std::string& text, Options& options) {
     int width = 0;
     int height = 0;
@@ -79,17 +86,19 @@ void Declare(CLI::App& app, Options& options, RawOptions& raw) {
     app.add_option("--snapshot", raw.Pictures, "Write a picture (PNG); may come several times")
         ->type_name("FILE")
         ->expected(1)
+        ->allow_extra_args(false)
         ->take_all();
     app.add_option("--at", raw.Times, "When to take it, in seconds heard; one for each --snapshot")
-        ->check(CLI::Range(0.0, kLongestTime))
+        ->check(CLI::Validator(CheckTime, ""))
         ->type_name("SECONDS")
         ->expected(1)
+        ->allow_extra_args(false)
         ->take_all();
     auto* headless = app.add_flag("--headless", options.Headless,
                                   "Show no window; with --snapshot, run faster than real time without sound");
     app.add_flag("--window", options.Window, "Show a window or fail")->excludes(headless);
     app.add_option("--duration", options.Duration, "Stop after this much has been heard")
-        ->check(CLI::Range(0.0, kLongestTime))
+        ->check(CLI::Validator(CheckTime, ""))
         ->type_name("SECONDS");
     app.add_flag("--loop", options.Loop, "Begin again at the end");
     auto* output =

@@ -17,10 +17,11 @@ Playback::~Playback() {
 
 void Playback::PutEngine() {
     // The delay is measured from the end of a delivery, which comes on top of what the device holds.
-    ComPtr<Engine> engine = MakeCom<Engine>(output_->LargestLatency() + kBlockSeconds);
-    if (playing_) engine->SetState(kEngineStatePlaying);
-    pump_.SetOutput(output_, engine);
-    context_.Player().SetEngine(engine);
+    engine_ = MakeCom<Engine>(output_->LargestLatency() + kBlockSeconds);
+    if (playing_) engine_->SetState(kEngineStatePlaying);
+    engine_->SetVisualize(watched_);
+    pump_.SetOutput(output_, engine_);
+    context_.Player().SetEngine(engine_);
     wake_.Set();
 }
 
@@ -51,12 +52,21 @@ void Playback::Stop() {
     pump_.Close();
 }
 
+void Playback::SetWatched(bool watched) {
+    if (watched == watched_) return;
+    watched_ = watched;
+    output_->SetLead(watched ? kUsualLead : kHiddenLead);
+    engine_->SetVisualize(watched);
+    context_.Player().RepeatState();
+}
+
 void Playback::OnDeviceMoved() {
     PutEngine();
 }
 
 void Playback::OnDeviceLost() {
     output_ = std::make_shared<SilentOutput>(pump_.Format());
+    if (!watched_) output_->SetLead(kHiddenLead);
     PutEngine();
 }
 

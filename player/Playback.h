@@ -26,6 +26,8 @@ public:
     void Pause();
     void SeekBy(double seconds);
     void Stop();
+    // With nobody watching, the add-on rests and the audio goes out in larger pieces.
+    void SetWatched(bool watched);
 
     // The device is another one now: another engine, whose delay is the new device's.
     void OnDeviceMoved();
@@ -39,7 +41,9 @@ private:
     const Event wake_;
     AudioPump pump_;
     std::shared_ptr<AudioOutput> output_;
+    ComPtr<Engine> engine_;
     bool playing_ = false;
+    bool watched_ = true;
 };
 
 }  // namespace tdkplay

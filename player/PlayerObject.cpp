@@ -42,7 +42,15 @@ void PlayerObject::SetState(uint32_t state) {
     const uint32_t oldState = engine->GetState();
     if (oldState == state) return;
     engine->SetState(state);
-    for (ITKStateObserver* observer : Snapshot(mutex_, stateObservers_)) observer->OnStateChange(oldState, state);
+    TellState(oldState, state);
+}
+
+void PlayerObject::RepeatState() {
+    if (const ComPtr<Engine> engine = CurrentEngine()) TellState(engine->GetState(), engine->GetState());
+}
+
+void PlayerObject::TellState(uint32_t oldState, uint32_t newState) {
+    for (ITKStateObserver* observer : Snapshot(mutex_, stateObservers_)) observer->OnStateChange(oldState, newState);
 }
 
 HRESULT PlayerObject::QueryInterface(const GUID& id, void** out) {

@@ -16,6 +16,8 @@ public:
     void SetEngine(ComPtr<Engine> engine);
     // Changes the state of the engine in place and tells all observers. [host]
     void SetState(uint32_t state);
+    // Tells all observers the state that is in force, since something else that they look at has changed. [host]
+    void RepeatState();
 
     HRESULT QueryInterface(const GUID& id, void** out) override;
     IUnknown* GetPlaybackEngine() override;
@@ -26,6 +28,7 @@ public:
 
 private:
     ComPtr<Engine> CurrentEngine();
+    void TellState(uint32_t oldState, uint32_t newState);
 
     std::mutex mutex_;  // guards what follows; never held while an observer is called
     std::vector<ITKPlaybackEngineObserver*> engineObservers_;

@@ -4,10 +4,8 @@ namespace tdkplay {
 namespace {
 
 constexpr char kClientName[] = "tdkplay";
-// The server asks for more whenever this much has been heard, in seconds.
-constexpr double kRequestPeriod = 0.030;
-// What a wireless loudspeaker may add to the target latency, in seconds.
-constexpr double kLargestExtraLatency = 0.500;
+// The server asks for more whenever this part of the lead has been heard.
+constexpr double kRequestPart = 0.25;
 constexpr double kMicroseconds = 1e6;
 
 class LoopLock {
@@ -74,14 +72,7 @@ bool PulseOutput::ConnectStream() {
     pa_stream_set_write_callback(stream_, OnRoom, this);
     pa_stream_set_moved_callback(stream_, OnMoved, this);
 
-    pa_buffer_attr buffering = {};
-    buffering.maxlength = static_cast<uint32_t>(-1);
-    buffering.prebuf = static_cast<uint32_t>(-1);
-    buffering.fragsize = static_cast<uint32_t>(-1);
-    buffering.tlength =
-        static_cast<uint32_t>(pa_usec_to_bytes(static_cast<pa_usec_t>(kTargetLatency * kMicroseconds), &spec));
-    buffering.minreq =
-        static_cast<uint32_t>(pa_usec_to_bytes(static_cast<pa_usec_t>(kRequestPeriod * kMicroseconds), &spec));
+    const pa_buffer_attr buffering = Buffering(kUsualLead);
     const auto flags = static_cast<pa_stream_flags_t>(PA_STREAM_START_CORKED | PA_STREAM_ADJUST_LATENCY |
                                                       PA_STREAM_AUTO_TIMING_UPDATE | PA_STREAM_INTERPOLATE_TIMING);
     if (pa_stream_connect_playback(stream_, nullptr, &buffering, flags, nullptr, nullptr) < 0) return false;
@@ -90,6 +81,21 @@ bool PulseOutput::ConnectStream() {
         pa_threaded_mainloop_wait(mainLoop_);
     }
     return false;
+}
+
+pa_buffer_attr PulseOutput::Buffering(double lead) const {
+    constexpr auto kServerDecides = static_cast<uint32_t>(-1);
+    const double bytesPerSecond = static_cast<double>(format_.FrameBytes()) * format_.Rate;
+    const auto frames = [&](double seconds) {
+        return static_cast<uint32_t>(seconds * bytesPerSecond) / format_.FrameBytes() * format_.FrameBytes();
+    };
+    pa_buffer_attr buffering = {};
+    buffering.maxlength = kServerDecides;
+    buffering.prebuf = kServerDecides;
+    buffering.fragsize = kServerDecides;
+    buffering.tlength = frames(lead);
+    buffering.minreq = frames(lead * kRequestPart);
+    return buffering;
 }
 
 size_t PulseOutput::Room() {
@@ -111,12 +117,10 @@ double PulseOutput::Latency() {
     return static_cast<double>(latency) / kMicroseconds;
 }
 
-double PulseOutput::LargestLatency() const {
+void PulseOutput::SetLead(double seconds) {
     const LoopLock lock(mainLoop_);
-    double latency = kTargetLatency;
-    if (const pa_buffer_attr* granted = pa_stream_get_buffer_attr(stream_))
-        latency = static_cast<double>(granted->tlength) / (format_.FrameBytes() * static_cast<double>(format_.Rate));
-    return latency + kLargestExtraLatency;
+    const pa_buffer_attr buffering = Buffering(seconds);
+    Forget(pa_stream_set_buffer_attr(stream_, &buffering, nullptr, nullptr));
 }
 
 void PulseOutput::SetPaused(bool paused) {

@@ -20,10 +20,11 @@ public:
 
     const char* Name() const override { return kPulseName; }
     size_t Room() override;
-    uint32_t WaitForRoom(size_t) override { return INFINITE; }
+    uint32_t WaitForRoom() override { return INFINITE; }
     void Write(const int16_t* samples, size_t frames) override;
     double Latency() override;
-    double LargestLatency() const override;
+    void SetLead(double seconds) override;
+    double LargestLatency() const override { return kHiddenLead + kLargestExtraLatency; }
     void SetPaused(bool paused) override;
     void Flush() override;
     void BeginDrain() override;
@@ -33,10 +34,14 @@ public:
     bool TakeMoved() override { return moved_.exchange(false); }
 
 private:
+    // What a server or a wireless loudspeaker may add to the lead, in seconds.
+    static constexpr double kLargestExtraLatency = 0.5;
+
     PulseOutput(const PcmFormat& format, HANDLE wake);
     bool Connect();
     bool ConnectContext();
     bool ConnectStream();
+    pa_buffer_attr Buffering(double lead) const;
     // A reply is not waited for: the server carries requests out in order.
     static void Forget(pa_operation* operation);
 

@@ -24,10 +24,14 @@ uint64_t Scale(uint64_t value, uint64_t numerator, uint64_t denominator) {
 
 }  // namespace
 
-SilentOutput::SilentOutput(const PcmFormat& format)
-    : rate_(format.Rate),
-      capacity_(static_cast<uint64_t>(kTargetLatency * format.Rate)),
-      frequency_(ClockFrequency()) {}
+SilentOutput::SilentOutput(const PcmFormat& format) : rate_(format.Rate), frequency_(ClockFrequency()) {
+    SetLead(kUsualLead);
+}
+
+void SilentOutput::SetLead(double seconds) {
+    const std::lock_guard lock(mutex_);
+    capacity_ = static_cast<uint64_t>(seconds * rate_);
+}
 
 uint64_t SilentOutput::Queued() {
     if (paused_) return written_ - heard_;
@@ -51,11 +55,11 @@ size_t SilentOutput::Room() {
     return queued < capacity_ ? static_cast<size_t>(capacity_ - queued) : 0;
 }
 
-uint32_t SilentOutput::WaitForRoom(size_t frames) {
+uint32_t SilentOutput::WaitForRoom() {
     const std::lock_guard lock(mutex_);
-    const uint64_t needed = Queued() + frames;
-    if (needed <= capacity_) return 0;
-    return paused_ ? INFINITE : std::max(Milliseconds(needed - capacity_), 1u);
+    const uint64_t queued = Queued();
+    if (paused_) return INFINITE;
+    return std::max(Milliseconds(queued - std::min(queued, capacity_ / 2)), 1u);
 }
 
 void SilentOutput::Write(const int16_t*, size_t frames) {

@@ -16,10 +16,11 @@ public:
 
     const char* Name() const override { return kSilentName; }
     size_t Room() override;
-    uint32_t WaitForRoom(size_t frames) override;
+    uint32_t WaitForRoom() override;
     void Write(const int16_t* samples, size_t frames) override;
     double Latency() override;
-    double LargestLatency() const override { return kTargetLatency; }
+    void SetLead(double seconds) override;
+    double LargestLatency() const override { return kHiddenLead; }
     void SetPaused(bool paused) override;
     void Flush() override;
     void BeginDrain() override {}
@@ -31,11 +32,11 @@ private:
     uint32_t Milliseconds(uint64_t frames) const;
 
     const uint32_t rate_;
-    const uint64_t capacity_;  // frames
     const int64_t frequency_;  // of the clock, Hz
 
     std::mutex mutex_;  // guards what follows
     bool paused_ = true;
+    uint64_t capacity_;  // frames
     uint64_t written_ = 0;
     uint64_t heard_ = 0;
     // Playing, `base_` frames had been heard at `since_`.

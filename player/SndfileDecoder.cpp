@@ -1,5 +1,8 @@
 #include "player/SndfileDecoder.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cmath>
 
@@ -19,11 +22,36 @@ int16_t ToSample(float value) {
     return std::isnan(scaled) ? int16_t{0} : static_cast<int16_t>(std::lrint(scaled));
 }
 
+// The MP3 library prints its doubts about a file. The player's own line says it all.
+class SilentStandardError {
+public:
+    SilentStandardError() : kept_(dup(STDERR_FILENO)) {
+        const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
+        if (kept_ >= 0 && nowhere >= 0) dup2(nowhere, STDERR_FILENO);
+        if (nowhere >= 0) close(nowhere);
+    }
+    ~SilentStandardError() {
+        if (kept_ < 0) return;
+        dup2(kept_, STDERR_FILENO);
+        close(kept_);
+    }
+    SilentStandardError(const SilentStandardError&) = delete;
+    SilentStandardError& operator=(const SilentStandardError&) = delete;
+
+private:
+    const int kept_;
+};
+
+SNDFILE* OpenQuietly(const std::string& path, SF_INFO& info) {
+    const SilentStandardError silence;
+    return sf_open(path.c_str(), SFM_READ, &info);
+}
+
 }  // namespace
 
 SndfileDecoder::SndfileDecoder(const std::string& path) {
     SF_INFO info = {};
-    file_.reset(sf_open(path.c_str(), SFM_READ, &info));
+    file_.reset(OpenQuietly(path, info));
     if (!file_ || info.channels < 1 || info.samplerate < 1)
         throw PlayerError(ExitCode::kUnknownFormat, path + ": not an audio file of a known format");
     if (info.frames == 0) throw PlayerError(ExitCode::kUnknownFormat, path + ": holds no audio");

@@ -70,7 +70,6 @@ void PlayLive(const Options& options, std::unique_ptr<Decoder> decoder, Interrup
 }
 
 void TakeSnapshots(const Options& options, std::unique_ptr<Decoder> decoder, Interrupt& interrupt) {
-    const PrivateRegistry registry;
     SteppedRun::Prepare(options);
     Session session(options, std::move(decoder), kSilentName);
     SteppedRun run(options, session, interrupt);
@@ -90,7 +89,6 @@ std::vector<SnapshotRequest> PicturesOf(const PluginInfo& plugin, double seconds
 }
 
 void TakeAllPictures(const Options& options, std::unique_ptr<Decoder> decoder, Interrupt& interrupt) {
-    const PrivateRegistry registry;
     SteppedRun::Prepare(options);
     const double seconds = Seconds(*decoder);
     Session session(options, std::move(decoder), kSilentName);
@@ -111,7 +109,11 @@ void Run(const Options& options) {
     std::unique_ptr<Decoder> decoder = OpenDecoder(options.File);
     RequireSnapshotsWithin(options, *decoder);
     Interrupt interrupt;
-    switch (ChooseMode(options)) {
+    const Mode mode = ChooseMode(options);
+    // Pictures and runs that nobody sees don't depend on what the user has set.
+    std::optional<PrivateRegistry> registry;
+    if (mode != Mode::kWindow || !options.Snapshots.empty()) registry.emplace();
+    switch (mode) {
         case Mode::kWindow:
             return PlayLive(options, std::move(decoder), interrupt);
         case Mode::kInvisible:

@@ -1,5 +1,5 @@
-// Flow: a few bright strokes that live from the effects. Three ribbons drift round the centre, each
-// swaying with the music, and beats leave rings; zoom and blur carry the light outwards.
+// Flow: a few bright strokes that live from the effects. Three ribbons and their twins drift round the
+// centre, swaying with the music, and beats leave rings; zoom and blur carry the light outwards.
 // A worked example of the older interface.
 #include <array>
 #include <atomic>
@@ -16,7 +16,7 @@ using viz::Curve;
 using viz::Point;
 
 constexpr int kRibbons = 3;
-constexpr int kSteps = 64;
+constexpr int kSteps = 48;
 constexpr float kTurn = 6.2831853F;
 // Samples that go into a point of a ribbon, and how much of a ribbon's form is new in each frame: close
 // frames have like forms, and the effects join them to sheets of light.
@@ -25,7 +25,7 @@ constexpr float kNewForm = 0.45F;
 // Strokes between the last frame and this one.
 constexpr int kBetween = 3;
 // Takes away the last of what fades too slowly to end by itself.
-constexpr uint32_t kAfterglow = 250;
+constexpr uint32_t kAfterglow = 252;
 
 using Ribbon = std::array<Point, kSteps + 1>;
 
@@ -51,11 +51,11 @@ public:
                  VizAnalysisFrame* frame) override {
         if (!pixels || !frame || bitsPerPixel != 32 || width < 1 || height < 1) return E_INVALIDARG;
         const Canvas canvas(pixels, width, height, pitch);
-        canvas.Dim(kAfterglow);
+        canvas.Dim(kAfterglow, 2);
         loudness_.Follow(*frame);
         const float bass = BassOf(*frame);
-        const float beat = std::clamp((bass - bass_) * 2.2F, 0.0F, 1.0F);
-        bass_ += (bass - bass_) * (bass > bass_ ? 0.6F : 0.12F);
+        const float beat = std::clamp((bass - bass_) * 2.8F, 0.0F, 1.0F);
+        bass_ += (bass - bass_) * (bass > bass_ ? 0.5F : 0.16F);
         phase_ += 0.014F + 0.030F * loudness_.Level();
         hue_ += 0.0016F + 0.004F * loudness_.Level();
         if (beat > 0.15F) DrawRing(canvas, beat);
@@ -70,7 +70,8 @@ public:
 
 private:
     static float BassOf(const VizAnalysisFrame& frame) {
-        const int loudest = std::max({frame.SpectrumLeft[0], frame.SpectrumLeft[1], frame.SpectrumRight[0], frame.SpectrumRight[1]});
+        const int loudest =
+            std::max({frame.SpectrumLeft[0], frame.SpectrumLeft[1], frame.SpectrumRight[0], frame.SpectrumRight[1]});
         return std::clamp((static_cast<float>(loudest) - 150) / 100, 0.0F, 1.0F);
     }
 
@@ -79,7 +80,7 @@ private:
         const float own = kTurn * static_cast<float>(index) / kRibbons;
         const float arc = 1.3F + 0.35F * std::sin(phase_ * 0.37F + own);
         const float start = phase_ * (index == 1 ? -0.8F : 1.0F) + own;
-        const float radius = 0.15F + 0.04F * std::sin(phase_ * 0.53F + 2 * own) + 0.07F * bass_;
+        const float radius = 0.19F + 0.05F * std::sin(phase_ * 0.53F + 2 * own) + 0.07F * bass_;
         const Point centre{0.13F * std::cos(phase_ * 0.29F + own), 0.09F * std::sin(phase_ * 0.41F + own)};
         const float tremble = 0.17F * loudness_.Gain() * (0.3F + 0.7F * loudness_.Level());
         for (int i = 0; i <= kSteps; ++i) {
@@ -93,29 +94,36 @@ private:
     }
 
     void DrawRibbon(const Canvas& canvas, const Ribbon& before, int index) const {
-        const float brightness = 0.5F + 0.5F * std::min(1.0F, 1.6F * loudness_.Level());
+        const float brightness = 0.55F + 0.45F * std::min(1.0F, 1.8F * loudness_.Level());
         for (int stroke = started_ ? 1 : kBetween; stroke <= kBetween; ++stroke) {
             const float when = static_cast<float>(stroke) / kBetween;
-            const viz::Pen pen = PenFor(canvas, stroke == kBetween ? 1.8F : 0.0F);
+            const viz::Pen pen = stroke == kBetween ? PenFor(canvas, 1.8F, 5.5F) : PenFor(canvas, 0, 4);
             Point last{};
+            Point lastTwin{};
             for (int i = 0; i <= kSteps; ++i) {
                 const Point& from = before[i];
                 const Point& to = ribbons_[index][i];
-                const Point point = Place(canvas, {from.X + (to.X - from.X) * when, from.Y + (to.Y - from.Y) * when});
+                const Point along{from.X + (to.X - from.X) * when, from.Y + (to.Y - from.Y) * when};
+                const Point point = Place(canvas, along);
+                const Point twin = Place(canvas, {-along.X, -along.Y});
                 const float place = static_cast<float>(i) / kSteps;
                 const float taper = std::sin(place * kTurn / 2);
                 const float hue = Hue() + 0.19F * static_cast<float>(index) + 0.16F * place;
                 const Color pure = viz::FromHue(hue, 0.78F - 0.35F * bass_ * taper, brightness * (0.1F + 0.9F * taper));
-                if (i > 0) canvas.Stroke(last, point, pure, pen);
+                if (i > 0) {
+                    canvas.Stroke(last, point, pure, pen);
+                    canvas.Stroke(lastTwin, twin, pure, pen);
+                }
                 last = point;
+                lastTwin = twin;
             }
         }
     }
 
     // Each beat leaves a ring in the middle, for the zoom to carry away.
     void DrawRing(const Canvas& canvas, float strength) const {
-        const Color color = viz::FromHue(Hue() + 0.45F, 0.55F, 0.85F * strength);
-        const viz::Pen pen = PenFor(canvas, 1.2F);
+        const Color color = viz::FromHue(Hue() + 0.45F, 0.5F, strength);
+        const viz::Pen pen = PenFor(canvas, 2.2F, 5);
         const float radius = 0.035F + 0.03F * strength;
         Point last = Place(canvas, {radius, 0});
         for (int i = 1; i <= kSteps / 2; ++i) {
@@ -132,9 +140,9 @@ private:
         const auto size = static_cast<float>(std::min(canvas.Width(), canvas.Height()));
         return {canvas.Width() / 2.0F + point.X * size, canvas.Height() / 2.0F + point.Y * size};
     }
-    static viz::Pen PenFor(const Canvas& canvas, float width) {
+    static viz::Pen PenFor(const Canvas& canvas, float width, float glow) {
         const float unit = std::max(1.0F, static_cast<float>(canvas.Height()) / 240);
-        return {width * unit, 5.5F * unit, 0.5F};
+        return {width * unit, glow * unit, 0.5F};
     }
 
     std::array<Ribbon, kRibbons> ribbons_{};
@@ -148,4 +156,6 @@ private:
 
 }  // namespace
 
-TDKVIZ_EXPORT HRESULT MPACreateVisualization(IUnknown** out) { return viz::Create<Flow>(out); }
+TDKVIZ_EXPORT HRESULT MPACreateVisualization(IUnknown** out) {
+    return viz::Create<Flow>(out);
+}

@@ -47,7 +47,7 @@ public:
                  VizAnalysisFrame* frame) override {
         if (!pixels || !frame || bitsPerPixel != 32 || width < 1 || height < 1) return E_INVALIDARG;
         const Canvas canvas(pixels, width, height, pitch);
-        canvas.Dim(kAfterglow);
+        canvas.Dim(kAfterglow, 1);
         loudness_.Follow(*frame);
         const Palette& palette = kPalettes[clicks_ % kPaletteCount];
         if (frame->ChannelCount < 2) {
@@ -94,4 +94,6 @@ private:
 
 }  // namespace
 
-TDKVIZ_EXPORT HRESULT MPACreateVisualization(IUnknown** out) { return viz::Create<Oscilloscope>(out); }
+TDKVIZ_EXPORT HRESULT MPACreateVisualization(IUnknown** out) {
+    return viz::Create<Oscilloscope>(out);
+}

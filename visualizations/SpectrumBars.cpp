@@ -15,13 +15,15 @@ constexpr int kMostBars = 64;
 constexpr int kFewestBars = 12;
 constexpr int kPixelsPerBar = 11;
 // Above, there is little music; 16.5 kHz at 44,100 Hz.
-constexpr float kBandsShown = 192;
+constexpr int kBandsShown = 192;
 // The narrowest bar, in bands: below, neighbours would show the same.
 constexpr float kNarrowest = 0.85F;
 
 // From the spectrum's scale to the height of a bar.
-constexpr float kFloor = 124;
 constexpr float kRange = 136;
+constexpr float kLeastTop = 165;  // nothing below this fills the picture, however quiet the music
+constexpr float kTopRise = 0.25F;
+constexpr float kTopFall = 0.004F;
 constexpr float kTreble = 66;  // music gets softer with pitch; this much lifts the last bar
 
 // Per frame.
@@ -41,7 +43,9 @@ constexpr Color kGradients[][4] = {
 };
 constexpr uint32_t kGradientCount = std::size(kGradients);
 
-struct Bar {
+// One band of the spectrum on its way up and down. Bars are made of bands, so that views of any width
+// can share what has been heard.
+struct Band {
     float Height = 0;  // 0 to 1
     float Peak = 0;
     float Speed = 0;
@@ -73,7 +77,8 @@ public:
         }
     }
     float Start(int i) const {
-        return kBandsShown * std::expm1(curve_ * static_cast<float>(i) / static_cast<float>(count_)) / std::expm1(curve_);
+        return static_cast<float>(kBandsShown) *
+               std::expm1(curve_ * static_cast<float>(i) / static_cast<float>(count_)) / std::expm1(curve_);
     }
 
 private:
@@ -100,35 +105,37 @@ public:
                  VizAnalysisFrame* frame) override {
         if (!pixels || !frame || bitsPerPixel != 32 || width < 1 || height < 1) return E_INVALIDARG;
         const Canvas canvas(pixels, width, height, pitch);
-        canvas.Dim(kAfterglow);
+        canvas.Dim(kAfterglow, 1);
         const int count = std::clamp(width / kPixelsPerBar, kFewestBars, kMostBars);
-        Listen(*frame, count);
+        Listen(*frame);
         DrawBars(canvas, count);
         return S_OK;
     }
 
 private:
-    void Listen(const VizAnalysisFrame& frame, int count) {
-        if (count != count_) {
-            bars_.fill({});
-            count_ = count;
+    void Listen(const VizAnalysisFrame& frame) {
+        float loudest = kLeastTop;
+        for (int k = 0; k < kBandsShown; ++k) {
+            const auto loud = static_cast<float>(std::max(frame.SpectrumLeft[k], frame.SpectrumRight[k]));
+            const float lifted = loud > 0 ? loud + kTreble * std::log1p(static_cast<float>(k)) /
+                                                       std::log1p(static_cast<float>(kBandsShown))
+                                          : 0;
+            loudest = std::max(loudest, lifted);
+            bands_[k].Follow(lifted > 0 ? std::clamp((lifted - top_) / kRange + 1, 0.0F, 1.0F) : 0.0F);
         }
-        const PitchScale scale(count);
-        for (int i = 0; i < count; ++i) {
-            const float loud = Loudest(frame, scale.Start(i), scale.Start(i + 1));
-            const float lifted = loud + kTreble * static_cast<float>(i) / static_cast<float>(count) - kFloor;
-            bars_[i].Follow(loud > 0 ? std::clamp(lifted / kRange, 0.0F, 1.0F) : 0.0F);
-        }
+        top_ += (loudest - top_) * (loudest > top_ ? kTopRise : kTopFall);
     }
 
-    static float Loudest(const VizAnalysisFrame& frame, float from, float to) {
-        const int first = std::min(static_cast<int>(from), kSpectrumBands - 1);
-        const int end = std::clamp(static_cast<int>(std::ceil(to - 0.001F)), first + 1, kSpectrumBands);
-        int loudest = 0;
-        for (int k = first; k < end; ++k) {
-            loudest = std::max({loudest, int{frame.SpectrumLeft[k]}, int{frame.SpectrumRight[k]}});
+    // The highest of the bands that lie in a range.
+    Band Highest(float from, float to) const {
+        const int first = std::min(static_cast<int>(from), kBandsShown - 1);
+        const int end = std::clamp(static_cast<int>(std::ceil(to - 0.001F)), first + 1, kBandsShown);
+        Band highest = bands_[first];
+        for (int k = first + 1; k < end; ++k) {
+            highest.Height = std::max(highest.Height, bands_[k].Height);
+            highest.Peak = std::max(highest.Peak, bands_[k].Peak);
         }
-        return static_cast<float>(loudest);
+        return highest;
     }
 
     void DrawBars(const Canvas& canvas, int count) const {
@@ -146,15 +153,17 @@ private:
             const int i = std::min(static_cast<int>(place), 2);
             return viz::Mix(gradient[i], gradient[i + 1], place - static_cast<float>(i));
         };
+        const PitchScale scale(count);
         for (int i = 0; i < count; ++i) {
+            const Band bar = Highest(scale.Start(i), scale.Start(i + 1));
             const float left = std::round(margin + static_cast<float>(i) * step);
             const float right = std::round(margin + static_cast<float>(i + 1) * step) - gap;
-            const float top = ground - std::max(bars_[i].Height * room, 1.0F);
+            const float top = ground - std::max(bar.Height * room, 1.0F);
             canvas.Fill(left, top, right, ground, [&](float y) { return colorAt((ground - y) / room); });
             ShadeGap(canvas, right, right + gap, top, ground);
-            const float peak = ground - std::max(bars_[i].Peak * room, 1.0F) - 2 * cap;
-            const Color light = viz::Mix(colorAt(bars_[i].Peak), {1, 1, 1}, 0.55F);
-            if (bars_[i].Peak > 0.01F) canvas.Fill(left, peak, right, peak + cap, [&](float) { return light; });
+            const float peak = ground - std::max(bar.Peak * room, 1.0F) - 2 * cap;
+            const Color light = viz::Mix(colorAt(bar.Peak), {1, 1, 1}, 0.55F);
+            if (bar.Peak > 0.01F) canvas.Fill(left, peak, right, peak + cap, [&](float) { return light; });
             // A mirror below the ground, fading with depth.
             const float depth = height - ground;
             const float foot = std::min(height, 2 * ground - top + 1);
@@ -174,11 +183,13 @@ private:
         }
     }
 
-    std::array<Bar, kMostBars> bars_{};
-    int count_ = 0;
+    std::array<Band, kBandsShown> bands_{};
+    float top_ = 255;  // follows the loudness of the music
     std::atomic<uint32_t> clicks_{0};
 };
 
 }  // namespace
 
-TDKVIZ_EXPORT HRESULT MPACreateVisualization(IUnknown** out) { return viz::Create<SpectrumBars>(out); }
+TDKVIZ_EXPORT HRESULT MPACreateVisualization(IUnknown** out) {
+    return viz::Create<SpectrumBars>(out);
+}

@@ -37,8 +37,7 @@ State& TheState() {
 // The mode in "memory" or "memory:WxHxD"; nothing if `text` names something else.
 std::optional<MemoryDisplayMode> ParseMemoryMode(const char* text) {
     const size_t nameLength = std::strlen(kMemoryName);
-    if (std::strncmp(text, kMemoryName, nameLength) != 0)
-        return std::nullopt;
+    if (std::strncmp(text, kMemoryName, nameLength) != 0) return std::nullopt;
     MemoryDisplayMode mode;
     MemoryDisplayMode asked;
     const char* sizes = text + nameLength;
@@ -48,8 +47,7 @@ std::optional<MemoryDisplayMode> ParseMemoryMode(const char* text) {
 }
 
 std::optional<MemoryDisplayMode> AskedMemoryMode(const State& state) {
-    if (state.asked)
-        return state.asked;
+    if (state.asked) return state.asked;
     const char* variable = std::getenv(kVariable);
     return variable != nullptr ? ParseMemoryMode(variable) : std::nullopt;
 }
@@ -78,10 +76,8 @@ Display& TheDisplay(DisplaySink& sink) {
     State& state = TheState();
     std::vector<std::unique_ptr<Display>> retired;  // goes after the lock, since it waits for its thread
     const LayerGuard guard(state.mutex);
-    if (!state.display)
-        state.display = OpenDisplay(state, sink, &state.name);
-    if (!IsX11Thread())
-        retired.swap(state.retired);
+    if (!state.display) state.display = OpenDisplay(state, sink, &state.name);
+    if (!IsX11Thread()) retired.swap(state.retired);
     return *state.display;
 }
 
@@ -106,8 +102,7 @@ void CloseDisplay() {
 const char* DisplayName() {
     State& state = TheState();
     const LayerGuard guard(state.mutex);
-    if (state.display)
-        return state.name;
+    if (state.display) return state.name;
     return !AskedMemoryMode(state) && HasServer() && CanOpenX11Display() ? kX11Name : kMemoryName;
 }
 
@@ -115,12 +110,10 @@ const char* DisplayName() {
 
 TDKP_API BOOL TdkpUseMemoryDisplay(int width, int height, int depth) {
     const tdkp::MemoryDisplayMode mode = {width, height, depth};
-    if (!tdkp::IsMemoryDisplayMode(mode))
-        return FALSE;
+    if (!tdkp::IsMemoryDisplayMode(mode)) return FALSE;
     tdkp::State& state = tdkp::TheState();
     const tdkp::LayerGuard guard(state.mutex);
-    if (state.display)
-        return FALSE;
+    if (state.display) return FALSE;
     state.asked = mode;
     return TRUE;
 }

@@ -37,6 +37,9 @@ struct DisplayWindowInfo {
     int x = 0, y = 0, width = 1, height = 1;
     bool topLevel = true;
     bool resizable = true;
+    bool framed = true;    // top level: a window manager may put a frame around it
+    bool menu = false;     // top level, but not a window manager's business: a popup menu
+    WindowId owner = 0;    // of a top-level window: the one that it belongs to and stays above, if any
     std::string className;
     std::string title;
 };

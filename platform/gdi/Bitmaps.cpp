@@ -219,7 +219,8 @@ TDKP_API HBITMAP CreateDIBSection(HDC, const BITMAPINFO* info, UINT usage, LPVOI
     if (!made)
         return nullptr;
     ReadDibColors(*info, layout, bitmap->colors);
-    bitmap->raster = DibRaster(layout, bitmap->memory.Data(), layout.height, layout.bits <= 8 ? bitmap->colors : nullptr);
+    const uint32_t* palette = layout.bits <= 8 ? bitmap->colors : nullptr;
+    bitmap->raster = DibRaster(layout, bitmap->memory.Data(), layout.height, palette);
     bitmap->isSection = true;
     DescribeSection(layout, *info, section, offset, *bitmap);
     uint8_t* data = bitmap->memory.Data();

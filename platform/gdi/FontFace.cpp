@@ -11,8 +11,29 @@
 #include "platform/kernel/Dispatcher.h"
 #include "platform/kernel/Immortal.h"
 
+// Null without a leak sanitizer in the process.
+extern "C" {
+__attribute__((weak)) void __lsan_disable();
+__attribute__((weak)) void __lsan_enable();
+}
+
 namespace tdkp {
 namespace {
+
+// The font library refers to its own memory by offsets, which the leak sanitizer can't follow.
+class LibraryMemory {
+public:
+    LibraryMemory() {
+        if (__lsan_disable != nullptr)
+            __lsan_disable();
+    }
+    ~LibraryMemory() {
+        if (__lsan_enable != nullptr)
+            __lsan_enable();
+    }
+    LibraryMemory(const LibraryMemory&) = delete;
+    LibraryMemory& operator=(const LibraryMemory&) = delete;
+};
 
 constexpr LONG kDefaultHeight = -12;
 constexpr int kMaxTextPixels = 32767;  // cairo's own limit
@@ -136,6 +157,7 @@ FontFace::~FontFace() {
 void FontFace::Load() const {
     if (font_ != nullptr)
         return;
+    const LibraryMemory libraryMemory;
     font_ = MakeFontOfHeight(description_);
     cairo_font_extents_t extents;
     cairo_scaled_font_extents(font_, &extents);

@@ -12,7 +12,9 @@
 namespace tdkp {
 
 constexpr LONG ClampToLong(int64_t value) {
-    return static_cast<LONG>(std::clamp<int64_t>(value, std::numeric_limits<LONG>::min(), std::numeric_limits<LONG>::max()));
+    constexpr int64_t kMin = std::numeric_limits<LONG>::min();
+    constexpr int64_t kMax = std::numeric_limits<LONG>::max();
+    return static_cast<LONG>(std::clamp(value, kMin, kMax));
 }
 
 constexpr bool IsEmpty(const RECT& rect) {

@@ -70,7 +70,8 @@ public:
             return {0, 0};
         const double height = (y + 0.5 - centreY_) / radiusY_;
         const double half = radiusX_ * std::sqrt(std::max(0.0, 1 - height * height));
-        return {static_cast<LONG>(std::ceil(centreX_ - half - 0.5)), static_cast<LONG>(std::ceil(centreX_ + half - 0.5))};
+        return {static_cast<LONG>(std::ceil(centreX_ - half - 0.5)),
+                static_cast<LONG>(std::ceil(centreX_ + half - 0.5))};
     }
 
 private:

@@ -54,7 +54,7 @@ struct PAINTSTRUCT {
     BOOL fIncUpdate;
     BYTE rgbReserved[32];
 };
-inline LPSTR MAKEINTRESOURCEA(ULONG_PTR id) { return reinterpret_cast<LPSTR>(static_cast<ULONG_PTR>(static_cast<WORD>(id))); }
+inline LPSTR MAKEINTRESOURCEA(ULONG_PTR id) { return reinterpret_cast<LPSTR>(id & 0xFFFF); }
 
 // Errors of windows and messages.
 #define ERROR_INVALID_WINDOW_HANDLE 1400u

@@ -46,7 +46,9 @@ void AdvanceSteppedClock(uint64_t nanoseconds) {
 
 }  // namespace
 
-bool UsesSteppedClock() { return ChooseClock(kMachine) == kStepped; }
+bool UsesSteppedClock() {
+    return ChooseClock(kMachine) == kStepped;
+}
 
 uint64_t Now() {
     if (UsesSteppedClock()) {
@@ -63,7 +65,9 @@ uint64_t DeadlineAfter(uint32_t milliseconds) {
 
 }  // namespace tdkp
 
-BOOL TdkpUseSteppedClock() { return tdkp::ChooseClock(tdkp::kStepped) == tdkp::kStepped ? TRUE : FALSE; }
+BOOL TdkpUseSteppedClock() {
+    return tdkp::ChooseClock(tdkp::kStepped) == tdkp::kStepped ? TRUE : FALSE;
+}
 
 void TdkpAdvanceClock(DWORD milliseconds) {
     if (tdkp::UsesSteppedClock()) {
@@ -94,4 +98,6 @@ BOOL QueryPerformanceFrequency(LARGE_INTEGER* frequency) {
     return TRUE;
 }
 
-DWORD GetTickCount() { return static_cast<DWORD>(tdkp::Now() / tdkp::kNanosecondsPerMillisecond); }
+DWORD GetTickCount() {
+    return static_cast<DWORD>(tdkp::Now() / tdkp::kNanosecondsPerMillisecond);
+}

@@ -14,10 +14,18 @@ std::atomic<int32_t> threads{0};
 
 }  // namespace
 
-void CountHandle(int32_t change) { handles.fetch_add(change, std::memory_order_relaxed); }
-void CountWindow(int32_t change) { windows.fetch_add(change, std::memory_order_relaxed); }
-void CountGdiObject(int32_t change) { gdiObjects.fetch_add(change, std::memory_order_relaxed); }
-void CountThread(int32_t change) { threads.fetch_add(change, std::memory_order_relaxed); }
+void CountHandle(int32_t change) {
+    handles.fetch_add(change, std::memory_order_relaxed);
+}
+void CountWindow(int32_t change) {
+    windows.fetch_add(change, std::memory_order_relaxed);
+}
+void CountGdiObject(int32_t change) {
+    gdiObjects.fetch_add(change, std::memory_order_relaxed);
+}
+void CountThread(int32_t change) {
+    threads.fetch_add(change, std::memory_order_relaxed);
+}
 
 static void ReadCounts(TdkpCounts& counts) {
     counts.handles = handles.load(std::memory_order_relaxed);

@@ -9,7 +9,9 @@ namespace {
 static_assert(sizeof(pthread_mutex_t) <= sizeof(CRITICAL_SECTION) &&
               alignof(pthread_mutex_t) <= alignof(CRITICAL_SECTION));
 
-pthread_mutex_t* MutexOf(LPCRITICAL_SECTION section) { return reinterpret_cast<pthread_mutex_t*>(section->Storage); }
+pthread_mutex_t* MutexOf(LPCRITICAL_SECTION section) {
+    return reinterpret_cast<pthread_mutex_t*>(section->Storage);
+}
 
 }  // namespace
 
@@ -21,12 +23,18 @@ void InitializeCriticalSection(LPCRITICAL_SECTION section) {
     pthread_mutexattr_destroy(&attributes);
 }
 
-void EnterCriticalSection(LPCRITICAL_SECTION section) { pthread_mutex_lock(MutexOf(section)); }
+void EnterCriticalSection(LPCRITICAL_SECTION section) {
+    pthread_mutex_lock(MutexOf(section));
+}
 
 BOOL TryEnterCriticalSection(LPCRITICAL_SECTION section) {
     return pthread_mutex_trylock(MutexOf(section)) == 0 ? TRUE : FALSE;
 }
 
-void LeaveCriticalSection(LPCRITICAL_SECTION section) { pthread_mutex_unlock(MutexOf(section)); }
+void LeaveCriticalSection(LPCRITICAL_SECTION section) {
+    pthread_mutex_unlock(MutexOf(section));
+}
 
-void DeleteCriticalSection(LPCRITICAL_SECTION section) { pthread_mutex_destroy(MutexOf(section)); }
+void DeleteCriticalSection(LPCRITICAL_SECTION section) {
+    pthread_mutex_destroy(MutexOf(section));
+}

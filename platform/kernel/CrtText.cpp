@@ -36,7 +36,9 @@ int _strnicmp(const char* left, const char* right, size_t count) {
     return 0;
 }
 
-int _stricmp(const char* left, const char* right) { return _strnicmp(left, right, SIZE_MAX); }
+int _stricmp(const char* left, const char* right) {
+    return _strnicmp(left, right, SIZE_MAX);
+}
 
 void _splitpath(const char* path, char* drive, char* directory, char* name, char* extension) {
     const char* const text = path != nullptr ? path : "";
@@ -51,7 +53,9 @@ void _splitpath(const char* path, char* drive, char* directory, char* name, char
     CopyPart(extension, _MAX_EXT, nameEnd, end);
 }
 
-int _ismbblead(unsigned int) { return 0; }
+int _ismbblead(unsigned int) {
+    return 0;
+}
 
 LPSTR CharNextA(LPCSTR text) {
     const bool atEnd = text == nullptr || *text == '\0';

@@ -23,7 +23,9 @@ struct WaitList {
     std::vector<ThreadRecord*> Settlers;  // woken at each change of RunningThreads that may be the last
 };
 
-WaitList& Waits() { return Immortal<WaitList>(); }
+WaitList& Waits() {
+    return Immortal<WaitList>();
+}
 
 void JoinWaitList(DispatcherGuard& guard, ThreadRecord& record) {
     WaitList& waits = Waits();
@@ -60,8 +62,12 @@ void TakeToken(ThreadRecord& record) {
 
 }  // namespace
 
-TerminationDeferral::TerminationDeferral() { BeginDeferral(); }
-TerminationDeferral::~TerminationDeferral() { EndDeferral(); }
+TerminationDeferral::TerminationDeferral() {
+    BeginDeferral();
+}
+TerminationDeferral::~TerminationDeferral() {
+    EndDeferral();
+}
 
 void LayerMutex::lock() {
     BeginDeferral();
@@ -151,7 +157,9 @@ void TimeOutWait(DispatcherGuard& guard, ThreadRecord& record) {
     sem_post(&record.Wake);
 }
 
-void AddRunningThread(DispatcherGuard&) { ++Waits().RunningThreads; }
+void AddRunningThread(DispatcherGuard&) {
+    ++Waits().RunningThreads;
+}
 
 void RemoveRunningThread(DispatcherGuard&) {
     WaitList& waits = Waits();

@@ -93,6 +93,8 @@ struct MessageSource {
     bool (*hasSentMessage)(uint32_t threadId);
     void (*serveSentMessages)();
     void (*markInputSeen)(uint32_t threadId);
+    // Milliseconds until input of these categories comes by itself (a timer), or kInfinite. Under the lock.
+    uint32_t (*untilTimer)(uint32_t threadId, uint32_t wakeMask);
 };
 void SetMessageSource(const MessageSource& source);
 

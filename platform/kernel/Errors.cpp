@@ -9,8 +9,14 @@ std::atomic<UINT> errorMode{0};
 
 }  // namespace
 
-DWORD GetLastError() { return lastError; }
+DWORD GetLastError() {
+    return lastError;
+}
 
-void SetLastError(DWORD error) { lastError = error; }
+void SetLastError(DWORD error) {
+    lastError = error;
+}
 
-UINT SetErrorMode(UINT mode) { return errorMode.exchange(mode, std::memory_order_relaxed); }
+UINT SetErrorMode(UINT mode) {
+    return errorMode.exchange(mode, std::memory_order_relaxed);
+}

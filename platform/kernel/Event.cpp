@@ -46,6 +46,10 @@ HANDLE CreateEventA(LPSECURITY_ATTRIBUTES, BOOL manualReset, BOOL initialState, 
     return handle;
 }
 
-BOOL SetEvent(HANDLE event) { return tdkp::SignalEvent(event, true); }
+BOOL SetEvent(HANDLE event) {
+    return tdkp::SignalEvent(event, true);
+}
 
-BOOL ResetEvent(HANDLE event) { return tdkp::SignalEvent(event, false); }
+BOOL ResetEvent(HANDLE event) {
+    return tdkp::SignalEvent(event, false);
+}

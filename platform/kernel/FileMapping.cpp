@@ -20,7 +20,9 @@ struct ViewTable {
     std::map<const void*, size_t> Sizes;
 };
 
-ViewTable& Views() { return Immortal<ViewTable>(); }
+ViewTable& Views() {
+    return Immortal<ViewTable>();
+}
 
 // The size of the view asked for, 0 if it doesn't lie in the mapping.
 uint64_t ViewSize(const FileMapping& mapping, uint64_t offset, uint64_t size) {
@@ -37,7 +39,9 @@ LPVOID FailView(DWORD error) {
 
 }  // namespace
 
-FileMapping::~FileMapping() { close(descriptor_); }
+FileMapping::~FileMapping() {
+    close(descriptor_);
+}
 
 std::shared_ptr<FileMapping> FindFileMapping(HANDLE handle) {
     DispatcherGuard guard(DispatcherLock());

@@ -189,4 +189,6 @@ BOOL FindNextFileA(HANDLE search, LPWIN32_FIND_DATAA data) {
     return TRUE;
 }
 
-BOOL FindClose(HANDLE search) { return CloseHandle(search); }
+BOOL FindClose(HANDLE search) {
+    return CloseHandle(search);
+}

@@ -29,7 +29,9 @@ struct HandleTable {
     std::deque<uint32_t> Free;
 };
 
-HandleTable& Table() { return Immortal<HandleTable>(); }
+HandleTable& Table() {
+    return Immortal<HandleTable>();
+}
 
 HANDLE MakeHandle(uint32_t place, uint32_t generation) {
     const uint32_t value = (generation << kGenerationShift) | ((place + 1) << kPlaceShift);

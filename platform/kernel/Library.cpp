@@ -34,7 +34,9 @@ constexpr std::string_view kWindowsExtension = ".dll";
 constexpr std::string_view kNativeExtension = ".so";
 constexpr uintptr_t kLastOrdinal = 0xFFFF;
 
-ModuleTable& Table() { return Immortal<ModuleTable>(); }
+ModuleTable& Table() {
+    return Immortal<ModuleTable>();
+}
 
 std::string ExecutablePath() {
     std::string path(PATH_MAX, '\0');
@@ -69,7 +71,9 @@ link_map* ModuleAt(const void* address) {
     return static_cast<link_map*>(module);
 }
 
-std::string FolderOf(const std::string& path) { return path.substr(0, NameStart(path)); }
+std::string FolderOf(const std::string& path) {
+    return path.substr(0, NameStart(path));
+}
 
 // The folders in which a bare name is looked for; the last, empty one leaves it to the loader.
 std::vector<std::string> SearchFolders() {

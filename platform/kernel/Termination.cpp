@@ -167,7 +167,9 @@ int EndSignal() {
     return number;
 }
 
-bool KernelKnows(pid_t kernelId) { return syscall(SYS_tgkill, getpid(), kernelId, 0) == 0 || errno != ESRCH; }
+bool KernelKnows(pid_t kernelId) {
+    return syscall(SYS_tgkill, getpid(), kernelId, 0) == 0 || errno != ESRCH;
+}
 
 void PauseForRetry() {
     const timespec pause{0, kRetryPauseNanoseconds};
@@ -187,7 +189,9 @@ bool HasEnded(const ThreadRecord& record) {
 
 }  // namespace
 
-void BeginDeferral() { currentThread.DeferralDepth = currentThread.DeferralDepth + 1; }
+void BeginDeferral() {
+    currentThread.DeferralDepth = currentThread.DeferralDepth + 1;
+}
 
 void EndDeferral() {
     currentThread.DeferralDepth = currentThread.DeferralDepth - 1;
@@ -233,7 +237,9 @@ bool StopThread(ThreadRecord& record) {
     return true;
 }
 
-void EndCallingThread() { ExitThreadNow(nullptr); }
+void EndCallingThread() {
+    ExitThreadNow(nullptr);
+}
 
 bool AwaitKernelExit(pid_t kernelId) {
     const uint64_t limit = MachineNow() + kStopLimit;

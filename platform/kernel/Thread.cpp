@@ -175,7 +175,9 @@ HANDLE CreateThread(LPSECURITY_ATTRIBUTES, SIZE_T stackSize, LPTHREAD_START_ROUT
     return handle;
 }
 
-DWORD GetCurrentThreadId() { return tdkp::CurrentThreadId(); }
+DWORD GetCurrentThreadId() {
+    return tdkp::CurrentThreadId();
+}
 
 BOOL GetExitCodeThread(HANDLE thread, LPDWORD exitCode) {
     tdkp::DispatcherGuard guard(tdkp::DispatcherLock());

@@ -28,7 +28,9 @@ struct ThreadRegister {
     uint32_t LastId = 0;
 };
 
-ThreadRegister& Register() { return Immortal<ThreadRegister>(); }
+ThreadRegister& Register() {
+    return Immortal<ThreadRegister>();
+}
 
 // Threads of the program that have used the layer end here; key destructors run after those of
 // thread-local objects, which may still use it.
@@ -69,7 +71,9 @@ ThreadRecord::ThreadRecord(uint32_t id, bool madeByLayer)
     sem_init(&Wake, 0, 0);
 }
 
-ThreadRecord::~ThreadRecord() { sem_destroy(&Wake); }
+ThreadRecord::~ThreadRecord() {
+    sem_destroy(&Wake);
+}
 
 ThreadRecord& CurrentRecord() {
     if (currentThread.Record == nullptr) {
@@ -104,7 +108,9 @@ void EndThreadRecord(DispatcherGuard& guard, ThreadRecord& record, uint32_t exit
     }
 }
 
-uint32_t CurrentThreadId() { return CurrentRecord().Id; }
+uint32_t CurrentThreadId() {
+    return CurrentRecord().Id;
+}
 
 void AddThreadEndHook(ThreadEndHook hook) {
     LayerGuard guard(Register().Lock);

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstddef>
 #include <utility>
 
@@ -72,6 +73,12 @@ public:
 
     Outcome Result() const { return outcome_; }
 
+    // When a timer of the thread falls due that the wait is to end for. Under the lock.
+    uint64_t NextTimer() const {
+        const bool served = withMessages_ && !waitAll_;
+        return served ? DeadlineAfter(messageSource.untilTimer(thread_.Id, wakeMask_)) : kNoDeadline;
+    }
+
 private:
     bool HasInput() const { return messageSource.hasNewInput(thread_.Id, wakeMask_); }
     WaitableObject& Object(uint32_t index) const { return *thread_.WaitObjects[base_ + index]; }
@@ -127,7 +134,11 @@ uint32_t WaitForObjects(ObjectWait& wait, const HANDLE* handles, uint32_t millis
         return WAIT_FAILED;
     }
     for (;;) {
-        if (!WaitReadyUntil(guard, test, deadline)) {
+        const uint64_t nextTimer = wait.NextTimer();
+        if (!WaitReadyUntil(guard, test, std::min(deadline, nextTimer))) {
+            if (nextTimer < deadline) {
+                continue;
+            }
             return WAIT_TIMEOUT;
         }
         const auto serve = messageSource.serveSentMessages;
@@ -176,8 +187,7 @@ DWORD WaitForMultipleObjects(DWORD count, const HANDLE* objects, BOOL waitAll, D
     return tdkp::WaitForObjects(wait, objects, milliseconds);
 }
 
-DWORD MsgWaitForMultipleObjects(DWORD count, const HANDLE* objects, BOOL waitAll, DWORD milliseconds,
-                                DWORD wakeMask) {
+DWORD MsgWaitForMultipleObjects(DWORD count, const HANDLE* objects, BOOL waitAll, DWORD milliseconds, DWORD wakeMask) {
     if (!tdkp::CheckArguments(count, objects, 0, MAXIMUM_WAIT_OBJECTS - 1)) {
         return WAIT_FAILED;
     }

@@ -17,7 +17,8 @@ constexpr int kMaxSetAside = 1000;
 
 class Descriptor {
 public:
-    explicit Descriptor(const std::string& fileName) : value_(open(fileName.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {}
+    explicit Descriptor(const std::string& fileName)
+        : value_(open(fileName.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {}
     ~Descriptor() {
         if (value_ >= 0)
             close(value_);

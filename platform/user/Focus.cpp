@@ -141,7 +141,9 @@ void LeaveWindow(HWND window) {
     Deactivate(window);
     if (hasFocus && parent == nullptr && GetFocus() != nullptr)
         MoveFocus(thread, nullptr);
-    DispatcherGuard guard(DispatcherLock());
+}
+
+void ForgetActive(const DispatcherGuard&, HWND window) {
     if (activeWindow == window)
         activeWindow = nullptr;
 }

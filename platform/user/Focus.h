@@ -1,7 +1,8 @@
-// Activation, keyboard focus and mouse capture. All of it on the thread that owns the window, without the lock.
+// Activation, keyboard focus and mouse capture. On the thread that owns the window, without the lock, where
+// nothing else is told.
 #pragma once
 
-#include <windows.h>
+#include "platform/user/WindowState.h"
 
 namespace tdkp {
 
@@ -11,5 +12,8 @@ void Deactivate(HWND window);
 
 // A window is about to be hidden or destroyed: focus, capture and activation leave it and all inside it.
 void LeaveWindow(HWND window);
+
+// The window is no more. Any thread.
+void ForgetActive(const DispatcherGuard& guard, HWND window);
 
 }  // namespace tdkp

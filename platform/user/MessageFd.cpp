@@ -51,7 +51,7 @@ int MessageFd::Descriptor() {
 }
 
 void MessageFd::Set(bool readable, uint32_t untilTimer) {
-    if (poll_ < 0)
+    if (!IsMade())
         return;
     if (readable != readable_) {
         readable_ = readable;

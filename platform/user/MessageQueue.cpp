@@ -133,7 +133,8 @@ void NoteInput(DispatcherGuard& guard, MessageQueue& queue, uint32_t categories)
 }
 
 void SyncMessageFd(const DispatcherGuard& guard, MessageQueue& queue) {
-    queue.fd.Set(WaitingWithoutTimers(guard, queue) != 0, UntilTimer(queue, queue.lastLook));
+    if (queue.fd.IsMade())
+        queue.fd.Set(WaitingWithoutTimers(guard, queue) != 0, UntilTimer(queue, queue.lastLook));
 }
 
 void NoteLook(MessageQueue& queue, const MessageFilter& filter) {

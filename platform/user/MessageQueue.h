@@ -56,7 +56,6 @@ struct MessageQueue {
     std::deque<std::shared_ptr<SentCall>> sent;
     std::vector<std::shared_ptr<SentCall>> serving;
     std::vector<UserTimer> timers;
-    bool timersChanged = false;
     bool quit = false;
     int quitCode = 0;
     uint32_t changed = 0;  // QS_ bits of what came since the last look

@@ -45,11 +45,9 @@ int LookForMessage(MSG* message, const MessageFilter& filter, Look look) {
         }
         if (look != Look::kWaitAndTake)
             return 0;
-        queue.timersChanged = false;
         auto ready = [&] {
             QueuedMessage unused;
-            return !queue.sent.empty() || queue.timersChanged ||
-                   TakeMessage(guard, queue, filter, false, GetTickCount(), &unused);
+            return !queue.sent.empty() || TakeMessage(guard, queue, filter, false, GetTickCount(), &unused);
         };
         WaitUntilReady(guard, ready, UntilTimer(queue, now));
     }

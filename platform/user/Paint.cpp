@@ -71,22 +71,37 @@ void InvalidateTree(DispatcherGuard& guard, HWND window) {
     }
 }
 
+bool ErasePart(HWND window, const RECT& part) {
+    {
+        DispatcherGuard guard(DispatcherLock());
+        const Window* state = FindWindowState(guard, window);
+        if (state == nullptr || state->destroying || IsRectEmpty(&part) || !IsShown(guard, *state) ||
+            state->PaintsItself())
+            return true;
+    }
+    const HDC dc = TakeContext(window);
+    IntersectClipRect(dc, part.left, part.top, part.right, part.bottom);
+    const bool erased = SendErase(window, dc, part);
+    ReturnContext(window, dc);
+    DispatcherGuard guard(DispatcherLock());
+    if (Window* state = FindWindowState(guard, window))
+        state->paintRect = RECT{0, 0, 0, 0};
+    return erased;
+}
+
 void EraseNow(HWND window) {
     RECT rect;
     {
         DispatcherGuard guard(DispatcherLock());
         const Window* state = FindWindowState(guard, window);
-        if (state == nullptr || !NeedsPaint(guard, *state) || !state->erase || state->PaintsItself())
+        if (state == nullptr || !NeedsPaint(guard, *state) || !state->erase)
             return;
         rect = state->update;
     }
-    const HDC dc = TakeContext(window);
-    IntersectClipRect(dc, rect.left, rect.top, rect.right, rect.bottom);
-    const bool erased = SendErase(window, dc, rect);
-    ReturnContext(window, dc);
+    if (!ErasePart(window, rect))
+        return;
     DispatcherGuard guard(DispatcherLock());
-    Window* state = FindWindowState(guard, window);
-    if (state != nullptr && erased)
+    if (Window* state = FindWindowState(guard, window))
         state->erase = false;
 }
 

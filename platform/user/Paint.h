@@ -16,6 +16,8 @@ void InvalidateTree(DispatcherGuard& guard, HWND window);
 // Lets the window erase now what it would erase at its next WM_PAINT, so that nothing stale is seen until
 // then. On the window's thread, without the lock.
 void EraseNow(HWND window);
+// Lets it erase this part of its client area; true if there is nothing left to erase in it.
+bool ErasePart(HWND window, const RECT& part);
 
 // Is the calling thread taking or giving back a context for the layer's own painting?
 bool InsideLayerPaint();

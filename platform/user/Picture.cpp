@@ -10,8 +10,8 @@ namespace {
 
 void CopyRows(const Raster& from, uint8_t* to, int32_t toPitch, int32_t width, int32_t height) {
     const size_t bytes = static_cast<size_t>(width) * static_cast<size_t>(BytesPerPixel(from.format));
-    for (int32_t row = 0; row < height; ++row)
-        std::memcpy(to + static_cast<ptrdiff_t>(row) * toPitch, from.topRow + static_cast<ptrdiff_t>(row) * from.pitch, bytes);
+    for (ptrdiff_t row = 0; row < height; ++row)
+        std::memcpy(to + row * toPitch, from.topRow + row * from.pitch, bytes);
 }
 
 // The index of black in the display's palette; 0 in all other formats.

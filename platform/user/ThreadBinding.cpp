@@ -12,10 +12,22 @@ namespace {
 // The waits call these under the lock, with a guard of their own.
 bool HasNewInput(uint32_t thread, uint32_t wakeMask) {
     DispatcherGuard held(DispatcherLock(), std::adopt_lock);
-    const MessageQueue* queue = FindQueue(held, thread);
-    const bool has = queue != nullptr && (queue->changed & wakeMask & WaitingInput(held, *queue, GetTickCount())) != 0;
+    bool has = false;
+    if (const MessageQueue* queue = FindQueue(held, thread)) {
+        // Nobody is told when a timer falls due: it counts as new until it's taken.
+        const uint32_t news = (queue->changed | QS_TIMER) & wakeMask;
+        has = news != 0 && (news & WaitingInput(held, *queue, GetTickCount())) != 0;
+    }
     held.release();
     return has;
+}
+
+uint32_t UntilNextTimer(uint32_t thread, uint32_t wakeMask) {
+    DispatcherGuard held(DispatcherLock(), std::adopt_lock);
+    const MessageQueue* queue = (wakeMask & QS_TIMER) != 0 ? FindQueue(held, thread) : nullptr;
+    const uint32_t until = queue != nullptr ? UntilTimer(*queue, GetTickCount()) : kInfinite;
+    held.release();
+    return until;
 }
 
 bool HasSentMessage(uint32_t thread) {
@@ -35,7 +47,7 @@ void MarkInputSeen(uint32_t thread) {
 
 // Waits of threads without a queue ask too; they find that nothing waits.
 [[maybe_unused]] const bool kSourceSet = [] {
-    SetMessageSource(MessageSource{HasNewInput, HasSentMessage, ServeSentCalls, MarkInputSeen});
+    SetMessageSource(MessageSource{HasNewInput, HasSentMessage, ServeSentCalls, MarkInputSeen, UntilNextTimer});
     AddThreadEndHook(ForgetThread);
     return true;
 }();

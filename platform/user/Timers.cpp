@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "platform/user/MessageQueue.h"
+#include "platform/user/SentCalls.h"
 #include "platform/user/WindowTable.h"
 
 namespace tdkp {
@@ -55,10 +56,13 @@ TDKP_API UINT_PTR SetTimer(HWND window, UINT_PTR id, UINT milliseconds, TIMERPRO
         *present = timer;
     else
         queue->timers.push_back(timer);
-    queue->timersChanged = true;
     queue->lastLook = now;
     tdkp::SyncMessageFd(guard, *queue);
-    WakeWaiters(guard);
+    const uint32_t owner = queue->thread;
+    guard.unlock();
+    // Waits that are under way look at their timers again after they have served something.
+    if (owner != thread)
+        tdkp::PostWork(owner, [] {});
     return window != nullptr && id == 0 ? 1 : id;
 }
 

@@ -52,6 +52,7 @@ void TakeAway(HWND window) {
         DropHeldPicture(guard, *state);
         if (MessageQueue* queue = FindQueue(guard, state->thread))
             ForgetWindowInQueue(guard, *queue, window);
+        ForgetActive(guard, window);
         RemoveWindow(guard, window);
     }
     display->DestroyWindow(IdOf(window));

@@ -78,29 +78,30 @@ bool ShowOnOwner(HWND window, bool show, bool activate) {
     return was;
 }
 
-// What a change of size uncovers, as one rectangle, or all of it if the class wants so.
+// Erases what a change of size uncovers and lets it be painted; all of the window if the class wants so.
 void InvalidateResized(HWND window, const RECT& former) {
+    RECT client;
+    bool whole = false;
     {
         DispatcherGuard guard(DispatcherLock());
-        Window* state = FindWindowState(guard, window);
+        const Window* state = FindWindowState(guard, window);
         if (state == nullptr)
             return;
-        RECT uncovered = state->Client();
-        const LONG formerWidth = former.right - former.left;
-        const LONG formerHeight = former.bottom - former.top;
-        const bool wider = state->Width() > formerWidth;
-        const bool higher = state->Height() > formerHeight;
-        if ((state->windowClass->info.style & (CS_HREDRAW | CS_VREDRAW)) == 0) {
-            if (!wider && !higher)
-                return;
-            if (!higher)
-                uncovered.left = formerWidth;
-            else if (!wider)
-                uncovered.top = formerHeight;
-        }
-        InvalidateState(guard, *state, uncovered, true);
+        client = state->Client();
+        whole = (state->windowClass->info.style & (CS_HREDRAW | CS_VREDRAW)) != 0;
     }
-    EraseNow(window);
+    const LONG keptWidth = whole ? 0 : std::min(former.right - former.left, client.right);
+    const LONG keptHeight = whole ? 0 : std::min(former.bottom - former.top, client.bottom);
+    const RECT right = {keptWidth, 0, client.right, keptHeight};
+    const RECT below = {0, keptHeight, client.right, client.bottom};
+    RECT uncovered;
+    if (!UnionRect(&uncovered, &right, &below))
+        return;
+    const bool rightErased = ErasePart(window, right);
+    const bool belowErased = ErasePart(window, below);
+    DispatcherGuard guard(DispatcherLock());
+    if (Window* state = FindWindowState(guard, window))
+        InvalidateState(guard, *state, uncovered, !rightErased || !belowErased);
 }
 
 // Tells the window of its new place. Messages in the order of the published default handling.

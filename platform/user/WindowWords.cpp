@@ -106,7 +106,8 @@ TDKP_API INT GetWindowTextA(HWND window, LPSTR text, INT size) {
     if (text == nullptr || size <= 0)
         return 0;
     *text = '\0';
-    return static_cast<INT>(SendMessageA(window, WM_GETTEXT, static_cast<WPARAM>(size), reinterpret_cast<LPARAM>(text)));
+    const auto out = reinterpret_cast<LPARAM>(text);
+    return static_cast<INT>(SendMessageA(window, WM_GETTEXT, static_cast<WPARAM>(size), out));
 }
 
 TDKP_API INT GetWindowTextLengthA(HWND window) {

@@ -14,7 +14,9 @@ constexpr std::chrono::seconds kLongestDrain{2};
 CKVAAudioHook::CKVAAudioHook(IUnknown* hostContext)
     : AudioService(QueryFor<IUnknown>(hostContext, kIID_IKVAAudioService)) {}
 
-CKVAAudioHook::~CKVAAudioHook() { Detach(); }
+CKVAAudioHook::~CKVAAudioHook() {
+    Detach();
+}
 
 void CKVAAudioHook::Attach() {
     if (!AudioService || Registered) return;
@@ -47,7 +49,9 @@ HRESULT CKVAAudioHook::QueryInterface(const GUID& id, void** out) {
     return S_OK;
 }
 
-ULONG CKVAAudioHook::AddRef() { return RefCount.Add(); }
+ULONG CKVAAudioHook::AddRef() {
+    return RefCount.Add();
+}
 
 ULONG CKVAAudioHook::Release() {
     const int32_t count = RefCount.Remove();
@@ -67,6 +71,8 @@ HRESULT CKVAAudioHook::OnAudioData(KVAAudioData* in, KVAAudioData* out) {
     return S_OK;
 }
 
-HRESULT CKVAAudioHook::OnAudioState(uint32_t) { return S_OK; }
+HRESULT CKVAAudioHook::OnAudioState(uint32_t) {
+    return S_OK;
+}
 
 }  // namespace tdkviz

@@ -53,7 +53,9 @@ CVizAudioProcessor::CVizAudioProcessor(IUnknown* hostContext) : CKVAAudioHook(ho
     }
 }
 
-CVizAudioProcessor::~CVizAudioProcessor() { Detach(); }
+CVizAudioProcessor::~CVizAudioProcessor() {
+    Detach();
+}
 
 void CVizAudioProcessor::SetPlaybackEngine(IUnknown* engine) {
     auto delay = QueryFor<IKVAAudioDelay>(engine, kIID_IKVAAudioDelay);

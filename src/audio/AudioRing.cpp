@@ -16,7 +16,9 @@ constexpr int kBitsPerByteShift = 3;
 constexpr uint8_t kSilence16Bit = 0;
 constexpr uint8_t kSilence8Bit = 0x80;  // 8-bit audio is unsigned
 
-int32_t RoundUp(int32_t value, int32_t unit) { return (value + unit - 1) / unit * unit; }
+int32_t RoundUp(int32_t value, int32_t unit) {
+    return (value + unit - 1) / unit * unit;
+}
 
 int32_t SizeOfRing(const KVAAudioFormat& format, const RingLayout& sizes, double delaySeconds) {
     const int32_t shortest = 3 * format.BlockSize;

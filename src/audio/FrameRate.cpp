@@ -11,8 +11,12 @@ Relaxed<uint32_t> frameRate{kDefaultFrameRate};
 
 }  // namespace
 
-uint32_t GetAnalysisFrameRate() { return frameRate; }
+uint32_t GetAnalysisFrameRate() {
+    return frameRate;
+}
 
-void SetAnalysisFrameRate(uint32_t rate) { frameRate = std::clamp(rate, kLowestFrameRate, kHighestFrameRate); }
+void SetAnalysisFrameRate(uint32_t rate) {
+    frameRate = std::clamp(rate, kLowestFrameRate, kHighestFrameRate);
+}
 
 }  // namespace tdkviz

@@ -76,10 +76,7 @@ HRESULT CViz::Show(int32_t width, int32_t height) {
     HRESULT result = S_OK;
     window->SetClickTarget(this);
     if (Flags & kViewRightClicks) window->SetRightClickTarget(this);
-    if (Flags & kViewRotateButton) {
-        Resize(width, height - kRotateStripHeight);
-        if (!MakeRotateButton(width, height)) result = E_FAIL;
-    }
+    if ((Flags & kViewRotateButton) && !MakeRotateButton(width, height)) result = E_FAIL;
     ShowWindowOf(*window, width, height);
     return result;
 }
@@ -88,6 +85,8 @@ void CViz::ShowWindowOf(CVizWindow& window, int32_t width, int32_t height) {
     Visible = true;
     window.SetShown(true);
     window.Resize(width, height);
+    // Posted behind the full size, so that the strip below the picture stays free for the button.
+    if (Flags & kViewRotateButton) Resize(width, height - kRotateStripHeight);
     ShowWindow(window.GetWindowHandle(), SW_SHOW);
     {
         const MutexLock lock(&StateLock);

@@ -40,10 +40,14 @@ struct Mixed {
 
 Mixed Mix(int step, uint32_t b, uint32_t c, uint32_t d) {
     switch (step / 16) {
-        case 0: return {(b & c) | (~b & d), step};
-        case 1: return {(b & d) | (c & ~d), (5 * step + 1) % 16};
-        case 2: return {b ^ c ^ d, (3 * step + 5) % 16};
-        default: return {c ^ (b | ~d), 7 * step % 16};
+        case 0:
+            return {(b & c) | (~b & d), step};
+        case 1:
+            return {(b & d) | (c & ~d), (5 * step + 1) % 16};
+        case 2:
+            return {b ^ c ^ d, (3 * step + 5) % 16};
+        default:
+            return {c ^ (b | ~d), 7 * step % 16};
     }
 }
 

@@ -43,8 +43,8 @@ bool ReadCache(CVizPlugin& plugin) {
     CachedText<kPluginTextSize> creator;
     CachedText<kPluginTextSize> description;
     CachedText<kChecksumSize> checksum;
-    if (!name.Read(key, kCacheName) || !creator.Read(key, kCacheCreator) ||
-        !description.Read(key, kCacheDescription) || !checksum.Read(key, kCacheChecksum)) {
+    if (!name.Read(key, kCacheName) || !creator.Read(key, kCacheCreator) || !description.Read(key, kCacheDescription) ||
+        !checksum.Read(key, kCacheChecksum)) {
         return false;
     }
     uint32_t supportsConfigure = 0;

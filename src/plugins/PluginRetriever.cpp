@@ -41,7 +41,8 @@ void CPluginRetriever::UnloadAll() {
 CTKVPluginRetriever::CTKVPluginRetriever(IPluginDirChangeReceiver* receiver, PreferencesMaker* maker)
     : CTKVPluginRetriever(receiver, maker, GetExecutableDirectory().Append(kPluginFolder).ToString().GetText()) {}
 
-CTKVPluginRetriever::CTKVPluginRetriever(IPluginDirChangeReceiver* receiver, PreferencesMaker* maker, const char* folder)
+CTKVPluginRetriever::CTKVPluginRetriever(IPluginDirChangeReceiver* receiver, PreferencesMaker* maker,
+                                         const char* folder)
     : CPluginRetriever(receiver, maker), Folder(folder) {
     Retrieve();
 }

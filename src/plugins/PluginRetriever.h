@@ -16,8 +16,7 @@ class PreferencesMaker;
 // `receiver` and `maker` may be null and outlive the retriever. [host]
 class CPluginRetriever {
 public:
-    CPluginRetriever(IPluginDirChangeReceiver* receiver, PreferencesMaker* maker)
-        : Receiver(receiver), maker_(maker) {}
+    CPluginRetriever(IPluginDirChangeReceiver* receiver, PreferencesMaker* maker) : Receiver(receiver), maker_(maker) {}
     CPluginRetriever(const CPluginRetriever&) = delete;
     CPluginRetriever& operator=(const CPluginRetriever&) = delete;
 

@@ -12,6 +12,7 @@
 #include "src/plugins/PreferencesMaker.h"
 #include "src/support/Module.h"
 #include "src/support/NQHeader.h"
+#include "src/support/RefPtr.h"
 #include "src/support/RegistryKey.h"
 
 namespace tdkviz {
@@ -23,7 +24,9 @@ constexpr std::chrono::milliseconds kRetryPause{1};
 // What a plug-in fills: one byte more than it is told of, so that there always is a terminator.
 using InfoBuffer = std::array<char, kPluginTextSize + 1>;
 
-CNQString CutText(const char* text) { return CNQString(text).Left(kMaxTextLength); }
+CNQString CutText(const char* text) {
+    return CNQString(text).Left(kMaxTextLength);
+}
 
 InfoBuffer BufferWith(const char* text) {
     InfoBuffer buffer{};
@@ -36,7 +39,9 @@ HRESULT ShowDialog(IMPAVisualization* held, MPAVizWindowRecord* parent) {
     return held->Configure(reinterpret_cast<HWND>(static_cast<uintptr_t>(parent->Window)));
 }
 
-HRESULT ShowDialog(IMPAVisualization2* held, MPAVizWindowRecord* parent) { return held->Configure(parent); }
+HRESULT ShowDialog(IMPAVisualization2* held, MPAVizWindowRecord* parent) {
+    return held->Configure(parent);
+}
 
 // Tries until `deadline`, at least once. By the machine's clock, whatever clock the program runs on.
 template <typename Condition>
@@ -115,18 +120,21 @@ HRESULT CVizPlugin::OnClick(uint32_t x, uint32_t y, uint32_t flags) {
     return Forward([&](auto* held) { return held->OnClick(x, y, flags); });
 }
 
-uint32_t CVizPlugin::GetRenderMode() { return RenderMode; }
+uint32_t CVizPlugin::GetRenderMode() {
+    return RenderMode;
+}
 
 bool CVizPlugin::CreateVisualization() {
     if (!Module) return false;
-    const auto factory =
-        reinterpret_cast<MPACreateVisualizationFunction>(reinterpret_cast<void*>(GetProcAddress(Module, kPluginFactoryName)));
+    const auto factory = reinterpret_cast<MPACreateVisualizationFunction>(
+        reinterpret_cast<void*>(GetProcAddress(Module, kPluginFactoryName)));
     if (!factory) return false;
     RefPtr<IUnknown> object;
     if (FAILED(factory(object.Receive()))) return false;
     DropInterfaces();
     if (!HoldInterface(object.Get())) return false;
-    return Visualization2 ? SetUp(Visualization2.Get()) : SetUp(Visualization.Get());
+    IMPAVisualization2* const two = Visualization2;
+    return two ? SetUp(two) : SetUp(Visualization.load());
 }
 
 const char* CVizPlugin::GetName() {
@@ -259,7 +267,8 @@ bool CVizPlugin::LoadLocked() {
     char checksum[kChecksumSize];
     uint32_t size = sizeof checksum;
     RegistryKey key;
-    if (ComputeChecksum(GetPath(), checksum, &size) && !CacheKey.IsEmpty() && key.Open(HKEY_CURRENT_USER, GetCacheKey())) {
+    if (ComputeChecksum(GetPath(), checksum, &size) && !CacheKey.IsEmpty() &&
+        key.Open(HKEY_CURRENT_USER, GetCacheKey())) {
         key.SetString(kCacheChecksum, checksum);
     }
     key.Close();
@@ -290,8 +299,8 @@ void CVizPlugin::WriteDescription() const {
 }
 
 bool CVizPlugin::HoldInterface(IUnknown* object) {
-    Visualization2 = QueryFor<IMPAVisualization2>(object, kIID_IMPAVisualization2);
-    if (!Visualization2) Visualization = QueryFor<IMPAVisualization>(object, kIID_IMPAVisualization);
+    Visualization2 = QueryFor<IMPAVisualization2>(object, kIID_IMPAVisualization2).Detach();
+    if (!Visualization2) Visualization = QueryFor<IMPAVisualization>(object, kIID_IMPAVisualization).Detach();
     return Visualization2 || Visualization;
 }
 
@@ -325,7 +334,9 @@ bool CVizPlugin::SetUp(Held* held) {
     return true;
 }
 
-void CVizPlugin::HandOver(IMPAVisualization* held) { held->SetHostString(HostString.GetText()); }
+void CVizPlugin::HandOver(IMPAVisualization* held) {
+    held->SetHostString(HostString.GetText());
+}
 
 void CVizPlugin::HandOver(IMPAVisualization2* held) {
     const auto preferences = RefPtr<IKVAPreferences>::Adopt(maker_ ? maker_->MakePreferences() : nullptr);
@@ -337,7 +348,8 @@ HRESULT CVizPlugin::Forward(Call call) {
     const CallScope scope(*this);
     if (!scope.MayCall()) return S_OK;
     try {
-        return Visualization ? call(Visualization.Get()) : call(Visualization2.Get());
+        IMPAVisualization* const one = Visualization;
+        return one ? call(one) : call(Visualization2.load());
     } catch (...) {
         return E_FAIL;  // a plug-in's fault must not end the host's thread
     }
@@ -346,9 +358,10 @@ HRESULT CVizPlugin::Forward(Call call) {
 template <typename Call>
 HRESULT CVizPlugin::ForwardToTwo(Call call) {
     const CallScope scope(*this);
-    if (!scope.MayCall() || !Visualization2) return S_OK;
+    IMPAVisualization2* const two = Visualization2;
+    if (!scope.MayCall() || !two) return S_OK;
     try {
-        return call(Visualization2.Get());
+        return call(two);
     } catch (...) {
         return E_FAIL;
     }
@@ -357,14 +370,11 @@ HRESULT CVizPlugin::ForwardToTwo(Call call) {
 bool CVizPlugin::DropInterfaces() {
     ready_ = false;
     const bool isUnused = WaitUntil(PatienceFromNow(), [this] { return calls_ == 0; });
-    if (isUnused) {
-        Visualization.Reset();
-        Visualization2.Reset();
-        return true;
-    }
-    (void)Visualization.Detach();
-    (void)Visualization2.Detach();
-    return false;
+    IMPAVisualization* const one = Visualization.exchange(nullptr);
+    IMPAVisualization2* const two = Visualization2.exchange(nullptr);
+    if (isUnused && one) one->Release();
+    if (isUnused && two) two->Release();
+    return isUnused;
 }
 
 bool CVizPlugin::LockBefore(std::chrono::steady_clock::time_point deadline) {

@@ -13,7 +13,6 @@
 #include "src/plugins/KeptText.h"
 #include "src/support/Mutex.h"
 #include "src/support/NQString.h"
-#include "src/support/RefPtr.h"
 #include "src/support/Relaxed.h"
 
 namespace tdkviz {
@@ -126,8 +125,8 @@ private:
 
     CNQString Path;
     CNQString HostString;
-    RefPtr<IMPAVisualization> Visualization;    // changes only while no call can be forwarded
-    RefPtr<IMPAVisualization2> Visualization2;  // the same
+    std::atomic<IMPAVisualization*> Visualization{nullptr};    // a reference
+    std::atomic<IMPAVisualization2*> Visualization2{nullptr};  // a reference
     HMODULE Module = nullptr;
     std::atomic<bool> Loaded{false};
     std::atomic<bool> InfoValid{false};
@@ -144,8 +143,8 @@ private:
 
     PreferencesMaker* const maker_;
     std::atomic<bool> ready_{false};  // calls are forwarded
-    std::atomic<int32_t> calls_{0};  // forwarded calls under way
-    bool abandoned_ = false;         // left in memory by Retire
+    std::atomic<int32_t> calls_{0};   // forwarded calls under way
+    bool abandoned_ = false;          // left in memory by Retire
 };
 
 }  // namespace tdkviz

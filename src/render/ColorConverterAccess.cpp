@@ -101,7 +101,8 @@ bool ColorConverterAccess::ResolveExports() {
 }
 
 void ColorConverterAccess::Initialize() {
-    if (const auto initialize = reinterpret_cast<InitColorConverterFunction>(Entries[kInitColorConverter])) initialize();
+    if (const auto initialize = reinterpret_cast<InitColorConverterFunction>(Entries[kInitColorConverter]))
+        initialize();
 }
 
 ColorConverterFunction ColorConverterAccess::FindConverter(uint32_t from, uint32_t to) const {

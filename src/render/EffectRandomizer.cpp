@@ -36,9 +36,7 @@ struct Curve {
     uint32_t StepShift;
     int32_t Lowest;
 
-    int32_t At(uint32_t seed) const {
-        return static_cast<int32_t>(((seed + Phase) % Period) >> StepShift) + Lowest;
-    }
+    int32_t At(uint32_t seed) const { return static_cast<int32_t>(((seed + Phase) % Period) >> StepShift) + Lowest; }
 };
 
 constexpr Curve kBlurCurve = {1000, 2557, 8, 1};

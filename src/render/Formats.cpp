@@ -112,7 +112,9 @@ const FormatRow* FindRow(uint32_t format) {
     return format < kFormatCount && kFormats[format].Valid ? &kFormats[format] : nullptr;
 }
 
-constexpr int64_t PadToFour(int64_t bytes) { return (bytes + 3) & ~int64_t{3}; }
+constexpr int64_t PadToFour(int64_t bytes) {
+    return (bytes + 3) & ~int64_t{3};
+}
 
 void CopyPalette(BitmapInfoRecord& info, const Descriptor& header, const PaletteColor* palette, uint32_t count) {
     const uint32_t full = 1u << header.BitCount;
@@ -150,12 +152,21 @@ uint32_t ImageSize(uint32_t format, int32_t height, int32_t width) {
     } else {
         switch (format) {
             case FormatI420:
-            case FormatYV12: bytes = (pixels * 3) >> 1; break;
-            case FormatYVU9: bytes = (pixels * 9) >> 3; break;
+            case FormatYV12:
+                bytes = (pixels * 3) >> 1;
+                break;
+            case FormatYVU9:
+                bytes = (pixels * 9) >> 3;
+                break;
             case FormatYUY2:
-            case FormatUYVY: bytes = pixels * 2; break;
-            case FormatYUVA: bytes = (pixels * 5) >> 1; break;
-            default: break;
+            case FormatUYVY:
+                bytes = pixels * 2;
+                break;
+            case FormatYUVA:
+                bytes = (pixels * 5) >> 1;
+                break;
+            default:
+                break;
         }
     }
     return bytes <= std::numeric_limits<uint32_t>::max() ? static_cast<uint32_t>(bytes) : 0;

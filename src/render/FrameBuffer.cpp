@@ -4,7 +4,9 @@
 
 namespace tdkviz {
 
-void FrameBuffer::FreeRaw::operator()(void* raw) const { std::free(raw); }
+void FrameBuffer::FreeRaw::operator()(void* raw) const {
+    std::free(raw);
+}
 
 bool FrameBuffer::Allocate(size_t bytes) {
     Free();

@@ -141,16 +141,15 @@ bool CVizWindow::IsOnOwnThread() const {
 
 bool CVizWindow::SetPlaying(bool playing) {
     const bool former = Playing.exchange(playing);
-    if (!former || playing) return former;
     const MutexLock lock(&SizeLock);
-    if (DrawsFrames && Surface && DisplayInfo.Header.biSizeImage != 0) {
-        if (frontInUse_ || backInUse_) {
-            wipePending_ = true;
-        } else {
-            Wipe();
-            Present(false);
-        }
-    }
+    const bool inFrame = frontInUse_ || backInUse_;
+    if (playing && !inFrame) wipePending_ = false;
+    if (!former || playing || !DrawsFrames || !Surface || DisplayInfo.Header.biSizeImage == 0) return former;
+    WipeSurface();
+    if (!inFrame) WipeFrames();
+    Present(false);
+    // A frame that is being made on the window's thread must not bring the picture back.
+    wipePending_ = inFrame || !IsOnOwnThread();
     return former;
 }
 

@@ -115,8 +115,8 @@ public:
     // Null: kMessageUnload does nothing. [not counted]
     void SetPluginUnloader(PluginUnloader* unloader) { unloader_ = unloader; }
     void SetShown(bool shown) { Shown = shown; }
-    // Gives the former value. The end of playing wipes the picture; within a frame that happens at its
-    // Present. [any]
+    // Gives the former value. The end of playing wipes the picture at once; a frame that is under way then
+    // comes out black. [any]
     bool SetPlaying(bool playing);
     // False for a plug-in that paints the window by itself; the buffers go and come by message. [any]
     void SetDrawsFrames(bool drawsFrames);
@@ -174,7 +174,7 @@ protected:
     FrameBuffer RawBuffer0, RawBuffer1;
     bool frontInUse_ = false;
     bool backInUse_ = false;
-    bool wipePending_ = false;
+    bool wipePending_ = false;  // the next frame comes out black
 
     // Guarded by receiverLock_.
     KVAWinMutex receiverLock_;
@@ -193,8 +193,10 @@ private:
     bool IsOnOwnThread() const;
     bool DeferDuringFrame(UINT message, WPARAM wParam, LPARAM lParam);
     void EndFrame();
+    void TakeFrame();
     void CopyFrameToSurface();
-    void Wipe();
+    void WipeSurface();
+    void WipeFrames();
     bool FrameFillsDisplay() const;
     RECT PictureInSurface() const;
     void TellReceivers(const CNQMapPtrToPtr& receivers, uint32_t x, uint32_t y, uint32_t flags);

@@ -44,14 +44,22 @@ LRESULT CALLBACK VizWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM 
     if (message == WM_CREATE) return 0;
     if (!object) return DefWindowProcA(window, message, wParam, lParam);
     switch (message) {
-        case WM_PAINT: return VizWindowMessages::Paint(*object, window, wParam, lParam);
-        case WM_CLOSE: return VizWindowMessages::Close(*object, window, wParam, lParam);
-        case WM_LBUTTONUP: return VizWindowMessages::LeftButton(*object, window, wParam, lParam);
-        case WM_RBUTTONUP: return VizWindowMessages::RightButton(*object, window, wParam, lParam);
-        case kMessageResize: return VizWindowMessages::Resize(*object, window, wParam, lParam);
-        case kMessageDrawsFrames: return VizWindowMessages::DrawsFrames(*object, window, wParam, lParam);
-        case kMessageUnload: return VizWindowMessages::Unload(*object, window, wParam, lParam);
-        default: return DefWindowProcA(window, message, wParam, lParam);
+        case WM_PAINT:
+            return VizWindowMessages::Paint(*object, window, wParam, lParam);
+        case WM_CLOSE:
+            return VizWindowMessages::Close(*object, window, wParam, lParam);
+        case WM_LBUTTONUP:
+            return VizWindowMessages::LeftButton(*object, window, wParam, lParam);
+        case WM_RBUTTONUP:
+            return VizWindowMessages::RightButton(*object, window, wParam, lParam);
+        case kMessageResize:
+            return VizWindowMessages::Resize(*object, window, wParam, lParam);
+        case kMessageDrawsFrames:
+            return VizWindowMessages::DrawsFrames(*object, window, wParam, lParam);
+        case kMessageUnload:
+            return VizWindowMessages::Unload(*object, window, wParam, lParam);
+        default:
+            return DefWindowProcA(window, message, wParam, lParam);
     }
 }
 

@@ -49,7 +49,8 @@ void CVizWindow::MakeFrameBuffers() {
 }
 
 void CVizWindow::MakeSurface() {
-    if (FillBitmapInfo(&DisplayInfo, sizeof(DisplayInfo), DisplayFormat, DisplayWidth, DisplayHeight, nullptr, 0) == 0) {
+    if (FillBitmapInfo(&DisplayInfo, sizeof(DisplayInfo), DisplayFormat, DisplayWidth, DisplayHeight, nullptr, 0) ==
+        0) {
         return;
     }
     Surface.reset(CreateVizSurface(&DisplayInfo));
@@ -111,21 +112,25 @@ void CVizWindow::Present(bool newFrame) {
     {
         const MutexLock lock(&SizeLock);
         if (!Rebuilding && Surface && DrawsFrames) {
-            if (newFrame) GdiFlush();  // the last blit may not have read the surface yet
-            if (wipePending_) {
-                Wipe();
-            } else if (newFrame && NeedsConversion && ConvertFrame && FrontPixels) {
-                ConvertFrame(Surface->Pixels, DisplayWidth, DisplayHeight, DisplayPitch, 0, 0, DisplayWidth,
-                             DisplayHeight, FrontPixels, FrameWidth, FrameHeight, FramePitch, 0, 0, FrameWidth,
-                             FrameHeight);
-            } else if (newFrame && !NeedsConversion && FrontPixels) {
-                CopyFrameToSurface();
-            }
+            if (newFrame) TakeFrame();
             const RECT window = {0, 0, DisplayWidth, DisplayHeight};
             if (WindowDC && MemoryDC) BlitVizSurface(WindowDC, MemoryDC, Surface.get(), PictureInSurface(), window);
         }
     }
     if (newFrame) EndFrame();
+}
+
+void CVizWindow::TakeFrame() {
+    GdiFlush();  // the last blit may not have read the surface yet
+    if (std::exchange(wipePending_, false)) {
+        WipeSurface();
+        WipeFrames();
+    } else if (NeedsConversion && ConvertFrame && FrontPixels) {
+        ConvertFrame(Surface->Pixels, DisplayWidth, DisplayHeight, DisplayPitch, 0, 0, DisplayWidth, DisplayHeight,
+                     FrontPixels, FrameWidth, FrameHeight, FramePitch, 0, 0, FrameWidth, FrameHeight);
+    } else if (!NeedsConversion && FrontPixels) {
+        CopyFrameToSurface();
+    }
 }
 
 // The whole surface if the frame has its size, else its first rows and columns.
@@ -149,9 +154,11 @@ RECT CVizWindow::PictureInSurface() const {
     return {0, DisplayHeight - FrameHeight, FrameWidth, DisplayHeight};
 }
 
-void CVizWindow::Wipe() {
-    wipePending_ = false;
+void CVizWindow::WipeSurface() {
     std::memset(Surface->Pixels, 0, DisplayInfo.Header.biSizeImage);
+}
+
+void CVizWindow::WipeFrames() {
     if (FrontPixels) std::memset(FrontPixels, 0, FrameInfo.Header.biSizeImage);
     if (BackPixels) std::memset(BackPixels, 0, FrameInfo.Header.biSizeImage);
 }

@@ -81,7 +81,8 @@ void CreateName(const char* shortName, char* out, uint32_t* size) {
     *size = 0;
     if (room > 0) out[0] = 0;
     if (std::strlen(shortName) + kLibraryNameExtra > room) return;
-    *size = static_cast<uint32_t>(std::snprintf(out, room, kLibraryNameFormat, shortName, kLibraryMajor, kLibraryMinor));
+    *size =
+        static_cast<uint32_t>(std::snprintf(out, room, kLibraryNameFormat, shortName, kLibraryMajor, kLibraryMinor));
 }
 
 }  // namespace tdkviz

@@ -31,9 +31,13 @@ char* WriteText(char* place, const CNQString& text) {
 
 }  // namespace
 
-uint32_t DLLAccessPath::AddRef() { return RefCount.Add(); }
+uint32_t DLLAccessPath::AddRef() {
+    return RefCount.Add();
+}
 
-uint32_t DLLAccessPath::Release() { return static_cast<uint32_t>(RefCount.Remove()); }
+uint32_t DLLAccessPath::Release() {
+    return static_cast<uint32_t>(RefCount.Remove());
+}
 
 HRESULT DLLAccessPath::SetPath(const char* name, const char* folder) {
     if (!folder || *folder == 0) return S_OK;

@@ -4,9 +4,13 @@
 
 namespace tdkviz {
 
-KVAWinMutex::KVAWinMutex() { InitializeCriticalSection(&section_); }
+KVAWinMutex::KVAWinMutex() {
+    InitializeCriticalSection(&section_);
+}
 
-KVAWinMutex::~KVAWinMutex() { DeleteCriticalSection(&section_); }
+KVAWinMutex::~KVAWinMutex() {
+    DeleteCriticalSection(&section_);
+}
 
 HRESULT KVAWinMutex::Lock() {
     EnterCriticalSection(&section_);
@@ -18,7 +22,9 @@ HRESULT KVAWinMutex::Unlock() {
     return S_OK;
 }
 
-HRESULT KVAWinMutex::TryLock() { return TryEnterCriticalSection(&section_) ? S_OK : E_FAIL; }
+HRESULT KVAWinMutex::TryLock() {
+    return TryEnterCriticalSection(&section_) ? S_OK : E_FAIL;
+}
 
 HRESULT CreateInstanceMutex(KVAMutex** mutex) {
     *mutex = new (std::nothrow) KVAWinMutex;

@@ -25,7 +25,9 @@ HRESULT CNQBuffer::QueryInterface(const GUID& id, void** out) {
     return S_OK;
 }
 
-ULONG CNQBuffer::AddRef() { return RefCount.Add(); }
+ULONG CNQBuffer::AddRef() {
+    return RefCount.Add();
+}
 
 ULONG CNQBuffer::Release() {
     const int32_t left = RefCount.Remove();
@@ -46,11 +48,17 @@ HRESULT CNQBuffer::SetContents(const void* data, uint32_t size) {
     return result;
 }
 
-HRESULT CNQBuffer::SetSize(uint32_t size) { return Resize(size, true); }
+HRESULT CNQBuffer::SetSize(uint32_t size) {
+    return Resize(size, true);
+}
 
-uint32_t CNQBuffer::GetSize() { return CurrentSize(); }
+uint32_t CNQBuffer::GetSize() {
+    return CurrentSize();
+}
 
-void* CNQBuffer::GetBuffer() { return IsOnHeap() ? HeapData() : Storage; }
+void* CNQBuffer::GetBuffer() {
+    return IsOnHeap() ? HeapData() : Storage;
+}
 
 void* CNQBuffer::HeapData() const {
     void* data;

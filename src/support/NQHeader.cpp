@@ -23,7 +23,9 @@ HRESULT CNQHeader::QueryInterface(const GUID& id, void** out) {
     return S_OK;
 }
 
-ULONG CNQHeader::AddRef() { return RefCount.Add(); }
+ULONG CNQHeader::AddRef() {
+    return RefCount.Add();
+}
 
 ULONG CNQHeader::Release() {
     const int32_t left = RefCount.Remove();
@@ -47,15 +49,21 @@ HRESULT CNQHeader::GetNumber(const char* key, uint32_t* value) {
     return S_OK;
 }
 
-HRESULT CNQHeader::GetFirstNumber(const char** key, uint32_t* value) { return NumberFrom(0, key, value); }
+HRESULT CNQHeader::GetFirstNumber(const char** key, uint32_t* value) {
+    return NumberFrom(0, key, value);
+}
 
 HRESULT CNQHeader::GetNextNumber(const char** key, uint32_t* value) {
     return NumberCursor == kAtEnd ? E_FAIL : NumberFrom(NumberCursor + 1, key, value);
 }
 
-HRESULT CNQHeader::SetBufferValue(const char* key, IKVABuffer* buffer) { return SetSlot(&Entry::Buffer, key, buffer); }
+HRESULT CNQHeader::SetBufferValue(const char* key, IKVABuffer* buffer) {
+    return SetSlot(&Entry::Buffer, key, buffer);
+}
 
-HRESULT CNQHeader::GetBufferValue(const char* key, IKVABuffer** buffer) { return GetSlot(&Entry::Buffer, key, buffer); }
+HRESULT CNQHeader::GetBufferValue(const char* key, IKVABuffer** buffer) {
+    return GetSlot(&Entry::Buffer, key, buffer);
+}
 
 HRESULT CNQHeader::GetFirstBufferValue(const char** key, IKVABuffer** buffer) {
     return SlotFrom(BufferCursor, 0, &Entry::Buffer, key, buffer);
@@ -65,9 +73,13 @@ HRESULT CNQHeader::GetNextBufferValue(const char** key, IKVABuffer** buffer) {
     return BufferCursor == kAtEnd ? E_FAIL : SlotFrom(BufferCursor, BufferCursor + 1, &Entry::Buffer, key, buffer);
 }
 
-HRESULT CNQHeader::SetTextValue(const char* key, IKVABuffer* text) { return SetSlot(&Entry::Text, key, text); }
+HRESULT CNQHeader::SetTextValue(const char* key, IKVABuffer* text) {
+    return SetSlot(&Entry::Text, key, text);
+}
 
-HRESULT CNQHeader::GetTextValue(const char* key, IKVABuffer** text) { return GetSlot(&Entry::Text, key, text); }
+HRESULT CNQHeader::GetTextValue(const char* key, IKVABuffer** text) {
+    return GetSlot(&Entry::Text, key, text);
+}
 
 HRESULT CNQHeader::GetFirstTextValue(const char** key, IKVABuffer** text) {
     return SlotFrom(TextCursor, 0, &Entry::Text, key, text);
@@ -82,7 +94,9 @@ int CNQHeader::Compare(const char* a, const char* b) const {
 }
 
 size_t CNQHeader::LowerBound(const char* key) const {
-    const auto isBelow = [this](const Entry& entry, const char* wanted) { return Compare(entry.Key.get(), wanted) < 0; };
+    const auto isBelow = [this](const Entry& entry, const char* wanted) {
+        return Compare(entry.Key.get(), wanted) < 0;
+    };
     return static_cast<size_t>(std::lower_bound(Entries.begin(), Entries.end(), key, isBelow) - Entries.begin());
 }
 

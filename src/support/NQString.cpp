@@ -21,7 +21,9 @@ int32_t TextLength(const char* text) {
 
 }  // namespace
 
-CNQString::CNQString(const char* text) { Assign(text, TextLength(text)); }
+CNQString::CNQString(const char* text) {
+    Assign(text, TextLength(text));
+}
 
 CNQString::CNQString(const char* text, int32_t length) {
     if (!text) length = 0;
@@ -39,7 +41,9 @@ CNQString::CNQString(const CNQString& other) {
     }
 }
 
-CNQString::CNQString(CNQString&& other) noexcept : CNQString() { std::swap(bytes_, other.bytes_); }
+CNQString::CNQString(CNQString&& other) noexcept : CNQString() {
+    std::swap(bytes_, other.bytes_);
+}
 
 CNQString& CNQString::operator=(const CNQString& other) {
     CNQString copy(other);
@@ -78,7 +82,9 @@ CNQString CNQString::Mid(int32_t start, int32_t count) const {
     return CNQString(GetText() + from, std::clamp(count, 0, GetLength() - from));
 }
 
-CNQString CNQString::Left(int32_t count) const { return Mid(0, count); }
+CNQString CNQString::Left(int32_t count) const {
+    return Mid(0, count);
+}
 
 CNQString CNQString::Right(int32_t count) const {
     const int32_t taken = std::clamp(count, 0, GetLength());
@@ -131,10 +137,13 @@ CNQString operator+(const CNQString& a, char b) {
 }
 
 bool operator==(const CNQString& a, const CNQString& b) {
-    return a.GetLength() == b.GetLength() && std::memcmp(a.GetText(), b.GetText(), static_cast<size_t>(a.GetLength())) == 0;
+    return a.GetLength() == b.GetLength() &&
+           std::memcmp(a.GetText(), b.GetText(), static_cast<size_t>(a.GetLength())) == 0;
 }
 
-bool operator==(const CNQString& a, const char* b) { return std::strcmp(a.GetText(), b ? b : "") == 0; }
+bool operator==(const CNQString& a, const char* b) {
+    return std::strcmp(a.GetText(), b ? b : "") == 0;
+}
 
 char* CNQString::SharedText() const {
     uintptr_t address = 0;
@@ -147,7 +156,9 @@ int32_t CNQString::SharedLength() const {
     return header[0] | header[1] << kByteBits | header[2] << 2 * kByteBits;
 }
 
-uint8_t& CNQString::SharerCount() const { return reinterpret_cast<uint8_t*>(SharedText())[-1]; }
+uint8_t& CNQString::SharerCount() const {
+    return reinterpret_cast<uint8_t*>(SharedText())[-1];
+}
 
 void CNQString::SetInlineLength(int32_t length) {
     bytes_[kFormByte] = static_cast<uint8_t>(kInlineRoom - length);
@@ -209,8 +220,8 @@ void CNQString::MakeRoom(int32_t room) {
         return;
     }
     if (room <= SharedLength()) return;
-    auto* block = static_cast<char*>(
-        std::realloc(SharedText() - kBlockHeader, kBlockHeader + static_cast<size_t>(room) + 1));
+    auto* block =
+        static_cast<char*>(std::realloc(SharedText() - kBlockHeader, kBlockHeader + static_cast<size_t>(room) + 1));
     if (!block) throw std::bad_alloc();
     PointTo(block + kBlockHeader);
 }

@@ -41,7 +41,9 @@ const char* SkipName(const char* p) {
 
 }  // namespace
 
-bool IsSeparator(char c) { return c == kBackslash || c == kSlash; }
+bool IsSeparator(char c) {
+    return c == kBackslash || c == kSlash;
+}
 
 char PathSeparator() {
     static const char separator = FindPathSeparator();
@@ -60,7 +62,9 @@ const char* FileNamePart(const char* path) {
     return name;
 }
 
-PathName::PathName(const char* text) : text_(text) { Parse(); }
+PathName::PathName(const char* text) : text_(text) {
+    Parse();
+}
 
 PathName PathName::GetDirectory() const {
     return empty_ ? PathName() : PathName(text_.Left(rootLength_ + directoryLength_).GetText());

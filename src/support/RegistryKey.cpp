@@ -20,7 +20,9 @@ void CopyFilled(char* out, const char* text, uint32_t size) {
 
 }  // namespace
 
-RegistryKey::~RegistryKey() { Close(); }
+RegistryKey::~RegistryKey() {
+    Close();
+}
 
 bool RegistryKey::Open(HKEY root, const char* subKey) {
     Close();
@@ -78,8 +80,8 @@ bool RegistryKey::GetNumber(const char* name, uint32_t fallback, uint32_t* out) 
 
 bool RegistryKey::HasValues() const {
     DWORD values = 0;
-    const LSTATUS status = RegQueryInfoKeyA(key_, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &values, nullptr,
-                                            nullptr, nullptr, nullptr);
+    const LSTATUS status = RegQueryInfoKeyA(key_, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &values,
+                                            nullptr, nullptr, nullptr, nullptr);
     return status == ERROR_SUCCESS && values > 0;
 }
 

@@ -47,7 +47,9 @@ CStringTable::Node* CStringTable::Insert(const char* key, uint32_t value) {
     return head;
 }
 
-CStringTable::Node* CStringTable::Find(const char* key) const { return FindIn(key, hash_(key)); }
+CStringTable::Node* CStringTable::Find(const char* key) const {
+    return FindIn(key, hash_(key));
+}
 
 CStringTable::Node* CStringTable::FindIn(const char* key, uint32_t hash) const {
     Node* node = table_[hash % GetBucketCount()];

@@ -37,7 +37,9 @@ const char* NextChar(const char* p) {
     return next != p ? next : p + 1;
 }
 
-char* NextChar(char* p) { return const_cast<char*>(NextChar(static_cast<const char*>(p))); }
+char* NextChar(char* p) {
+    return const_cast<char*>(NextChar(static_cast<const char*>(p)));
+}
 
 const char* FindChar(const char* text, char c) {
     if (!text) return nullptr;
@@ -49,6 +51,8 @@ const char* FindLastChar(const char* text, char c) {
     return HasDoubleByteCodePage() ? WalkFor<true>(text, c) : std::strrchr(text, c);
 }
 
-bool IsLeadByte(uint8_t b) { return HasDoubleByteCodePage() && _ismbblead(b) != 0; }
+bool IsLeadByte(uint8_t b) {
+    return HasDoubleByteCodePage() && _ismbblead(b) != 0;
+}
 
 }  // namespace tdkviz

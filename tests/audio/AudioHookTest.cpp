@@ -28,8 +28,8 @@ TEST(AudioHook, AnswersForItsInterfaces) {
     IUnknown* const primary = static_cast<IKVAAudioHook*>(&hook);
     IUnknown* const secondary = static_cast<ITKAudioHook*>(&hook);
     const std::pair<GUID, IUnknown*> cases[] = {
-        {kIID_IUnknown, primary},          {kIID_IKVAAudioHook, primary}, {kIID_IKVAAudioHookAlias, primary},
-        {kIID_ITKAudioHook, secondary},    {kIID_ITKPlayer, nullptr},
+        {kIID_IUnknown, primary},       {kIID_IKVAAudioHook, primary}, {kIID_IKVAAudioHookAlias, primary},
+        {kIID_ITKAudioHook, secondary}, {kIID_ITKPlayer, nullptr},
     };
     for (IUnknown* asked : {primary, secondary}) {
         for (const auto& [id, expected] : cases) {

@@ -165,9 +165,12 @@ TEST_F(AudioProcessor, ShowsOddFormatsAsWhatTheyAre) {
             }
             // 100 ms back, at the first whole sample frame from the first multiple of 4 on.
             const int lag = 4800 * frameBytes;
-            const auto sample = [&](size_t at) { return bits == 8 ? stream[at] - 128 : static_cast<int8_t>(stream[at + 1]); };
+            const auto sample = [&](size_t at) {
+                return bits == 8 ? stream[at] - 128 : static_cast<int8_t>(stream[at + 1]);
+            };
             // Places count from the start of the ring, which starts a round at a multiple of its size.
-            const RingLayout sizes = LayoutRing({static_cast<uint16_t>(channels), static_cast<uint16_t>(bits), 48000, 960, 0}, 0.1, 20);
+            const RingLayout sizes =
+                LayoutRing({static_cast<uint16_t>(channels), static_cast<uint16_t>(bits), 48000, 960, 0}, 0.1, 20);
             const size_t round = size / sizes.RingSize * sizes.RingSize;
             size_t start = (size - lag - (round - sizes.RingSize) + 3) / 4 * 4;
             start = (start + frameBytes - 1) / frameBytes * frameBytes + round - sizes.RingSize;

@@ -43,8 +43,8 @@ TEST(RingLayout, SizesFollowFromTheFormat) {
         {{2, 16, 44100, 4096, 0}, 4294967.295, 20, 176400, 1 << 26, 8820, 2048, 1024},
     };
     for (const LayoutCase& c : cases) {
-        SCOPED_TRACE(testing::Message() << c.Format.Channels << " channels, " << c.Format.BitsPerSample << " bits, block "
-                                        << c.Format.BlockSize << ", delay " << c.Delay);
+        SCOPED_TRACE(testing::Message() << c.Format.Channels << " channels, " << c.Format.BitsPerSample
+                                        << " bits, block " << c.Format.BlockSize << ", delay " << c.Delay);
         const RingLayout sizes = LayoutRing(c.Format, c.Delay, c.FrameRate);
         EXPECT_EQ(sizes.BytesPerSecond, c.BytesPerSecond);
         EXPECT_EQ(sizes.RingSize, c.RingSize);
@@ -83,8 +83,8 @@ TEST(AudioRing, HoldsTheEndOfTheStreamAtEverySize) {
     std::mt19937 random(11);
     const auto upTo = [&](uint32_t limit) { return static_cast<uint32_t>(random() % (limit + 1)); };
     for (int round = 0; round < 300; ++round) {
-        const KVAAudioFormat format{static_cast<uint16_t>(upTo(7)), static_cast<uint16_t>(upTo(1) ? 8 : 16), 8000 + upTo(4000),
-                                    static_cast<uint16_t>(upTo(900)), 0};
+        const KVAAudioFormat format{static_cast<uint16_t>(upTo(7)), static_cast<uint16_t>(upTo(1) ? 8 : 16),
+                                    8000 + upTo(4000), static_cast<uint16_t>(upTo(900)), 0};
         const RingLayout sizes = LayoutRing(format, upTo(3) ? upTo(100) / 1000.0 : 0.0, 10 + upTo(20));
         AudioRing ring(sizes);
         if (ring.IsEmpty()) {
@@ -96,8 +96,12 @@ TEST(AudioRing, HoldsTheEndOfTheStreamAtEverySize) {
         ASSERT_EQ(sizes.RingSize % 4, 0);
         Model model{sizes};
         for (int step = 0; step < 12; ++step) {
-            const uint32_t kinds[] = {0, upTo(40), upTo(sizes.RingSize), sizes.RingSize - static_cast<uint32_t>(model.Written % sizes.RingSize),
-                                      static_cast<uint32_t>(sizes.RingSize), upTo(4 * sizes.RingSize)};
+            const uint32_t kinds[] = {0,
+                                      upTo(40),
+                                      upTo(sizes.RingSize),
+                                      sizes.RingSize - static_cast<uint32_t>(model.Written % sizes.RingSize),
+                                      static_cast<uint32_t>(sizes.RingSize),
+                                      upTo(4 * sizes.RingSize)};
             const uint32_t size = kinds[upTo(5)];
             ring.Write(StreamBytes(model.Written, size).data(), size);
             model.Written += size;
@@ -108,7 +112,8 @@ TEST(AudioRing, HoldsTheEndOfTheStreamAtEverySize) {
                 const uint8_t* block = ring.CutBlock();
                 const int64_t unit = std::max(sizes.FrameBytes, 1);
                 const int64_t start = (model.Read + unit - 1) / unit * unit;
-                for (int i = 0; i < sizes.BlockBytes; ++i) ASSERT_EQ(block[i], model.At(start + i)) << round << " at " << i;
+                for (int i = 0; i < sizes.BlockBytes; ++i)
+                    ASSERT_EQ(block[i], model.At(start + i)) << round << " at " << i;
                 model.Read = (model.Read + sizes.FrameStep) % sizes.RingSize;
             }
         }

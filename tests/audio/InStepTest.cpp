@@ -52,7 +52,9 @@ private:
         for (int64_t distance = 0; distance < 3 * kRate; ++distance) {
             for (const int64_t position : {heard_ + distance, heard_ - distance}) {
                 int i = 0;
-                while (i < 32 && frame.WaveformLeft[i] == static_cast<int8_t>(StreamByte((position + i) * kFrameBytes + 1))) ++i;
+                while (i < 32 &&
+                       frame.WaveformLeft[i] == static_cast<int8_t>(StreamByte((position + i) * kFrameBytes + 1)))
+                    ++i;
                 if (i == 32) return position;
             }
         }

@@ -61,7 +61,8 @@ TEST(SpectrumAnalyser, AgreesWithTheSumFormula) {
 TEST(SpectrumAnalyser, KnownPictures) {
     Block click(512), sine(512);
     click[255] = 32767;
-    for (int n = 0; n < 512; ++n) sine[n] = static_cast<int16_t>(std::lround(1000 * std::sin(pi / 256 * (n + 0.5) * 40.5)));
+    for (int n = 0; n < 512; ++n)
+        sine[n] = static_cast<int16_t>(std::lround(1000 * std::sin(pi / 256 * (n + 0.5) * 40.5)));
     const auto clickBands = SpectrumOf(click);
     EXPECT_EQ(clickBands[0], 126);
     EXPECT_EQ(clickBands[1], 124);
@@ -76,7 +77,7 @@ TEST(SpectrumAnalyser, KnownPictures) {
 }
 
 TEST(SpectrumAnalyser, LoudnessScale) {
-    const std::pair<float, int> cases[] = {{0.0F, 0},   {1.0F, 0},   {3162.0F, 0},  {10000.0F, 20},
+    const std::pair<float, int> cases[] = {{0.0F, 0},   {1.0F, 0},    {3162.0F, 0},  {10000.0F, 20},
                                            {1e8F, 180}, {1e10F, 255}, {7.9e9F, 255}, {4e12F, 255}};
     for (const auto& [energy, loudness] : cases) EXPECT_EQ(LoudnessOfEnergy(energy), loudness) << energy;
     for (double energy = 1; energy < 1e10; energy *= 1.013) {

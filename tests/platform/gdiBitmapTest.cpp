@@ -57,10 +57,10 @@ TEST(Bitmap, SectionsShareTheBytesOfTheirMapping) {
     ASSERT_NE(nullptr, whole);
     ASSERT_NE(nullptr, shifted);
     // An offset behind the first page, and the last bytes of the mapping.
-    void* far = nullptr;
-    const HBITMAP last = CreateDIBSection(nullptr, info.Info(), DIB_RGB_COLORS, &far, mapping, 20000 - 64);
+    void* distant = nullptr;
+    const HBITMAP last = CreateDIBSection(nullptr, info.Info(), DIB_RGB_COLORS, &distant, mapping, 20000 - 64);
     EXPECT_NE(nullptr, last);
-    static_cast<uint32_t*>(far)[15] = 5;
+    static_cast<uint32_t*>(distant)[15] = 5;
     static_cast<uint32_t*>(first)[3] = 0x123456;
     EXPECT_EQ(0x123456u, static_cast<uint32_t*>(second)[1]);
     // Drawing is seen through the mapping as well.

@@ -147,10 +147,10 @@ TEST(Blit, NothingComesOfExtentsThatReachNowhere) {
     from.FillWithNoise(1);
     to.FillWithNoise(2);
     const std::vector<uint32_t> before = to.Picture();
-    const int far = 0x7FFFFFFF;
+    const int distant = 0x7FFFFFFF;
     BitBlt(to.dc, 0, 0, 0, 4, from.dc, 0, 0, SRCCOPY);
-    BitBlt(to.dc, far, far, far, far, from.dc, 0, 0, SRCCOPY);
-    BitBlt(to.dc, 0, 0, 4, 4, from.dc, far, -far, SRCCOPY);
+    BitBlt(to.dc, distant, distant, distant, distant, from.dc, 0, 0, SRCCOPY);
+    BitBlt(to.dc, 0, 0, 4, 4, from.dc, distant, -distant, SRCCOPY);
     StretchBlt(to.dc, 0, 0, 4, 4, from.dc, 0, 0, 0, 0, SRCCOPY);
     EXPECT_EQ("", FirstDifference(to, before));
     EXPECT_FALSE(BitBlt(nullptr, 0, 0, 4, 4, from.dc, 0, 0, SRCCOPY));

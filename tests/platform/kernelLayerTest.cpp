@@ -143,8 +143,12 @@ void ATimeOutOfAThreadOfTheProgramFallsDueToo() {
     EXPECT_GE(GetTickCount(), 2000u);
 }
 
-TEST(SteppedClock, SleepersFallDueInOrder) { RunWithSteppedClock(SleepersFallDueInOrder); }
-TEST(SteppedClock, WhatFollowsFromATickHappensAtItsTime) { RunWithSteppedClock(WhatFollowsFromATickHappensAtItsTime); }
+TEST(SteppedClock, SleepersFallDueInOrder) {
+    RunWithSteppedClock(SleepersFallDueInOrder);
+}
+TEST(SteppedClock, WhatFollowsFromATickHappensAtItsTime) {
+    RunWithSteppedClock(WhatFollowsFromATickHappensAtItsTime);
+}
 
 TEST(SteppedClock, ATimeOutOfAThreadOfTheProgramFallsDueToo) {
     RunWithSteppedClock(ATimeOutOfAThreadOfTheProgramFallsDueToo);
@@ -204,12 +208,37 @@ size_t ThreadsOfThisProcess() {
     return count;
 }
 
-DWORD WINAPI ReturnAtOnce(LPVOID) { return 0; }
+DWORD WINAPI ReturnAtOnce(LPVOID) {
+    return 0;
+}
 DWORD WINAPI LoopForever(LPVOID) {
     static std::atomic<unsigned> turns{0};
     for (;;) {
         turns.fetch_add(1, std::memory_order_relaxed);
     }
+}
+
+DWORD WINAPI AllocateForever(LPVOID event) {
+    for (size_t turn = 0;; ++turn) {
+        std::vector<std::string> texts(20, std::string(turn * 37 % 5000 + 1, 'x'));
+        SetEvent(event);
+    }
+}
+
+// The heap's lock would stay with the thread that held it, and the next allocation never come back.
+TEST(LayerThreads, TerminationKeepsClearOfTheHeap) {
+    const HANDLE running = CreateEventA(nullptr, FALSE, FALSE, nullptr);
+    for (int round = 0; round < 20; ++round) {
+        const HANDLE thread = CreateThread(nullptr, 0, AllocateForever, running, 0, nullptr);
+        EXPECT_EQ(WaitForSingleObject(running, INFINITE), WAIT_OBJECT_0);
+        EXPECT_TRUE(TerminateThread(thread, 0));
+        CloseHandle(thread);
+        std::vector<std::string> texts;
+        for (size_t size = 1; size < 100; ++size) {
+            texts.emplace_back(size * 50, 'y');
+        }
+    }
+    CloseHandle(running);
 }
 
 TEST(LayerCounts, NothingIsLeftOfThreadsAndHandles) {

@@ -49,9 +49,13 @@ DWORD WINAPI SetForever(LPVOID event) {
     }
 }
 
-DWORD WINAPI ReturnArgument(LPVOID argument) { return static_cast<DWORD>(reinterpret_cast<UINT_PTR>(argument)); }
+DWORD WINAPI ReturnArgument(LPVOID argument) {
+    return static_cast<DWORD>(reinterpret_cast<UINT_PTR>(argument));
+}
 
-DWORD WINAPI ReturnOwnId(LPVOID) { return GetCurrentThreadId(); }
+DWORD WINAPI ReturnOwnId(LPVOID) {
+    return GetCurrentThreadId();
+}
 
 HANDLE Start(LPTHREAD_START_ROUTINE entry, LPVOID argument) {
     entered.store(false);

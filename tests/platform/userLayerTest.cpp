@@ -168,7 +168,8 @@ TEST(UserLayer, KeysGoToTheFocusAndBecomeCharacters) {
     Drain();
     const auto keys = windows.Take({WM_KEYDOWN, WM_KEYUP, WM_CHAR});
     ASSERT_EQ(keys.size(), 4u);
-    const std::pair<UINT, WPARAM> wanted[] = {{WM_KEYDOWN, 'A'}, {WM_CHAR, 'a'}, {WM_KEYDOWN, VK_LEFT}, {WM_KEYUP, 'A'}};
+    const std::pair<UINT, WPARAM> wanted[] = {
+        {WM_KEYDOWN, 'A'}, {WM_CHAR, 'a'}, {WM_KEYDOWN, VK_LEFT}, {WM_KEYUP, 'A'}};
     for (size_t i = 0; i < keys.size(); ++i) {
         EXPECT_EQ(keys[i].window, child);
         EXPECT_EQ(std::make_pair(keys[i].message, keys[i].wParam), wanted[i]) << i;

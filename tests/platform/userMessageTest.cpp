@@ -220,6 +220,8 @@ TEST(UserMessages, TimersComeAfterEverythingElse) {
     EXPECT_EQ(message.message, UINT{WM_TIMER});
     EXPECT_EQ(message.wParam, WPARAM{5});
     ASSERT_TRUE(GetMessageA(&message, window, WM_TIMER, WM_TIMER)) << "a second one, waited for";
+    EXPECT_EQ(MsgWaitForMultipleObjects(0, nullptr, FALSE, 0, QS_TIMER), DWORD{WAIT_TIMEOUT});
+    EXPECT_EQ(MsgWaitForMultipleObjects(0, nullptr, FALSE, 5000, QS_TIMER), DWORD{WAIT_OBJECT_0});
     EXPECT_TRUE(KillTimer(window, 5));
     EXPECT_FALSE(KillTimer(window, 5));
     Sleep(20);

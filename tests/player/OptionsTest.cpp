@@ -20,9 +20,9 @@ TEST(Options, TakeWhatIsGivenAndLeaveTheRestToTheUser) {
     EXPECT_EQ(plain->Output, "auto");
 
     const std::optional<Options> full =
-        Parse({"--viz",      "bars",        "--size", "320x240",    "--fps",      "25",         "--effects",
-               "ON",         "--randomize", "off",    "--snapshot", "b.png",      "--at",       "7.5",
-               "--snapshot", "a.png",       "--at",   "2",          "--headless", "--no-audio", "song.flac"});
+        Parse({"--viz",      "bars",        "--size", "320x240",    "--fps",     "25",         "--effects",
+               "ON",         "--randomize", "off",    "--snapshot", "b.png",     "--at",       "7.5",
+               "--snapshot", "a.png",       "--at",   "2",          "song.flac", "--headless", "--no-audio"});
     ASSERT_TRUE(full);
     EXPECT_EQ(full->File, "song.flac");
     EXPECT_EQ(full->Plugin, "bars");

@@ -19,10 +19,12 @@ std::vector<std::string> Scan(const TemporaryFolder& folder) {
 TEST(FolderScan, FindsPlainFilesSortedWithoutCase) {
     const TemporaryFolder folder;
     EXPECT_TRUE(Scan(folder).empty());
-    for (const char* name : {"C.tkv", "b.tkv", "readme.txt", "sub/deep/a.TKV", ".hidden.tkv", ".git/x.tkv", "no extension"}) {
+    for (const char* name :
+         {"C.tkv", "b.tkv", "readme.txt", "sub/deep/a.TKV", ".hidden.tkv", ".git/x.tkv", "no extension"}) {
         folder.Write(name, "");
     }
-    EXPECT_EQ(Scan(folder), (std::vector<std::string>{"b.tkv", "C.tkv", "no extension", "readme.txt", "sub/deep/a.TKV"}));
+    EXPECT_EQ(Scan(folder),
+              (std::vector<std::string>{"b.tkv", "C.tkv", "no extension", "readme.txt", "sub/deep/a.TKV"}));
     std::vector<std::string> files = {"kept"};
     ScanFolder(folder.File("missing").c_str(), files);
     EXPECT_EQ(files, std::vector<std::string>{"kept"});
@@ -38,8 +40,10 @@ TEST(FolderScan, EndsInAFolderLinkedIntoItself) {
 }
 
 TEST(FolderScan, PluginFiles) {
-    for (const char* path : {"/x/a.tkv", "a.TKV", "C:\\x.y\\a.b.Tkv", "/x/.tkv"}) EXPECT_TRUE(IsPluginFile(path)) << path;
-    for (const char* path : {"/x/a.tkv2", "a.txt", "tkv", "/x.tkv/a", "a.tkv/", ""}) EXPECT_FALSE(IsPluginFile(path)) << path;
+    for (const char* path : {"/x/a.tkv", "a.TKV", "C:\\x.y\\a.b.Tkv", "/x/.tkv"})
+        EXPECT_TRUE(IsPluginFile(path)) << path;
+    for (const char* path : {"/x/a.tkv2", "a.txt", "tkv", "/x.tkv/a", "a.tkv/", ""})
+        EXPECT_FALSE(IsPluginFile(path)) << path;
 }
 
 }  // namespace

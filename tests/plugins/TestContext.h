@@ -66,4 +66,6 @@ inline std::string TestPluginPath(const std::string& name) {
     return (std::filesystem::path(TEST_PLUGIN_DIR) / name).string();
 }
 
-inline void EmptyPluginCache() { RegDeleteTreeA(HKEY_CURRENT_USER, "Software\\Corvane\\Visualizations"); }
+inline void EmptyPluginCache() {
+    RegDeleteTreeA(HKEY_CURRENT_USER, "Software\\Corvane\\Visualizations");
+}

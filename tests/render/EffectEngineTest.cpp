@@ -18,13 +18,15 @@ constexpr size_t kGuard = 64;
 class Source {
 public:
     uint32_t Below(uint32_t limit) { return random_() % limit; }
-    int32_t Between(int32_t low, int32_t high) { return low + static_cast<int32_t>(Below(static_cast<uint32_t>(high - low + 1))); }
+    int32_t Between(int32_t low, int32_t high) {
+        return low + static_cast<int32_t>(Below(static_cast<uint32_t>(high - low + 1)));
+    }
     bool Flag() { return Below(2) != 0; }
     uint32_t Word() { return random_(); }
     // A value such as a user sets, or now and then one from the ends of the range.
     int32_t Value(int32_t low, int32_t high, bool extremes) {
-        constexpr int32_t kExtremes[] = {INT32_MIN, INT32_MAX, INT32_MIN + 1, 0x00800000, -0x00800000, 0x007FFFFF,
-                                         0x01000001, 257, -257, 1 << 16, 65535, -65536};
+        constexpr int32_t kExtremes[] = {INT32_MIN,  INT32_MAX, INT32_MIN + 1, 0x00800000, -0x00800000, 0x007FFFFF,
+                                         0x01000001, 257,       -257,          1 << 16,    65535,       -65536};
         if (extremes && Below(3) == 0) {
             const uint32_t pick = Below(std::size(kExtremes) + 1);
             return pick < std::size(kExtremes) ? kExtremes[pick] : static_cast<int32_t>(Word());
@@ -65,11 +67,12 @@ std::string Describe(const VizEffectParams& p, const ModelFrame& frame, uint32_t
     const auto part = [](const char* name, bool on, int64_t a, int64_t b = 0) {
         return std::string(" ") + name + (on ? "+" : "-") + std::to_string(a) + "," + std::to_string(b);
     };
-    return std::to_string(frame.width) + "x" + std::to_string(frame.height) + "x" + std::to_string(frame.bytesPerPixel) +
-           part("zoom", p.Zoom, p.ZoomX, p.ZoomY) + part("slide", p.Slide, p.SlideX, p.SlideY) +
-           part("rotate", p.Rotate, p.RotateSpeed) + part("blur", p.Blur, p.BlurAmount) +
-           part("fade", p.Fade, p.FadeTime, p.FadeColor) + part("edge", p.AutoEdge, p.ClampEdge) +
-           " mask " + std::to_string(mask) + " frame " + std::to_string(counter);
+    return std::to_string(frame.width) + "x" + std::to_string(frame.height) + "x" +
+           std::to_string(frame.bytesPerPixel) + part("zoom", p.Zoom, p.ZoomX, p.ZoomY) +
+           part("slide", p.Slide, p.SlideX, p.SlideY) + part("rotate", p.Rotate, p.RotateSpeed) +
+           part("blur", p.Blur, p.BlurAmount) + part("fade", p.Fade, p.FadeTime, p.FadeColor) +
+           part("edge", p.AutoEdge, p.ClampEdge) + " mask " + std::to_string(mask) + " frame " +
+           std::to_string(counter);
 }
 
 // Runs the engine and the model on one record and compares result, picture, counter and what lies around.
@@ -79,8 +82,8 @@ void Compare(const ModelFrame& frame, VizEffectParams& params, uint32_t mask, ui
     VizEffectEngine engine;
     engine.FrameCounter = counter;
     std::vector<uint8_t> out(frame.bytes.size() + 2 * kGuard, kUntouched);
-    const bool ran = engine.ApplyEffects(frame.bytes.data(), out.data() + kGuard, frame.width, frame.height, frame.width,
-                                         params, mask);
+    const bool ran = engine.ApplyEffects(frame.bytes.data(), out.data() + kGuard, frame.width, frame.height,
+                                         frame.width, params, mask);
     EXPECT_EQ(engine.FrameCounter, counter + 1);
     const auto expected = EffectModel(frame, params, mask, counter + 1).Run();
     ASSERT_EQ(ran, expected.has_value());
@@ -108,8 +111,12 @@ void CompareMany(int runs, int bytesPerPixel, bool extremes) {
     }
 }
 
-TEST(EffectEngineTest, WordPathMatchesFormulas) { CompareMany(3000, 4, false); }
-TEST(EffectEngineTest, WordPathMatchesFormulasAtExtremes) { CompareMany(3000, 4, true); }
+TEST(EffectEngineTest, WordPathMatchesFormulas) {
+    CompareMany(3000, 4, false);
+}
+TEST(EffectEngineTest, WordPathMatchesFormulasAtExtremes) {
+    CompareMany(3000, 4, true);
+}
 TEST(EffectEngineTest, BytePathMatchesFormulas) {
     for (const int bytes : {1, 2, 3}) CompareMany(500, bytes, bytes == 2);
 }
@@ -150,14 +157,42 @@ struct Call {
 TEST(EffectEngineTest, RefusesWhenThereIsNothingToDo) {
     const Call calls[] = {
         {"all switches off", 4, [](VizEffectParams& p) { p.Blur = p.Zoom = p.Fade = false; }, kEffectsAll, false},
-        {"all switches off, bytes", 3, [](VizEffectParams& p) { p.Blur = p.Zoom = p.Fade = false; }, kEffectsAll, false},
+        {"all switches off, bytes", 3, [](VizEffectParams& p) { p.Blur = p.Zoom = p.Fade = false; }, kEffectsAll,
+         false},
         {"no mask", 4, [](VizEffectParams&) {}, 0, false},
         {"mask above the low bits", 4, [](VizEffectParams&) {}, 0xFFFFFF00, false},
         {"no mask, bytes", 3, [](VizEffectParams&) {}, 0, true},
-        {"blur 1 alone", 4, [](VizEffectParams& p) { SetNeutralEffects(p); p.Fade = false; p.Blur = true; p.BlurAmount = 1; }, kEffectsAll, false},
-        {"blur 1 alone, bytes", 3, [](VizEffectParams& p) { SetNeutralEffects(p); p.Fade = false; p.Blur = true; p.BlurAmount = 1; }, kEffectsAll, true},
-        {"negative blur alone", 4, [](VizEffectParams& p) { SetNeutralEffects(p); p.Fade = false; p.Blur = true; p.BlurAmount = -5; }, kEffectsAll, false},
-        {"switches on, values 0", 4, [](VizEffectParams& p) { SetNeutralEffects(p); p.Zoom = p.Slide = p.Rotate = true; p.FadeTime = 0; }, kEffectsAll, false},
+        {"blur 1 alone", 4,
+         [](VizEffectParams& p) {
+             SetNeutralEffects(p);
+             p.Fade = false;
+             p.Blur = true;
+             p.BlurAmount = 1;
+         },
+         kEffectsAll, false},
+        {"blur 1 alone, bytes", 3,
+         [](VizEffectParams& p) {
+             SetNeutralEffects(p);
+             p.Fade = false;
+             p.Blur = true;
+             p.BlurAmount = 1;
+         },
+         kEffectsAll, true},
+        {"negative blur alone", 4,
+         [](VizEffectParams& p) {
+             SetNeutralEffects(p);
+             p.Fade = false;
+             p.Blur = true;
+             p.BlurAmount = -5;
+         },
+         kEffectsAll, false},
+        {"switches on, values 0", 4,
+         [](VizEffectParams& p) {
+             SetNeutralEffects(p);
+             p.Zoom = p.Slide = p.Rotate = true;
+             p.FadeTime = 0;
+         },
+         kEffectsAll, false},
         {"neutral", 4, [](VizEffectParams& p) { SetNeutralEffects(p); }, kEffectsAll, true},
         {"no bytes a pixel", 0, [](VizEffectParams&) {}, kEffectsAll, false},
         {"negative bytes a pixel", -4, [](VizEffectParams&) {}, kEffectsAll, false},
@@ -239,7 +274,8 @@ TEST(EffectEngineTest, FramesWithoutInnerPixels) {
                     params.ClampEdge = true;
                     std::vector<uint8_t> out(frame.bytes.size());
                     VizEffectEngine engine;
-                    EXPECT_TRUE(engine.ApplyEffects(frame.bytes.data(), out.data(), width, height, width, params, kEffectsAll));
+                    EXPECT_TRUE(
+                        engine.ApplyEffects(frame.bytes.data(), out.data(), width, height, width, params, kEffectsAll));
                 }
             }
         }

@@ -86,7 +86,8 @@ private:
                 continue;
             }
             const int64_t b = Blur(static_cast<int>(sx), static_cast<int>(sy), byte);
-            out.push_back(static_cast<uint8_t>(fade_ == 0 ? b : Wrap(k * fade_ + b * (256 - int64_t{fade_}) + 128) >> 8));
+            out.push_back(
+                static_cast<uint8_t>(fade_ == 0 ? b : Wrap(k * fade_ + b * (256 - int64_t{fade_}) + 128) >> 8));
         }
     }
 
@@ -103,33 +104,54 @@ private:
         const auto average = [&](size_t a, size_t b) { return byte == 3 ? 0 : ((p[a] + c + p[b] + 3) * 21845) >> 16; };
         switch (blur_) {
             case 0:
-            case 1: return c;
-            case 2: return (c >> 1) + (c >> 2) + (c >> 3) + (c & 2) + (c & 1) + cross(5);
-            case 3: return (c >> 1) + (c >> 2) + (c & 1) + cross(4);
-            case 4: return (c >> 1) + (c & 1) + cross(3);
-            case 5: return average(0, 8);
-            case 6: return average(2, 6);
-            case 7: return average(1, 7);
-            case 8: return average(3, 5);
-            case 9: return (c >> 1) + (c & 1) + cross(4) + corners(4);
-            default: return cross(3) + corners(3);
+            case 1:
+                return c;
+            case 2:
+                return (c >> 1) + (c >> 2) + (c >> 3) + (c & 2) + (c & 1) + cross(5);
+            case 3:
+                return (c >> 1) + (c >> 2) + (c & 1) + cross(4);
+            case 4:
+                return (c >> 1) + (c & 1) + cross(3);
+            case 5:
+                return average(0, 8);
+            case 6:
+                return average(2, 6);
+            case 7:
+                return average(1, 7);
+            case 8:
+                return average(3, 5);
+            case 9:
+                return (c >> 1) + (c & 1) + cross(4) + corners(4);
+            default:
+                return cross(3) + corners(3);
         }
     }
 
     int64_t BlurOfByte(const std::array<int64_t, 9>& p) const {
         const auto& [nw, n, ne, w, c, e, sw, s, se] = p;
         switch (blur_) {
-            case 0: return c;
-            case 1: return (12 * c + n + s + e + w + 15) >> 4;
-            case 2: return (4 * c + n + s + e + w + 7) >> 3;
-            case 3: return (8 * nw + c + n + s + e + w + ne + sw + se + 15) >> 4;
-            case 4: return ((n + s + e + w + nw + 4) * 13107) >> 16;
-            case 5: return (n + s + e + w + 3) >> 2;
-            case 6: return ((nw + c + se + 2) * 21845) >> 16;
-            case 7: return ((ne + c + sw + 2) * 21845) >> 16;
-            case 8: return ((w + c + e + 2) * 21845) >> 16;
-            case 9: return ((n + c + s + 2) * 21845) >> 16;
-            default: return ((c + n + s + e + w + nw + ne + sw + se + 8) * 7281) >> 16;
+            case 0:
+                return c;
+            case 1:
+                return (12 * c + n + s + e + w + 15) >> 4;
+            case 2:
+                return (4 * c + n + s + e + w + 7) >> 3;
+            case 3:
+                return (8 * nw + c + n + s + e + w + ne + sw + se + 15) >> 4;
+            case 4:
+                return ((n + s + e + w + nw + 4) * 13107) >> 16;
+            case 5:
+                return (n + s + e + w + 3) >> 2;
+            case 6:
+                return ((nw + c + se + 2) * 21845) >> 16;
+            case 7:
+                return ((ne + c + sw + 2) * 21845) >> 16;
+            case 8:
+                return ((w + c + e + 2) * 21845) >> 16;
+            case 9:
+                return ((n + c + s + 2) * 21845) >> 16;
+            default:
+                return ((c + n + s + e + w + nw + ne + sw + se + 8) * 7281) >> 16;
         }
     }
 

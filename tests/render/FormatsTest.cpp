@@ -50,12 +50,12 @@ TEST(FormatsTest, RecognisesHeaders) {
         {BI_BITFIELDS, 16, {0x001F, 0x03E0, 0x7C00}, 17},
         {BI_BITFIELDS, 16, {0x000F, 0x00F0, 0x0F00}, 13},
         {BI_BITFIELDS, 32, {0, 0, 0}, 13},
-        {0x30323449, 12, {}, 0},   // I420
-        {0x30323449, 99, {}, 0},   // the code alone counts
-        {0x32315659, 12, {}, 1},   // YV12
-        {0x39555659, 9, {}, 2},    // YVU9
+        {0x30323449, 12, {}, 0},  // I420
+        {0x30323449, 99, {}, 0},  // the code alone counts
+        {0x32315659, 12, {}, 1},  // YV12
+        {0x39555659, 9, {}, 2},   // YVU9
         {kYuy2.compression, 16, {}, 3},
-        {0x59565955, 16, {}, 4},   // UYVY
+        {0x59565955, 16, {}, 4},  // UYVY
         {kZvqn.compression, 16, {}, 10},
         {0x42475241, 32, {}, 11},  // ARGB
         {0x42475241, 24, {}, 13},  // ARGB needs its 32 bits
@@ -87,13 +87,27 @@ TEST(FormatsTest, SizesAndPitches) {
         int32_t height, width;
         uint32_t bytes;
     };
-    const Case cases[] = {{FormatI420, 5, 3, 22},          {FormatYV12, 4, 4, 24},   {FormatYVU9, 5, 3, 16},
-                          {FormatYUY2, 3, 5, 30},          {FormatUYVY, 3, 5, 30},   {FormatRGB32, 3, 5, 60},
-                          {FormatRGB24, 7, 5, 112},        {FormatRGB565, 3, 5, 36}, {FormatRGB8, 3, 5, 24},
-                          {FormatYUVA, 5, 3, 37},          {FormatARGB, 2, 1, 8},    {FormatBGR555, 2, 1, 8},
-                          {FormatZVQN, 3, 5, 0},           {FormatMC12, 3, 5, 0},    {FormatDVPF, 3, 5, 0},
-                          {FormatNone, 3, 5, 0},           {23, 3, 5, 0},            {0xFFFFFFFF, 3, 5, 0},
-                          {FormatRGB32, 0, 5, 0},          {FormatRGB32, 5, -1, 0},  {FormatRGB32, 65535, 65535, 0},
+    const Case cases[] = {{FormatI420, 5, 3, 22},
+                          {FormatYV12, 4, 4, 24},
+                          {FormatYVU9, 5, 3, 16},
+                          {FormatYUY2, 3, 5, 30},
+                          {FormatUYVY, 3, 5, 30},
+                          {FormatRGB32, 3, 5, 60},
+                          {FormatRGB24, 7, 5, 112},
+                          {FormatRGB565, 3, 5, 36},
+                          {FormatRGB8, 3, 5, 24},
+                          {FormatYUVA, 5, 3, 37},
+                          {FormatARGB, 2, 1, 8},
+                          {FormatBGR555, 2, 1, 8},
+                          {FormatZVQN, 3, 5, 0},
+                          {FormatMC12, 3, 5, 0},
+                          {FormatDVPF, 3, 5, 0},
+                          {FormatNone, 3, 5, 0},
+                          {23, 3, 5, 0},
+                          {0xFFFFFFFF, 3, 5, 0},
+                          {FormatRGB32, 0, 5, 0},
+                          {FormatRGB32, 5, -1, 0},
+                          {FormatRGB32, 65535, 65535, 0},
                           {FormatRGB32, INT32_MAX, INT32_MAX, 0}};
     for (const Case& c : cases) EXPECT_EQ(ImageSize(c.format, c.height, c.width), c.bytes) << c.format;
 

@@ -55,8 +55,8 @@ protected:
         const Picture picture(Handle());
         ASSERT_GT(picture.width, 0);
         const int other = picture.FirstOtherThan(color);
-        EXPECT_EQ(other, -1) << "at " << other % picture.width << ", " << other / picture.width << " of " << picture.width
-                             << " x " << picture.height;
+        EXPECT_EQ(other, -1) << "at " << other % picture.width << ", " << other / picture.width << " of "
+                             << picture.width << " x " << picture.height;
     }
 };
 
@@ -64,10 +64,10 @@ struct SizeCase {
     int32_t width, height, displayWidth, displayHeight, frameWidth, frameHeight;
 };
 constexpr SizeCase kSizeCases[] = {
-    {320, 240, 320, 240, 320, 240},   // exactly at the limit
-    {321, 240, 324, 240, 162, 120},   // rounded up first
-    {1280, 960, 1280, 960, 640, 480}, // halved once only
-    {200, 150, 200, 152, 200, 152},   {1, 1, 4, 4, 4, 4}, {1280, 720, 1280, 720, 640, 360},
+    {320, 240, 320, 240, 320, 240},    // exactly at the limit
+    {321, 240, 324, 240, 162, 120},    // rounded up first
+    {1280, 960, 1280, 960, 640, 480},  // halved once only
+    {200, 150, 200, 152, 200, 152},   {1, 1, 4, 4, 4, 4},          {1280, 720, 1280, 720, 640, 360},
     {1000, 76, 1000, 76, 1000, 76},   {4, 1000, 4, 1000, 4, 1000},
 };
 
@@ -223,10 +223,12 @@ TEST_F(VizWindowTest, TheEndOfPlayingWipesThePicture) {
     EXPECT_EQ(*Front(), 0u);
     EXPECT_EQ(*static_cast<uint32_t*>(window_.GetBackPixels()), 0u);
     window_.ReleaseBack();
-    // In the middle of a frame: at its end.
+    // In the middle of a frame: the window at once, and the frame doesn't come through.
     window_.SetPlaying(true);
+    PresentColor(0x00445566);
     auto* pixels = static_cast<uint32_t*>(window_.GetFrontPixels());
     window_.SetPlaying(false);
+    ExpectColor(0);
     std::fill_n(pixels, 320 * 240, 0x00FFFFFFu);
     window_.ReleaseFront();
     window_.Present(true);
@@ -253,11 +255,44 @@ TEST_F(VizWindowTest, PaintsByItselfOnlyWhileNotPlaying) {
     ExpectColor(0);
 }
 
+// A host that does everything at once while frames are made; the thread sanitizer watches.
+TEST_F(VizWindowTest, HostAndFramesTogether) {
+    Show(320, 240);
+    std::atomic<bool> done = false;
+    std::thread host([&] {
+        for (int32_t i = 0; i < 60; ++i) {
+            window_.SetPlaying(true);
+            window_.Resize(200 + 40 * (i % 20), 150 + 10 * (i % 7));
+            window_.SetPlaying(false);
+            if (i % 5 == 0) window_.SetDrawsFrames(false);
+            PostMessageA(Handle(), kMessageResize, MAKEWPARAM(300 + i, 240), 0);
+            if (i % 5 == 0) window_.SetDrawsFrames(true);
+        }
+        window_.SetPlaying(true);
+        window_.SetPlaying(false);
+        done = true;
+    });
+    while (!done) {
+        ServeMessages();
+        auto* pixels = static_cast<uint32_t*>(window_.GetFrontPixels());
+        if (!pixels) continue;
+        std::fill_n(pixels, static_cast<size_t>(window_.GetFrameWidth() * window_.GetFrameHeight()), 0x00DDDDDDu);
+        window_.ReleaseFront();
+        window_.Present(true);
+    }
+    host.join();
+    ServeMessages();
+    EXPECT_EQ(window_.GetFrameWidth() * 2, 360);
+    window_.Present(false);
+}
+
 struct CallLog : IVizClickReceiver, IVizRightClickReceiver, PluginUnloader {
     std::string text;
     void OnLeftClick(uint32_t x, uint32_t y, uint32_t flags) override { Add("L", x, y, flags); }
     void OnRightClick(uint32_t x, uint32_t y) override { Add("R", x, y, 0); }
-    void UnloadPlugin(CVizPlugin* plugin) override { Add("U", static_cast<uint32_t>(reinterpret_cast<uintptr_t>(plugin)), 0, 0); }
+    void UnloadPlugin(CVizPlugin* plugin) override {
+        Add("U", static_cast<uint32_t>(reinterpret_cast<uintptr_t>(plugin)), 0, 0);
+    }
     void Add(const char* who, uint32_t x, uint32_t y, uint32_t flags) {
         text += std::string(who) + std::to_string(x) + "," + std::to_string(y) + "," + std::to_string(flags) + " ";
     }
@@ -291,9 +326,7 @@ TEST_F(VizWindowTest, ClicksReachTheViewThenTheReceivers) {
     one.log = right.log = &log;
     one.name = "a";
     right.name = "b";
-    const auto click = [this](UINT message) {
-        SendMessageA(Handle(), message, MK_SHIFT, MAKELPARAM(7, 0xFFF0));
-    };
+    const auto click = [this](UINT message) { SendMessageA(Handle(), message, MK_SHIFT, MAKELPARAM(7, 0xFFF0)); };
     click(WM_LBUTTONUP);
     EXPECT_EQ(log.Take(), "");
     window_.SetClickTarget(&log);
@@ -381,7 +414,8 @@ int32_t FillWithConverter(void* to, int32_t toWidth, int32_t toHeight, int32_t t
     const int32_t values[] = {toWidth,   toHeight,   toPitch,   toX,   toY,   toRectWidth,   toRectHeight,
                               fromWidth, fromHeight, fromPitch, fromX, fromY, fromRectWidth, fromRectHeight};
     std::copy(std::begin(values), std::end(values), g_converted);
-    std::fill_n(static_cast<uint32_t*>(to), static_cast<size_t>(toWidth * toHeight), *static_cast<const uint32_t*>(from));
+    std::fill_n(static_cast<uint32_t*>(to), static_cast<size_t>(toWidth * toHeight),
+                *static_cast<const uint32_t*>(from));
     return 0;
 }
 

@@ -14,7 +14,9 @@ inline constexpr int kDisplayWidth = 1600;
 inline constexpr int kDisplayHeight = 1000;
 
 // No effect, and none needed, if another test of the process was first.
-inline void UseMemoryDisplay() { TdkpUseMemoryDisplay(kDisplayWidth, kDisplayHeight, 32); }
+inline void UseMemoryDisplay() {
+    TdkpUseMemoryDisplay(kDisplayWidth, kDisplayHeight, 32);
+}
 
 // The picture of a window, top row first.
 struct Picture {
@@ -22,10 +24,13 @@ struct Picture {
     std::vector<DWORD> pixels;
 
     explicit Picture(HWND window) : pixels(kDisplayWidth * kDisplayHeight) {
-        if (!TdkpReadWindow(window, pixels.data(), static_cast<int>(pixels.size()), &width, &height)) width = height = 0;
+        if (!TdkpReadWindow(window, pixels.data(), static_cast<int>(pixels.size()), &width, &height))
+            width = height = 0;
         pixels.resize(static_cast<size_t>(width) * static_cast<size_t>(height));
     }
-    DWORD At(int x, int y) const { return pixels[static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x)]; }
+    DWORD At(int x, int y) const {
+        return pixels[static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x)];
+    }
     // The first pixel that isn't of this colour, or -1.
     int FirstOtherThan(DWORD color) const {
         for (size_t i = 0; i < pixels.size(); ++i) {

@@ -93,7 +93,8 @@ TEST_P(InStep, AcrossPauseSeekAndEngineChange) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Delays, InStep,
-                         testing::Values(StepCase{0, 441, 20}, StepCase{120, 441, 20}, StepCase{120, 2048, 20},
+                         // Without a delay the ring's length stands in for it: three of the host's blocks.
+                         testing::Values(StepCase{0, 220, 20}, StepCase{120, 441, 20}, StepCase{120, 2048, 20},
                                          StepCase{500, 1024, 20}, StepCase{2000, 4410, 20}));
 
 TEST(InStepWithChanges, DelayMovesWhilePlaying) {
@@ -103,12 +104,12 @@ TEST(InStepWithChanges, DelayMovesWhilePlaying) {
     StepWatch watch(host);
     host.StartDevice(2000, 882);
     host.SetState(kEngineStatePlaying);
-    for (const uint32_t delay : {2000u, 120u, 900u, 40u, 1500u}) {
-        host.delay = delay;
-        host.Advance(1800);
+    // A device that drains or fills moves its delay a little with each delivery.
+    for (const uint32_t target : {2000u, 120u, 900u, 40u, 1500u}) {
+        for (; host.delay != target; host.Advance(4)) host.delay += host.delay < target ? 1 : -1;
+        host.Advance(500);
     }
-    EXPECT_GE(watch.Frames(), 170);
-    // A shrinking delay holds deliveries back for as long as it shrinks; the position then runs by frames.
+    EXPECT_GE(watch.Frames(), 400);
     EXPECT_LE(watch.WorstMilliseconds(), Bound({2000, 882, 20}));
 }
 

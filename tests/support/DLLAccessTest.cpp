@@ -24,7 +24,8 @@ HRESULT KeepBlock(const char* block) {
 }
 
 TEST(DLLAccessPath, Blocks) {
-    const char block[] = "DT_Plugins=C:\\x\0no folder\0DT_Codecs=\0Mine=/a=b/\0dt_common=/c\0\0DT_EncSDK=/behind the end\0";
+    const char block[] =
+        "DT_Plugins=C:\\x\0no folder\0DT_Codecs=\0Mine=/a=b/\0dt_common=/c\0\0DT_EncSDK=/behind the end\0";
     const std::string own(1, PathSeparator());
     DLLAccessPath table;
     EXPECT_EQ(table.SetFromBlock(nullptr), S_OK);
@@ -39,7 +40,8 @@ TEST(DLLAccessPath, Blocks) {
     EXPECT_EQ(table.SetPath(DLLKind::Count, "/x"), E_FAIL);
     EXPECT_EQ(table.GetPath(DLLKind::Count), nullptr);
     EXPECT_EQ(table.PassTo(KeepBlock), S_OK);
-    EXPECT_EQ(lastBlock, (std::set<std::string>{"DT_Plugins=C:\\x\\", "DT_Codecs=/before/", "Mine=/a=b/", "dt_common=/c" + own}));
+    EXPECT_EQ(lastBlock,
+              (std::set<std::string>{"DT_Plugins=C:\\x\\", "DT_Codecs=/before/", "Mine=/a=b/", "dt_common=/c" + own}));
 }
 
 TEST(DLLAccess, OpensByKindAndHandsTheTableOn) {

@@ -29,7 +29,9 @@ TEST(KVAMutex, IsRecursiveAndRefusesOtherThreads) {
     EXPECT_EQ(tryElsewhere(), S_OK);
 }
 
-TEST(MutexLock, TakesNothingFromNull) { const MutexLock hold(nullptr); }
+TEST(MutexLock, TakesNothingFromNull) {
+    const MutexLock hold(nullptr);
+}
 
 }  // namespace
 }  // namespace tdkviz

@@ -11,7 +11,9 @@
 namespace tdkviz {
 namespace {
 
-RefPtr<IKVABuffer> NewBuffer() { return RefPtr<IKVABuffer>::Adopt(CNQBuffer::Create()); }
+RefPtr<IKVABuffer> NewBuffer() {
+    return RefPtr<IKVABuffer>::Adopt(CNQBuffer::Create());
+}
 
 // The holders of a buffer beside the caller's pointer.
 ULONG HoldersOf(const RefPtr<IKVABuffer>& buffer) {

@@ -10,8 +10,12 @@
 namespace tdkviz {
 namespace {
 
-uint8_t Byte(const CNQString& text, size_t index) { return reinterpret_cast<const uint8_t*>(&text)[index]; }
-uint8_t Sharers(const CNQString& text) { return reinterpret_cast<const uint8_t*>(text.GetText())[-1]; }
+uint8_t Byte(const CNQString& text, size_t index) {
+    return reinterpret_cast<const uint8_t*>(&text)[index];
+}
+uint8_t Sharers(const CNQString& text) {
+    return reinterpret_cast<const uint8_t*>(text.GetText())[-1];
+}
 
 TEST(NQString, FormsByLength) {
     const struct {
@@ -99,14 +103,35 @@ TEST(NQString, BehavesLikeAString) {
         const size_t at = random() % 4;
         const size_t other = random() % 4;
         switch (random() % 8) {
-            case 0: texts[at] = texts[other], models[at] = models[other]; break;
-            case 1: texts[at] += texts[other], models[at] += models[other]; break;
-            case 2: texts[at] += texts[at].GetText() + texts[at].GetLength() / 2, models[at] += models[at].substr(models[at].size() / 2); break;
-            case 3: texts[at] = texts[at] + 'x', models[at] += 'x'; break;
-            case 4: texts[at] = "short", models[at] = "short"; break;
-            case 5: texts[at] = texts[other].Mid(1, 9), models[at] = models[other].empty() ? "" : models[other].substr(1, 9); break;
-            case 6: texts[at].GetBuffer(texts[at].GetLength() + 1)[texts[at].GetLength()] = 'y', texts[at].ReleaseBuffer(static_cast<int32_t>(models[at].size()) + 1), models[at] += 'y'; break;
-            default: texts[at].Empty(), models[at].clear(); break;
+            case 0:
+                texts[at] = texts[other], models[at] = models[other];
+                break;
+            case 1:
+                texts[at] += texts[other], models[at] += models[other];
+                break;
+            case 2:
+                texts[at] += texts[at].GetText() + texts[at].GetLength() / 2,
+                    models[at] += models[at].substr(models[at].size() / 2);
+                break;
+            case 3:
+                texts[at] = texts[at] + 'x', models[at] += 'x';
+                break;
+            case 4:
+                texts[at] = "short", models[at] = "short";
+                break;
+            case 5:
+                texts[at] = texts[other].Mid(1, 9),
+                models[at] = models[other].empty() ? "" : models[other].substr(1, 9);
+                break;
+            case 6:
+                texts[at].GetBuffer(texts[at].GetLength() +
+                                    1)[texts[at].GetLength()] = 'y',
+                                    texts[at].ReleaseBuffer(static_cast<int32_t>(models[at].size()) + 1),
+                                    models[at] += 'y';
+                break;
+            default:
+                texts[at].Empty(), models[at].clear();
+                break;
         }
         ASSERT_EQ(models[at], texts[at].GetText());
         ASSERT_EQ(models[at].size(), static_cast<size_t>(texts[at].GetLength()));

@@ -28,7 +28,8 @@ TEST(PathName, Directories) {
         {"file", ""},
         {"", ""},
     };
-    for (const auto& c : cases) EXPECT_STREQ(PathName(c.path).GetDirectory().ToString().GetText(), c.directory) << c.path;
+    for (const auto& c : cases)
+        EXPECT_STREQ(PathName(c.path).GetDirectory().ToString().GetText(), c.directory) << c.path;
     EXPECT_TRUE(PathName(nullptr).IsEmpty());
     EXPECT_TRUE(PathName("file").GetDirectory().IsEmpty());
 }

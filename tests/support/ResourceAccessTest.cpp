@@ -17,6 +17,7 @@ TEST(ResourceAccess, StartsLateAndResolvesTags) {
     GetDLLAccessPath()->SetPath(DLLKind::Common, folder.Path().c_str());
     const auto module = reinterpret_cast<HMODULE>(uintptr_t{0x1000});
     char text[32] = "untouched";
+    SetResourceTag(0);
     StartResourceAccess();
     RegisterResourceModule(module, kAddOnResourceTag);
     EXPECT_EQ(LoadResourceString(1, text, sizeof text), 0);

@@ -38,7 +38,8 @@ inline const TemporaryFolder& TestRegistryFolder() {
     static const TemporaryFolder folder;
     return folder;
 }
-inline const bool kRegistryIsTheTests = setenv("TDKVIZ_REGISTRY", TestRegistryFolder().File("registry.db").c_str(), 1) == 0;
+inline const bool kRegistryIsTheTests =
+    setenv("TDKVIZ_REGISTRY", TestRegistryFolder().File("registry.db").c_str(), 1) == 0;
 
 // Where the build puts the libraries that tests load, beside the folder of the test program.
 inline std::string TestLibrary(const std::string& name) {

@@ -29,8 +29,7 @@ AppWindow::AppWindow(xcb_window_t parent, int x, int y, int width, int height, c
 }
 
 AppWindow::~AppWindow() {
-    if (window_ != nullptr)
-        DestroyWindow(window_);
+    if (window_ != nullptr) DestroyWindow(window_);
 }
 
 void AppWindow::Fill(const RECT& rect, COLORREF color) {
@@ -44,8 +43,7 @@ void AppWindow::Fill(const RECT& rect, COLORREF color) {
 bool AppWindow::ServeUntil(const std::function<bool()>& done) {
     const auto end = std::chrono::steady_clock::now() + kPatience;
     while (!done()) {
-        if (std::chrono::steady_clock::now() > end)
-            return false;
+        if (std::chrono::steady_clock::now() > end) return false;
         MSG message;
         while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
             TranslateMessage(&message);
@@ -67,21 +65,19 @@ int AppWindow::Told(UINT message) const {
 
 AppMessage AppWindow::Last(UINT message) const {
     for (auto each = messages_.rbegin(); each != messages_.rend(); ++each) {
-        if (each->message == message)
-            return *each;
+        if (each->message == message) return *each;
     }
     return {};
 }
 
 LRESULT CALLBACK AppWindow::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_NCCREATE)
-        SetWindowLongPtrA(window, 0, reinterpret_cast<LONG_PTR>(
-                                         reinterpret_cast<CREATESTRUCTA*>(lParam)->lpCreateParams));
+        SetWindowLongPtrA(window, 0,
+                          reinterpret_cast<LONG_PTR>(reinterpret_cast<CREATESTRUCTA*>(lParam)->lpCreateParams));
     auto* self = reinterpret_cast<AppWindow*>(GetWindowLongPtrA(window, 0));
     if (self != nullptr) {
         self->messages_.push_back({message, wParam, lParam});
-        if (message == WM_NCDESTROY)
-            self->window_ = nullptr;
+        if (message == WM_NCDESTROY) self->window_ = nullptr;
     }
     return message == WM_CLOSE ? 0 : DefWindowProcA(window, message, wParam, lParam);
 }

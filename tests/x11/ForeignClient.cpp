@@ -50,8 +50,7 @@ int ScreenColor::DistanceTo(const ScreenColor& other) const {
 }
 
 ForeignClient::ForeignClient(const std::string& display) : connection_(xcb_connect(display.c_str(), nullptr)) {
-    if (xcb_connection_has_error(connection_) == 0)
-        screen_ = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data;
+    if (xcb_connection_has_error(connection_) == 0) screen_ = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data;
 }
 
 ForeignClient::~ForeignClient() {
@@ -67,8 +66,8 @@ xcb_window_t ForeignClient::MakeWindow(int x, int y, int width, int height) {
     const uint32_t values[] = {screen_->white_pixel, 1};
     xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window, Root(), static_cast<int16_t>(x),
                       static_cast<int16_t>(y), static_cast<uint16_t>(width), static_cast<uint16_t>(height), 0,
-                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
-                      XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values);
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT,
+                      values);
     xcb_map_window(connection_, window);
     Wait();
     return window;
@@ -95,6 +94,33 @@ void ForeignClient::AskToClose(xcb_window_t window) {
     Wait();
 }
 
+void ForeignClient::PretendToManage() {
+    const xcb_window_t check = xcb_generate_id(connection_);
+    xcb_create_window(connection_, 0, check, Root(), -1, -1, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY, 0, 0, nullptr);
+    for (const xcb_window_t window : {Root(), check})
+        xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, Atom("_NET_SUPPORTING_WM_CHECK"),
+                            XCB_ATOM_WINDOW, 32, 1, &check);
+    const uint32_t events = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+    xcb_change_window_attributes(connection_, Root(), XCB_CW_EVENT_MASK, &events);
+    Wait();
+}
+
+std::string ForeignClient::WaitForStateRequest() {
+    for (int attempt = 0; attempt < kPatience; ++attempt) {
+        while (const auto event = Own(xcb_poll_for_event(connection_))) {
+            const auto& message = reinterpret_cast<const xcb_client_message_event_t&>(*event);
+            if ((event->response_type & 0x7F) != XCB_CLIENT_MESSAGE || message.type != Atom("_NET_WM_STATE")) continue;
+            const auto cookie = xcb_get_atom_name(connection_, message.data.data32[1]);
+            const auto name = Own(xcb_get_atom_name_reply(connection_, cookie, nullptr));
+            return (message.data.data32[0] == 1 ? "+" : "-") +
+                   std::string(xcb_get_atom_name_name(name.get()),
+                               static_cast<size_t>(xcb_get_atom_name_name_length(name.get())));
+        }
+        usleep(kTryMicroseconds);
+    }
+    return "";
+}
+
 void ForeignClient::ExhaustColors() {
     for (int count = 256; count > 0;) {
         const auto cookie =
@@ -102,8 +128,7 @@ void ForeignClient::ExhaustColors() {
         xcb_generic_error_t* error = nullptr;
         const auto reply = Own(xcb_alloc_color_cells_reply(connection_, cookie, &error));
         const auto errorOwner = Own(error);
-        if (!reply)
-            --count;
+        if (!reply) --count;
     }
 }
 
@@ -111,14 +136,16 @@ ScreenColor ForeignClient::ColorAt(int x, int y, xcb_colormap_t colormap) {
     const auto cookie = xcb_get_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, Root(), static_cast<int16_t>(x),
                                       static_cast<int16_t>(y), 1, 1, ~0u);
     const auto image = Own(xcb_get_image_reply(connection_, cookie, nullptr));
-    if (!image)
-        return {};
+    if (!image) return {};
     uint32_t pixel = 0;
     std::memcpy(&pixel, xcb_get_image_data(image.get()),
-                std::min<size_t>(sizeof pixel, image->depth > 16 ? 4 : image->depth > 8 ? 2 : 1));
+                std::min<size_t>(sizeof pixel, image->depth > 16  ? 4
+                                               : image->depth > 8 ? 2
+                                                                  : 1));
     const xcb_visualtype_t* visual = RootVisual();
     if (visual->_class == XCB_VISUAL_CLASS_TRUE_COLOR)
-        return {FieldOf(pixel, visual->red_mask), FieldOf(pixel, visual->green_mask), FieldOf(pixel, visual->blue_mask)};
+        return {FieldOf(pixel, visual->red_mask), FieldOf(pixel, visual->green_mask),
+                FieldOf(pixel, visual->blue_mask)};
     if (colormap == 0) {
         const auto maps = Own(xcb_list_installed_colormaps_reply(
             connection_, xcb_list_installed_colormaps(connection_, Root()), nullptr));
@@ -140,8 +167,7 @@ ScreenColor ForeignClient::WaitForColor(int x, int y, const ScreenColor& color, 
     ScreenColor seen;
     for (int attempt = 0; attempt < kPatience; ++attempt) {
         seen = ColorAt(x, y);
-        if (seen.DistanceTo(color) <= tolerance)
-            break;
+        if (seen.DistanceTo(color) <= tolerance) break;
         usleep(kTryMicroseconds);
     }
     return seen;
@@ -151,16 +177,14 @@ std::string ForeignClient::TextProperty(xcb_window_t window, const char* name) {
     constexpr uint32_t kWords = 256;
     const auto cookie = xcb_get_property(connection_, 0, window, Atom(name), XCB_ATOM_ANY, 0, kWords);
     const auto reply = Own(xcb_get_property_reply(connection_, cookie, nullptr));
-    if (!reply)
-        return "";
+    if (!reply) return "";
     return std::string(static_cast<const char*>(xcb_get_property_value(reply.get())),
                        static_cast<size_t>(xcb_get_property_value_length(reply.get())));
 }
 
 std::vector<xcb_window_t> ForeignClient::ChildrenOf(xcb_window_t window) {
     const auto reply = Own(xcb_query_tree_reply(connection_, xcb_query_tree(connection_, window), nullptr));
-    if (!reply)
-        return {};
+    if (!reply) return {};
     const xcb_window_t* children = xcb_query_tree_children(reply.get());
     return {children, children + xcb_query_tree_children_length(reply.get())};
 }
@@ -206,8 +230,7 @@ uint8_t ForeignClient::KeycodeOf(uint32_t keysym) {
     const auto reply = Own(xcb_get_keyboard_mapping_reply(connection_, cookie, nullptr));
     const xcb_keysym_t* keysyms = xcb_get_keyboard_mapping_keysyms(reply.get());
     for (int key = 0; key < count; ++key) {
-        if (keysyms[key * reply->keysyms_per_keycode] == keysym)
-            return static_cast<uint8_t>(setup->min_keycode + key);
+        if (keysyms[key * reply->keysyms_per_keycode] == keysym) return static_cast<uint8_t>(setup->min_keycode + key);
     }
     return 0;
 }
@@ -215,8 +238,7 @@ uint8_t ForeignClient::KeycodeOf(uint32_t keysym) {
 const xcb_visualtype_t* ForeignClient::RootVisual() const {
     for (auto depth = xcb_screen_allowed_depths_iterator(screen_); depth.rem != 0; xcb_depth_next(&depth)) {
         for (auto visual = xcb_depth_visuals_iterator(depth.data); visual.rem != 0; xcb_visualtype_next(&visual)) {
-            if (visual.data->visual_id == screen_->root_visual)
-                return visual.data;
+            if (visual.data->visual_id == screen_->root_visual) return visual.data;
         }
     }
     return nullptr;

@@ -29,6 +29,11 @@ public:
     void Destroy(xcb_window_t window);
     // What a window manager sends when its close button is pressed.
     void AskToClose(xcb_window_t window);
+    // From now on, until this client ends, the server seems to have a window manager. It does nothing.
+    void PretendToManage();
+    // Waits for a request to such a manager to change a window's state: "+" or "-" and the state's name.
+    // Empty if none comes.
+    std::string WaitForStateRequest();
     // Takes every free cell of the default colormap.
     void ExhaustColors();
 

@@ -42,7 +42,7 @@ struct Sample {
 };
 
 constexpr Sample kSamples[] = {
-    {RGB(255, 0, 0), {255, 0, 0}},       {RGB(0, 255, 0), {0, 255, 0}},     {RGB(0, 0, 255), {0, 0, 255}},
+    {RGB(255, 0, 0), {255, 0, 0}},         {RGB(0, 255, 0), {0, 255, 0}},         {RGB(0, 0, 255), {0, 0, 255}},
     {RGB(128, 128, 128), {128, 128, 128}}, {RGB(255, 255, 255), {255, 255, 255}}, {RGB(0, 0, 0), {0, 0, 0}},
     {RGB(200, 100, 50), {200, 100, 50}},
 };
@@ -55,8 +55,7 @@ const ScreenColor kWhite = {255, 255, 255};
 XServer& ServerOf(const Screen& screen) {
     static std::map<std::string, std::unique_ptr<XServer>> servers;
     std::unique_ptr<XServer>& server = servers[screen.name];
-    if (!server)
-        server = std::make_unique<XServer>(screen.depth, screen.options);
+    if (!server) server = std::make_unique<XServer>(screen.depth, screen.options);
     return *server;
 }
 
@@ -65,8 +64,7 @@ protected:
     void SetUp() override { Start(GetParam()); }
 
     void Start(const Screen& screen) {
-        if (!XServer::IsInstalled())
-            GTEST_SKIP() << "Xvfb is not installed";
+        if (!XServer::IsInstalled()) GTEST_SKIP() << "Xvfb is not installed";
         XServer& server = ServerOf(screen);
         ASSERT_TRUE(server.Running());
         server.Use();
@@ -78,6 +76,16 @@ protected:
         EXPECT_LE(seen.DistanceTo(color), tolerance)
             << "at " << x << ',' << y << " is " << seen.red << ',' << seen.green << ',' << seen.blue << " instead of "
             << color.red << ',' << color.green << ',' << color.blue;
+    }
+
+    // What was asked of the server before has been done when it shows what is drawn now.
+    void WaitUntilShown(AppWindow& window, int x, int y) {
+        RECT client;
+        GetClientRect(window.Handle(), &client);
+        for (const COLORREF color : {RGB(255, 0, 0), RGB(0, 255, 0)}) {
+            window.Fill(client, color);
+            ExpectColor(x, y, {GetRValue(color), GetGValue(color), GetBValue(color)}, 0);
+        }
     }
 
     std::unique_ptr<ForeignClient> host_;
@@ -147,8 +155,12 @@ TEST_P(X11WindowTest, PictureSurvivesBeingCoveredWithoutItsOwner) {
     const xcb_window_t cover = host_->MakeWindow(450, 350, 300, 200);
     ExpectColor(460, 360, kWhite, 0);
     host_->Hide(cover);
-    for (const auto& [x, y, color] : {std::tuple{460, 360, kRed}, {500, 403, kRed}, {501, 403, kGreen}, {600, 502, kGreen},
-                                      {601, 502, kRed}, {749, 549, kRed}})
+    for (const auto& [x, y, color] : {std::tuple{460, 360, kRed},
+                                      {500, 403, kRed},
+                                      {501, 403, kGreen},
+                                      {600, 502, kGreen},
+                                      {601, 502, kRed},
+                                      {749, 549, kRed}})
         ExpectColor(x, y, color, 0);
     EXPECT_EQ(window.Told(WM_PAINT), painted);
     host_->Destroy(cover);
@@ -175,16 +187,14 @@ TEST_P(X11WindowTest, TwoThreadsDrawAtOnce) {
     std::atomic<int> ready{0};
     const auto draw = [&](int x, COLORREF last) {
         AppWindow window(parent, x, 0, 200, 200);
-        for (int round = 0; round < kRounds; ++round)
-            window.Fill({0, 0, 200, 200}, RGB(0, 0, round));
+        for (int round = 0; round < kRounds; ++round) window.Fill({0, 0, 200, 200}, RGB(0, 0, round));
         window.Fill({0, 0, 200, 200}, last);
         ++ready;
         AppWindow::ServeUntil([&] { return ready < 0; });
     };
     std::thread left(draw, 0, RGB(255, 0, 0));
     std::thread right(draw, 200, RGB(0, 255, 0));
-    while (ready < 2)
-        Sleep(1);
+    while (ready < 2) Sleep(1);
     ExpectColor(199, 199, kRed, 0);
     ExpectColor(200, 0, kGreen, 0);
     ready = -1;
@@ -201,10 +211,36 @@ TEST_F(X11Test, TopLevelTellsTheManagerAndIsClosedByIt) {
     EXPECT_EQ(host_->TextProperty(window.Id(), "WM_CLASS"), name + zero + name + zero);
     EXPECT_EQ(host_->TextProperty(window.Id(), "WM_NAME"), "A title");
     EXPECT_EQ(host_->TextProperty(window.Id(), "_NET_WM_NAME"), "A title");
-    SetWindowTextA(window.Handle(), "Gr\xC3\xBC\xC3\x9F" "e");
+    SetWindowTextA(window.Handle(),
+                   "Gr\xC3\xBC\xC3\x9F"
+                   "e");
     host_->AskToClose(window.Id());
     EXPECT_TRUE(window.ServeUntilTold(WM_CLOSE));
-    EXPECT_EQ(host_->TextProperty(window.Id(), "_NET_WM_NAME"), "Gr\xC3\xBC\xC3\x9F" "e");
+    EXPECT_EQ(host_->TextProperty(window.Id(), "_NET_WM_NAME"),
+              "Gr\xC3\xBC\xC3\x9F"
+              "e");
+}
+
+TEST_F(X11Test, FullScreenAndOnTopAreTheManagersBusiness) {
+    AppWindow window(0, 50, 60, 100, 80);
+    WaitUntilShown(window, 50, 60);
+    const auto place = [&](HWND after, int x, int y, int width, int height) {
+        SetWindowPos(window.Handle(), after, x, y, width, height, 0);
+    };
+    // Without one the window goes there by itself.
+    place(HWND_TOP, 0, 0, XServer::kWidth, XServer::kHeight);
+    WaitUntilShown(window, XServer::kWidth - 1, XServer::kHeight - 1);
+    place(HWND_TOP, 50, 60, 100, 80);
+    WaitUntilShown(window, 149, 139);
+    EXPECT_NE(host_->ColorAt(150, 140).DistanceTo(kGreen), 0);
+
+    host_->PretendToManage();
+    place(HWND_TOP, 0, 0, XServer::kWidth, XServer::kHeight);
+    EXPECT_EQ(host_->WaitForStateRequest(), "+_NET_WM_STATE_FULLSCREEN");
+    place(HWND_TOP, 50, 60, 100, 80);
+    EXPECT_EQ(host_->WaitForStateRequest(), "-_NET_WM_STATE_FULLSCREEN");
+    place(HWND_TOPMOST, 50, 60, 100, 80);
+    EXPECT_EQ(host_->WaitForStateRequest(), "+_NET_WM_STATE_ABOVE");
 }
 
 TEST_F(X11Test, GoesWithItsForeignParent) {
@@ -226,24 +262,24 @@ TEST_F(X11Test, GoesWithItsForeignParent) {
 TEST_F(X11Test, MouseComesInClientCoordinates) {
     const xcb_window_t parent = host_->MakeWindow(30, 40, 300, 200);
     AppWindow window(parent, 11, 13, 200, 100);
+    WaitUntilShown(window, 41, 53);
     host_->MoveMouse(30 + 11 + 57, 40 + 13 + 29);
     host_->Button(1, true);
     host_->MoveMouse(30 + 11 + 60, 40 + 13 + 30);
     host_->Button(1, false);
     host_->Button(3, true);
     host_->Button(3, false);
-    host_->Button(4, true);
-    host_->Button(4, false);
-    ASSERT_TRUE(window.ServeUntilTold(WM_MOUSEWHEEL));
+    ASSERT_TRUE(window.ServeUntilTold(WM_RBUTTONUP));
     const struct {
         UINT message;
         WPARAM keys;
         LPARAM point;
     } expected[] = {
-        {WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(57, 29)}, {WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(60, 30)},
-        {WM_LBUTTONUP, 0, MAKELPARAM(60, 30)},            {WM_RBUTTONDOWN, MK_RBUTTON, MAKELPARAM(60, 30)},
+        {WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(57, 29)},
+        {WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(60, 30)},
+        {WM_LBUTTONUP, 0, MAKELPARAM(60, 30)},
+        {WM_RBUTTONDOWN, MK_RBUTTON, MAKELPARAM(60, 30)},
         {WM_RBUTTONUP, 0, MAKELPARAM(60, 30)},
-        {WM_MOUSEWHEEL, MAKEWPARAM(0, WHEEL_DELTA), MAKELPARAM(30 + 11 + 60, 40 + 13 + 30)},
     };
     for (const auto& each : expected) {
         SCOPED_TRACE(each.message);
@@ -253,12 +289,27 @@ TEST_F(X11Test, MouseComesInClientCoordinates) {
     host_->Destroy(parent);
 }
 
+TEST_F(X11Test, WheelComesInScreenCoordinates) {
+    AppWindow window(0, 30, 40, 100, 100);
+    WaitUntilShown(window, 30, 40);
+    host_->MoveMouse(50, 70);
+    for (const int wheel : {4, 5}) {
+        host_->Button(wheel, true);
+        host_->Button(wheel, false);
+    }
+    ASSERT_TRUE(AppWindow::ServeUntil([&] { return window.Told(WM_MOUSEWHEEL) == 2; }));
+    EXPECT_EQ(window.Last(WM_MOUSEWHEEL).wParam, MAKEWPARAM(0, static_cast<WORD>(-WHEEL_DELTA)));
+    EXPECT_EQ(window.Last(WM_MOUSEWHEEL).lParam, MAKELPARAM(50, 70));
+}
+
 TEST_F(X11Test, CaptureBringsTheMouseFromOutside) {
     const xcb_window_t parent = host_->MakeWindow(0, 0, 300, 200);
     AppWindow window(parent, 100, 100, 50, 50);
+    WaitUntilShown(window, 100, 100);
     host_->MoveMouse(110, 110);
     ASSERT_TRUE(window.ServeUntilTold(WM_MOUSEMOVE));
     SetCapture(window.Handle());
+    WaitUntilShown(window, 100, 100);
     host_->MoveMouse(90, 95);
     EXPECT_TRUE(AppWindow::ServeUntil([&] { return window.Last(WM_MOUSEMOVE).lParam == MAKELPARAM(-10, -5); }));
     ReleaseCapture();
@@ -272,10 +323,18 @@ TEST_F(X11Test, KeysHaveTheirNumbersAndCharacters) {
         uint32_t modifier, keysym;
         WPARAM virtualKey, character;  // 0: none comes
     } keys[] = {
-        {0, 'a', 'A', 'a'},         {kShift, 'a', 'A', 'A'},      {0, '7', '7', '7'},
-        {kShift, '7', '7', '&'},    {0, ' ', VK_SPACE, ' '},      {0, kReturn, VK_RETURN, '\r'},
-        {0, kLeft, VK_LEFT, 0},     {0, kF5, VK_F5, 0},           {kControl, 'c', 'C', 3},
-        {0, kDelete, VK_DELETE, 0}, {0, kEscape, VK_ESCAPE, 0x1B}, {0, '-', VK_OEM_MINUS, '-'},
+        {0, 'a', 'A', 'a'},
+        {kShift, 'a', 'A', 'A'},
+        {0, '7', '7', '7'},
+        {kShift, '7', '7', '&'},
+        {0, ' ', VK_SPACE, ' '},
+        {0, kReturn, VK_RETURN, '\r'},
+        {0, kLeft, VK_LEFT, 0},
+        {0, kF5, VK_F5, 0},
+        {kControl, 'c', 'C', 3},
+        {0, kDelete, VK_DELETE, 0},
+        {0, kEscape, VK_ESCAPE, 0x1B},
+        {0, '-', VK_OEM_MINUS, '-'},
         {kShift, '=', VK_OEM_PLUS, '+'},
     };
     const xcb_window_t parent = host_->MakeWindow(0, 0, 300, 200);
@@ -284,9 +343,9 @@ TEST_F(X11Test, KeysHaveTheirNumbersAndCharacters) {
         SCOPED_TRACE(key.keysym);
         AppWindow window(parent, 0, 0, 200, 100);
         SetFocus(window.Handle());
+        WaitUntilShown(window, 0, 0);
         const auto press = [&](uint32_t keysym, bool down) {
-            if (keysym != 0)
-                host_->Key(keysym, down);
+            if (keysym != 0) host_->Key(keysym, down);
         };
         const auto released = [&] { return window.Last(WM_KEYUP).wParam == key.virtualKey; };
         press(key.modifier, true);

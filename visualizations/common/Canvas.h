@@ -12,7 +12,9 @@ struct Color {
     float R, G, B;
 };
 
-inline Color Scale(Color color, float factor) { return {color.R * factor, color.G * factor, color.B * factor}; }
+inline Color Scale(Color color, float factor) {
+    return {color.R * factor, color.G * factor, color.B * factor};
+}
 
 inline Color Mix(Color from, Color to, float share) {
     return {from.R + (to.R - from.R) * share, from.G + (to.G - from.G) * share, from.B + (to.B - from.B) * share};
@@ -55,14 +57,15 @@ public:
         return reinterpret_cast<uint32_t*>(lowest_ + static_cast<int64_t>(inMemory) * std::abs(pitch_));
     }
 
-    // Keeps `share`/256 (0 to 255) of all brightness. Rounds down, so that everything gets black in the end.
-    void Dim(uint32_t share) const {
+    // Keeps `share`/256 of all brightness, then takes away `less` (0 to 255) more: everything gets black in
+    // the end, where a share alone leaves a grey that never goes.
+    void Dim(uint32_t share, uint32_t less) const {
         for (int y = 0; y < height_; ++y) {
             uint32_t* row = Row(y);
             for (int x = 0; x < width_; ++x) {
-                const uint32_t redBlue = (row[x] & 0xFF00FF) * share >> 8 & 0xFF00FF;
-                const uint32_t green = (row[x] & 0x00FF00) * share >> 8 & 0x00FF00;
-                row[x] = redBlue | green;
+                const uint32_t redBlue = Less((row[x] & kRedBlue) * share >> 8 & kRedBlue, less);
+                const uint32_t green = Less((row[x] >> 8 & 0xFF) * share >> 8, less);
+                row[x] = redBlue | green << 8;
             }
         }
     }
@@ -77,14 +80,8 @@ public:
         pixel = mix(16, color.R) | mix(8, color.G) | mix(0, color.B);
     }
 
-    // Makes a pixel at least as bright as this part of a colour: strokes that meet leave no beads.
-    static void Light(uint32_t& pixel, Color color, float part) {
-        const auto lift = [&](int shift, float to) {
-            const auto wanted = static_cast<uint32_t>(std::clamp(to * part, 0.0F, 1.0F) * 255 + 0.5F);
-            return std::max(pixel >> shift & 255, wanted) << shift;
-        };
-        pixel = lift(16, color.R) | lift(8, color.G) | lift(0, color.B);
-    }
+    // Makes a pixel at least as bright as this part (0 to 1) of a colour: strokes that meet leave no beads.
+    static void Light(uint32_t& pixel, Color color, float part) { Lift(pixel, Bytes(color), part); }
 
     // A rectangle with smooth edges whose colour at height y is colorAt(y).
     template <typename ColorAt>
@@ -123,6 +120,7 @@ public:
         const float dx = to.X - from.X;
         const float dy = to.Y - from.Y;
         const float square = dx * dx + dy * dy;
+        const uint32_t bytes = Bytes(color);
         const float slant = std::sqrt(square) / std::max(std::fabs(dy), 0.01F);
         const int firstY = ClampTo(std::min(from.Y, to.Y) - reach, height_);
         const int endY = ClampTo(std::max(from.Y, to.Y) + reach + 1, height_);
@@ -143,14 +141,34 @@ public:
                 const float px = x + 0.5F - from.X;
                 const float py = centreY - from.Y;
                 const float along = square > 0 ? std::clamp((px * dx + py * dy) / square, 0.0F, 1.0F) : 0.0F;
-                const float distance = std::hypot(px - along * dx, py - along * dy);
-                const float part = PartOf(pen, distance);
-                if (part > 0) Light(row[x], color, part);
+                const float offX = px - along * dx;
+                const float offY = py - along * dy;
+                const float distance = offX * offX + offY * offY;
+                if (distance < reach * reach) Lift(row[x], bytes, PartOf(pen, std::sqrt(distance)));
             }
         }
     }
 
 private:
+    static constexpr uint32_t kRedBlue = 0xFF00FF;
+
+    // Two bytes in lanes of 16 bits, each less an amount but not below 0.
+    static uint32_t Less(uint32_t lanes, uint32_t amount) {
+        const uint32_t rest = (lanes | 0x01000100) - amount * 0x00010001;
+        return rest & (rest >> 8 & 0x00010001) * 0xFF;
+    }
+    static uint32_t Bytes(Color color) {
+        uint32_t pixel = 0;
+        Cover(pixel, color, 1);
+        return pixel;
+    }
+    static void Lift(uint32_t& pixel, uint32_t color, float part) {
+        const auto share = static_cast<uint32_t>(part * 256);
+        const uint32_t redBlue = (color & kRedBlue) * share >> 8 & kRedBlue;
+        const uint32_t green = (color & 0xFF00) * share >> 8 & 0xFF00;
+        pixel = std::max(pixel & 0xFF0000, redBlue & 0xFF0000) | std::max(pixel & 0xFF00, green) |
+                std::max(pixel & 0xFF, redBlue & 0xFF);
+    }
     static int ClampTo(float value, int limit) {
         return static_cast<int>(std::clamp(value, 0.0F, static_cast<float>(limit)));
     }

@@ -9,8 +9,7 @@ constexpr int kGreys = kPaletteSize - kCubeSize;
 
 Palette MakeFixedPalette() {
     Palette palette = {};
-    for (int index = 0; index < kCubeSize; ++index)
-        palette[index] = CubeColor(kLevels, index);
+    for (int index = 0; index < kCubeSize; ++index) palette[index] = CubeColor(kLevels, index);
     for (int grey = 0; grey < kGreys; ++grey)
         palette[kCubeSize + grey] = static_cast<uint32_t>((grey + 1) * 255 / (kGreys + 1)) * 0x010101u;
     return palette;

@@ -14,22 +14,31 @@ constexpr WindowId kFirstWindow = 0x00200000;
 
 PixelFormat FormatOfDepth(int depth) {
     switch (depth) {
-    case 8: return PixelFormat::kIndexed8;
-    case 15: return PixelFormat::kRgb555;
-    case 16: return PixelFormat::kRgb565;
-    case 24:
-    case 32: return PixelFormat::kRgb32;
-    default: return PixelFormat::kNone;
+        case 8:
+            return PixelFormat::kIndexed8;
+        case 15:
+            return PixelFormat::kRgb555;
+        case 16:
+            return PixelFormat::kRgb565;
+        case 24:
+        case 32:
+            return PixelFormat::kRgb32;
+        default:
+            return PixelFormat::kNone;
     }
 }
 
 int BytesPerPixel(PixelFormat format) {
     switch (format) {
-    case PixelFormat::kIndexed8: return 1;
-    case PixelFormat::kRgb555:
-    case PixelFormat::kRgb565: return 2;
-    case PixelFormat::kRgb24: return 3;
-    default: return 4;
+        case PixelFormat::kIndexed8:
+            return 1;
+        case PixelFormat::kRgb555:
+        case PixelFormat::kRgb565:
+            return 2;
+        case PixelFormat::kRgb24:
+            return 3;
+        default:
+            return 4;
     }
 }
 
@@ -60,8 +69,7 @@ const uint32_t* MemoryDisplay::Palette() const {
 
 WindowId MemoryDisplay::CreateWindow(const DisplayWindowInfo& info) {
     const LayerGuard guard(mutex_);
-    if (info.parent != 0 && windows_.count(info.parent) == 0)
-        return 0;
+    if (info.parent != 0 && windows_.count(info.parent) == 0) return 0;
     const WindowId id = NextWindow();
     Window& window = windows_[id];
     window.parent = info.parent;
@@ -76,15 +84,13 @@ void MemoryDisplay::DestroyWindow(WindowId id) {
 
 void MemoryDisplay::Move(WindowId id, int x, int y, int width, int height) {
     const LayerGuard guard(mutex_);
-    if (const auto found = windows_.find(id); found != windows_.end())
-        found->second.place = {x, y, width, height};
+    if (const auto found = windows_.find(id); found != windows_.end()) found->second.place = {x, y, width, height};
 }
 
 void MemoryDisplay::SetFullScreen(WindowId id, bool on) {
     const LayerGuard guard(mutex_);
     const auto found = windows_.find(id);
-    if (found == windows_.end() || found->second.fullScreen == on)
-        return;
+    if (found == windows_.end() || found->second.fullScreen == on) return;
     Window& window = found->second;
     window.fullScreen = on;
     if (on) {
@@ -98,8 +104,7 @@ void MemoryDisplay::SetFullScreen(WindowId id, bool on) {
 bool MemoryDisplay::GetScreenRect(WindowId id, RECT* rect) const {
     const LayerGuard guard(mutex_);
     auto found = windows_.find(id);
-    if (found == windows_.end())
-        return false;
+    if (found == windows_.end()) return false;
     Place place = found->second.place;
     for (found = windows_.find(found->second.parent); found != windows_.end();
          found = windows_.find(found->second.parent)) {
@@ -113,14 +118,12 @@ bool MemoryDisplay::GetScreenRect(WindowId id, RECT* rect) const {
 bool MemoryDisplay::MakePicture(WindowId id, int width, int height, Raster* raster) {
     const LayerGuard guard(mutex_);
     const auto found = windows_.find(id);
-    if (found == windows_.end() || width <= 0 || height <= 0 || width > kMaxSide || height > kMaxSide)
-        return false;
+    if (found == windows_.end() || width <= 0 || height <= 0 || width > kMaxSide || height > kMaxSide) return false;
     Window& window = found->second;
     if (window.raster.width != width || window.raster.height != height) {
         const int32_t pitch = PicturePitch(format_, width);
         std::unique_ptr<uint8_t[]> pixels(new (std::nothrow) uint8_t[static_cast<size_t>(pitch) * height]());
-        if (!pixels)
-            return false;
+        if (!pixels) return false;
         window.pixels = std::move(pixels);
         window.raster = {window.pixels.get(), pitch, width, height, format_, Palette()};
     }

@@ -19,8 +19,7 @@ bool IsX11Thread() {
 }
 
 void AskX11ThreadToEnd() {
-    if (X11EventReader* reader = X11EventReader::OfThisThread())
-        reader->AskToEnd();
+    if (X11EventReader* reader = X11EventReader::OfThisThread()) reader->AskToEnd();
 }
 
 }  // namespace tdkp

@@ -16,7 +16,8 @@ bool CanOpenX11Display();
 // Is the caller the thread that reads the server's events (inside a call of the sink)?
 bool IsX11Thread();
 
-// On that thread only: ends it as soon as the sink has returned. The display itself is then destroyed by another thread.
+// On that thread only: ends it as soon as the sink has returned. The display itself is then destroyed by another
+// thread.
 void AskX11ThreadToEnd();
 
 }  // namespace tdkp

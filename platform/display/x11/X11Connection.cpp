@@ -15,7 +15,7 @@ namespace {
 
 struct NamedAtom {
     const char* name;
-    xcb_atom_t X11Atoms::* field;
+    xcb_atom_t X11Atoms::*field;
 };
 
 constexpr NamedAtom kAtoms[] = {
@@ -34,16 +34,19 @@ constexpr NamedAtom kAtoms[] = {
     {"_NET_WM_WINDOW_TYPE_DIALOG", &X11Atoms::netWmWindowTypeDialog},
     {"_NET_SUPPORTING_WM_CHECK", &X11Atoms::netSupportingWmCheck},
     {"_NET_ACTIVE_WINDOW", &X11Atoms::netActiveWindow},
+    {"_MOTIF_WM_HINTS", &X11Atoms::motifWmHints},
 };
 
 // Room for the request around the pixels, and as much as one request should hold up the others.
 constexpr uint32_t kRequestHeader = 64;
 constexpr uint32_t kMaxSlice = 1024 * 1024;
 
+// The last window's id, without the part that names its connection.
+std::atomic<uint32_t> lastWindowNumber{0};
+
 xcb_screen_t* ScreenOf(const xcb_setup_t* setup, int number) {
     auto screen = xcb_setup_roots_iterator(setup);
-    for (; screen.rem > 1 && number > 0; --number)
-        xcb_screen_next(&screen);
+    for (; screen.rem > 1 && number > 0; --number) xcb_screen_next(&screen);
     return screen.data;
 }
 
@@ -71,6 +74,7 @@ std::shared_ptr<X11Connection> X11Connection::Open() {
 
 X11Connection::X11Connection(xcb_connection_t* connection, xcb_screen_t* screen, const X11Visual& visual)
     : connection_(connection), screen_(screen), visual_(visual), colormap_(screen->default_colormap) {
+    SkipUsedIds();
     if (visual_.type.visual_id != screen_->root_visual) {
         colormap_ = xcb_generate_id(connection_);
         xcb_create_colormap(connection_, XCB_COLORMAP_ALLOC_NONE, colormap_, screen_->root, visual_.type.visual_id);
@@ -86,6 +90,18 @@ X11Connection::X11Connection(xcb_connection_t* connection, xcb_screen_t* screen,
 
 X11Connection::~X11Connection() {
     xcb_disconnect(connection_);
+}
+
+xcb_window_t X11Connection::MakeWindowId() const {
+    const xcb_window_t id = xcb_generate_id(connection_);
+    lastWindowNumber.store(id & xcb_get_setup(connection_)->resource_id_mask, std::memory_order_relaxed);
+    return id;
+}
+
+void X11Connection::SkipUsedIds() const {
+    constexpr uint32_t kMaxSkipped = 1 << 17;  // then from the start again
+    const uint32_t skipped = lastWindowNumber.load(std::memory_order_relaxed) % kMaxSkipped;
+    for (uint32_t count = 0; count < skipped; ++count) xcb_generate_id(connection_);
 }
 
 void X11Connection::InternAtoms() {
@@ -110,14 +126,12 @@ void X11Connection::MakeGc() {
     gc_ = xcb_generate_id(connection_);
     const uint32_t noExposures = 0;
     xcb_create_gc(connection_, gc_, drawable, XCB_GC_GRAPHICS_EXPOSURES, &noExposures);
-    if (drawable != screen_->root)
-        xcb_free_pixmap(connection_, drawable);
+    if (drawable != screen_->root) xcb_free_pixmap(connection_, drawable);
 }
 
 void X11Connection::AskForSharedMemory() {
     const xcb_query_extension_reply_t* extension = xcb_get_extension_data(connection_, &xcb_shm_id);
-    if (extension == nullptr || extension->present == 0)
-        return;
+    if (extension == nullptr || extension->present == 0) return;
     const auto version =
         X11Reply(xcb_shm_query_version_reply(connection_, xcb_shm_query_version(connection_), nullptr));
     sharesMemory.store(version != nullptr, std::memory_order_relaxed);

@@ -14,7 +14,7 @@ namespace tdkp {
 struct X11Atoms {
     xcb_atom_t wmProtocols, wmDeleteWindow, wmState, utf8String, netWmName, netWmPid, netWmPing, netWmState,
         netWmStateFullScreen, netWmStateAbove, netWmWindowType, netWmWindowTypeNormal, netWmWindowTypeDialog,
-        netSupportingWmCheck, netActiveWindow;
+        netSupportingWmCheck, netActiveWindow, motifWmHints;
 };
 
 // Requests that fail are not an error here: a foreign window may vanish at any moment. Any thread.
@@ -34,6 +34,11 @@ public:
     xcb_gcontext_t Gc() const { return gc_; }
     const X11Atoms& Atoms() const { return atoms_; }
 
+    // An id for a window. It isn't one that an earlier connection of this process gave to a window, although
+    // the server lets every connection count from the start: what is on its way for an old window must not
+    // reach a new one.
+    xcb_window_t MakeWindowId() const;
+
     void Flush() const { xcb_flush(connection_); }
     // Comes back when the server has carried out all that was asked before.
     void WaitForServer() const;
@@ -52,6 +57,7 @@ public:
 
 private:
     X11Connection(xcb_connection_t* connection, xcb_screen_t* screen, const X11Visual& visual);
+    void SkipUsedIds() const;
     void InternAtoms();
     void MakeGc();
     void AskForSharedMemory();

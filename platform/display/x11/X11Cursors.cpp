@@ -13,16 +13,15 @@ struct Shape {
 };
 
 const Shape kShapes[] = {
-    {IDC_ARROW, 68},    {IDC_IBEAM, 152},    {IDC_WAIT, 150},     {IDC_CROSS, 34}, {IDC_SIZENWSE, 14},
-    {IDC_SIZENESW, 12}, {IDC_SIZEWE, 108},   {IDC_SIZENS, 116},   {IDC_SIZEALL, 52}, {IDC_HAND, 60},
+    {IDC_ARROW, 68},    {IDC_IBEAM, 152},  {IDC_WAIT, 150},   {IDC_CROSS, 34},   {IDC_SIZENWSE, 14},
+    {IDC_SIZENESW, 12}, {IDC_SIZEWE, 108}, {IDC_SIZENS, 116}, {IDC_SIZEALL, 52}, {IDC_HAND, 60},
 };
 
 constexpr const char* kCursorFont = "cursor";
 
 uint16_t GlyphOf(uint32_t shape) {
     for (const Shape& known : kShapes) {
-        if (reinterpret_cast<uintptr_t>(known.resource) == shape)
-            return known.glyph;
+        if (reinterpret_cast<uintptr_t>(known.resource) == shape) return known.glyph;
     }
     return kShapes[0].glyph;
 }
@@ -32,8 +31,7 @@ uint16_t GlyphOf(uint32_t shape) {
 xcb_cursor_t X11Cursors::Get(uint32_t shape) {
     const LayerGuard guard(mutex_);
     xcb_cursor_t& cursor = cursors_[shape];
-    if (cursor == 0)
-        cursor = shape == 0 ? MakeEmpty() : MakeGlyph(GlyphOf(shape));
+    if (cursor == 0) cursor = shape == 0 ? MakeEmpty() : MakeGlyph(GlyphOf(shape));
     return cursor;
 }
 

@@ -39,38 +39,36 @@ X11Display::X11Display(std::shared_ptr<X11Connection> connection, DisplaySink& s
 
 WindowId X11Display::CreateWindow(const DisplayWindowInfo& info) {
     const TerminationDeferral deferral;
-    const xcb_window_t root = connection_->Screen().root;
-    // A top-level window's parent is its owner. A child of nobody is a popup, which no manager frames.
-    const bool popup = !info.topLevel && info.parent == 0;
     X11Window window;
     window.parent = info.topLevel ? 0 : info.parent;
-    window.topLevel = info.topLevel || popup;
+    window.topLevel = info.topLevel;
+    window.managed = info.topLevel && !info.menu;
     window.resizable = info.resizable;
     window.place = window.told = {info.x, info.y, info.width, info.height};
 
-    const WindowId id = xcb_generate_id(connection_->Get());
+    const WindowId id = connection_->MakeWindowId();
     windows_.Add(id, window);
-    if (!CreateOnServer(id, window.parent != 0 ? window.parent : root, window, popup)) {
+    if (!CreateOnServer(id, window)) {
         windows_.Remove(id);
         return 0;
     }
-    if (window.topLevel) {
-        const xcb_window_t owner = info.parent != 0 ? X11ManagedWindowOf(*connection_, info.parent) : 0;
-        WriteX11Identity(*connection_, id, info, owner);
+    if (info.topLevel) {
+        WriteX11Identity(*connection_, id, info);
         WriteX11SizeHints(*connection_, id, window);
     }
     connection_->Flush();
     return id;
 }
 
-bool X11Display::CreateOnServer(xcb_window_t id, xcb_window_t parent, const X11Window& window, bool popup) {
+bool X11Display::CreateOnServer(xcb_window_t id, const X11Window& window) {
     const bool outermost = window.topLevel || !windows_.Has(window.parent);
+    const xcb_window_t parent = window.topLevel ? connection_->Screen().root : window.parent;
     const X11Visual& visual = connection_->Visual();
     xcb_create_window_value_list_t values = {};
     values.background_pixmap = XCB_BACK_PIXMAP_NONE;  // the server never paints what the owner will
     values.border_pixel = 0;                          // needed, with the colormap, where the parent's depth is another
     values.bit_gravity = XCB_GRAVITY_NORTH_WEST;
-    values.override_redirect = popup ? 1 : 0;
+    values.override_redirect = window.topLevel && !window.managed ? 1 : 0;
     values.event_mask = outermost ? kWindowEvents | kOutermostEvents : kWindowEvents;
     values.colormap = connection_->Colormap();
     constexpr uint32_t kValues = XCB_CW_BACK_PIXMAP | XCB_CW_BORDER_PIXEL | XCB_CW_BIT_GRAVITY |
@@ -87,8 +85,7 @@ bool X11Display::CreateOnServer(xcb_window_t id, xcb_window_t parent, const X11W
 void X11Display::DestroyWindow(WindowId id) {
     const TerminationDeferral deferral;
     const std::unique_ptr<X11Window> window = windows_.Remove(id);
-    if (!window || window->gone)
-        return;
+    if (!window || window->gone) return;
     windows_.MarkInsideGone(id);
     xcb_destroy_window(connection_->Get(), id);
     connection_->Flush();
@@ -109,8 +106,7 @@ void X11Display::Move(WindowId id, int x, int y, int width, int height) {
         WriteX11SizeHints(*connection_, id, after);
     }
     Place(id, place);
-    if (before.shown && HasArea(before.place) != HasArea(place))
-        ShowOrHide(id, false);
+    if (before.shown && HasArea(before.place) != HasArea(place)) ShowOrHide(id, false);
     connection_->Flush();
 }
 
@@ -129,28 +125,23 @@ void X11Display::Place(WindowId id, const X11Place& place) {
 
 void X11Display::Show(WindowId id, bool visible, bool activate) {
     const TerminationDeferral deferral;
-    if (windows_.With(id, [&](X11Window& window) { window.shown = visible; }))
-        ShowOrHide(id, activate);
+    if (windows_.With(id, [&](X11Window& window) { window.shown = visible; })) ShowOrHide(id, activate);
     connection_->Flush();
 }
 
 void X11Display::ShowOrHide(WindowId id, bool activate) {
     X11Window window;
-    if (!windows_.With(id, [&](const X11Window& each) { window = each; }))
-        return;
+    if (!windows_.With(id, [&](const X11Window& each) { window = each; })) return;
     if (!window.shown || !HasArea(window.place)) {
         xcb_unmap_window(connection_->Get(), id);
-        if (window.topLevel)
-            AskX11Withdrawal(*connection_, id);
+        if (window.topLevel) AskX11Withdrawal(*connection_, id);
         return;
     }
     const bool takesFocus = activate && window.topLevel;
-    const bool managed = takesFocus && connection_->HasWindowManager();
-    if (window.topLevel && !window.mapped)
-        WriteX11State(*connection_, id, window);
+    const bool managed = takesFocus && window.managed && connection_->HasWindowManager();
+    if (window.topLevel && !window.mapped) WriteX11State(*connection_, id, window);
     xcb_map_window(connection_->Get(), id);
-    if (!takesFocus)
-        return;
+    if (!takesFocus) return;
     Raise(id);
     // A manager decides itself about a window that it sees for the first time.
     if (!managed)
@@ -170,8 +161,7 @@ void X11Display::SetTitle(WindowId id, const std::string& title) {
     const TerminationDeferral deferral;
     bool topLevel = false;
     windows_.With(id, [&](const X11Window& window) { topLevel = window.topLevel; });
-    if (topLevel)
-        WriteX11Title(*connection_, id, title);
+    if (topLevel) WriteX11Title(*connection_, id, title);
     connection_->Flush();
 }
 
@@ -183,17 +173,13 @@ void X11Display::SetFullScreen(WindowId id, bool on) {
     bool changed = false;
     windows_.With(id, [&](X11Window& window) {
         changed = window.topLevel && window.fullScreen != on;
-        if (!changed)
-            return;
+        if (!changed) return;
         window.fullScreen = on;
-        if (on)
-            window.beforeFullScreen = window.place;
-        if (!managed)
-            window.place = on ? X11Place{0, 0, screen.cx, screen.cy} : window.beforeFullScreen;
+        if (on) window.beforeFullScreen = window.place;
+        if (!managed) window.place = on ? X11Place{0, 0, screen.cx, screen.cy} : window.beforeFullScreen;
         after = window;
     });
-    if (!changed)
-        return;
+    if (!changed) return;
     // A manager doesn't stretch what says that its size is fixed.
     WriteX11SizeHints(*connection_, id, after);
     if (!managed) {
@@ -214,11 +200,9 @@ void X11Display::SetAlwaysOnTop(WindowId id, bool on) {
         window.alwaysOnTop = on;
         after.shown = window.shown;
     });
-    if (!changed || !after.shown)
-        return;  // a window that isn't shown yet takes its states along
+    if (!changed || !after.shown) return;  // a window that isn't shown yet takes its states along
     AskX11State(*connection_, id, connection_->Atoms().netWmStateAbove, on);
-    if (on)
-        Raise(id);
+    if (on) Raise(id);
     connection_->Flush();
 }
 
@@ -265,11 +249,9 @@ bool X11Display::GetScreenRect(WindowId id, RECT* rect) const {
     xcb_generic_error_t* errors[2] = {};
     const auto geometry = X11Reply(xcb_get_geometry_reply(connection, geometryCookie, &errors[0]));
     const auto origin = X11Reply(xcb_translate_coordinates_reply(connection, originCookie, &errors[1]));
-    for (xcb_generic_error_t* error : errors)
-        X11Reply(error);
+    for (xcb_generic_error_t* error : errors) X11Reply(error);
     // A pixmap has a geometry too, but no place.
-    if (!geometry || !origin)
-        return false;
+    if (!geometry || !origin) return false;
     *rect = {origin->dst_x, origin->dst_y, origin->dst_x + geometry->width, origin->dst_y + geometry->height};
     return true;
 }
@@ -277,15 +259,13 @@ bool X11Display::GetScreenRect(WindowId id, RECT* rect) const {
 bool X11Display::MakePicture(WindowId id, int width, int height, Raster* raster) {
     const TerminationDeferral deferral;
     std::shared_ptr<X11Picture> before;
-    if (!windows_.With(id, [&](const X11Window& window) { before = window.picture; }))
-        return false;
+    if (!windows_.With(id, [&](const X11Window& window) { before = window.picture; })) return false;
     if (before && before->Pixels().width == width && before->Pixels().height == height) {
         *raster = before->Pixels();
         return true;
     }
     std::shared_ptr<X11Picture> made = X11Picture::Make(connection_, width, height);
-    if (!made)
-        return false;
+    if (!made) return false;
     *raster = made->Pixels();
     return windows_.With(id, [&](X11Window& window) { window.picture = std::move(made); });
 }
@@ -300,11 +280,9 @@ void X11Display::PutPicture(WindowId id, const RECT& rect) {
     const TerminationDeferral deferral;
     std::shared_ptr<X11Picture> picture;
     windows_.With(id, [&](const X11Window& window) {
-        if (!window.gone)
-            picture = window.picture;
+        if (!window.gone) picture = window.picture;
     });
-    if (picture)
-        picture->Put(id, rect);
+    if (picture) picture->Put(id, rect);
 }
 
 }  // namespace tdkp

@@ -39,7 +39,7 @@ public:
     void PutPicture(WindowId window, const RECT& rect) override;
 
 private:
-    bool CreateOnServer(xcb_window_t id, xcb_window_t parent, const X11Window& window, bool popup);
+    bool CreateOnServer(xcb_window_t id, const X11Window& window);
     void Place(WindowId window, const X11Place& place);
     void ShowOrHide(WindowId id, bool activate);
 

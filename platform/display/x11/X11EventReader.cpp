@@ -65,7 +65,9 @@ uint32_t PackSize(uint16_t width, uint16_t height) {
 }  // namespace
 
 X11EventReader::X11EventReader(std::shared_ptr<X11Connection> connection, X11Windows& windows, DisplaySink& sink)
-    : connection_(std::move(connection)), windows_(windows), sink_(sink),
+    : connection_(std::move(connection)),
+      windows_(windows),
+      sink_(sink),
       screenSize_(PackSize(connection_->Screen().width_in_pixels, connection_->Screen().height_in_pixels)) {
     const uint32_t rootEvents = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(connection_->Get(), connection_->Screen().root, XCB_CW_EVENT_MASK, &rootEvents);
@@ -104,31 +106,45 @@ void X11EventReader::Run() {
 }
 
 X11EventReader::Event X11EventReader::NextEvent() {
-    if (ahead_)
-        return std::move(ahead_);
+    if (ahead_) return std::move(ahead_);
     return X11Reply(xcb_wait_for_event(connection_->Get()));
 }
 
 void X11EventReader::Handle(const xcb_generic_event_t& event) {
     switch (event.response_type & kEventMask) {
-    case XCB_BUTTON_PRESS: return OnButton(As<xcb_button_press_event_t>(event), true);
-    case XCB_BUTTON_RELEASE: return OnButton(As<xcb_button_release_event_t>(event), false);
-    case XCB_MOTION_NOTIFY: return OnMotion(As<xcb_motion_notify_event_t>(event));
-    case XCB_KEY_PRESS: return OnKey(As<xcb_key_press_event_t>(event), true);
-    case XCB_KEY_RELEASE: return OnKey(As<xcb_key_release_event_t>(event), false);
-    case XCB_FOCUS_IN: return OnFocus(As<xcb_focus_in_event_t>(event), true);
-    case XCB_FOCUS_OUT: return OnFocus(As<xcb_focus_out_event_t>(event), false);
-    case XCB_EXPOSE: return OnExpose(As<xcb_expose_event_t>(event));
-    case XCB_CONFIGURE_NOTIFY:
-        return OnConfigure(As<xcb_configure_notify_event_t>(event), (event.response_type & kSentByClient) != 0,
-                           event.full_sequence);
-    case XCB_REPARENT_NOTIFY: return OnReparent(As<xcb_reparent_notify_event_t>(event));
-    case XCB_MAP_NOTIFY: return OnMap(As<xcb_map_notify_event_t>(event).window, true);
-    case XCB_UNMAP_NOTIFY: return OnMap(As<xcb_unmap_notify_event_t>(event).window, false);
-    case XCB_DESTROY_NOTIFY: return OnDestroy(As<xcb_destroy_notify_event_t>(event).window);
-    case XCB_CLIENT_MESSAGE: return OnClientMessage(As<xcb_client_message_event_t>(event));
-    case XCB_MAPPING_NOTIFY: return keyboard_->Reload();
-    default: return;  // also 0, the errors of requests that came too late
+        case XCB_BUTTON_PRESS:
+            return OnButton(As<xcb_button_press_event_t>(event), true);
+        case XCB_BUTTON_RELEASE:
+            return OnButton(As<xcb_button_release_event_t>(event), false);
+        case XCB_MOTION_NOTIFY:
+            return OnMotion(As<xcb_motion_notify_event_t>(event));
+        case XCB_KEY_PRESS:
+            return OnKey(As<xcb_key_press_event_t>(event), true);
+        case XCB_KEY_RELEASE:
+            return OnKey(As<xcb_key_release_event_t>(event), false);
+        case XCB_FOCUS_IN:
+            return OnFocus(As<xcb_focus_in_event_t>(event), true);
+        case XCB_FOCUS_OUT:
+            return OnFocus(As<xcb_focus_out_event_t>(event), false);
+        case XCB_EXPOSE:
+            return OnExpose(As<xcb_expose_event_t>(event));
+        case XCB_CONFIGURE_NOTIFY:
+            return OnConfigure(As<xcb_configure_notify_event_t>(event), (event.response_type & kSentByClient) != 0,
+                               event.full_sequence);
+        case XCB_REPARENT_NOTIFY:
+            return OnReparent(As<xcb_reparent_notify_event_t>(event));
+        case XCB_MAP_NOTIFY:
+            return OnMap(As<xcb_map_notify_event_t>(event).window, true);
+        case XCB_UNMAP_NOTIFY:
+            return OnMap(As<xcb_unmap_notify_event_t>(event).window, false);
+        case XCB_DESTROY_NOTIFY:
+            return OnDestroy(As<xcb_destroy_notify_event_t>(event).window);
+        case XCB_CLIENT_MESSAGE:
+            return OnClientMessage(As<xcb_client_message_event_t>(event));
+        case XCB_MAPPING_NOTIFY:
+            return keyboard_->Reload();
+        default:
+            return;  // also 0, the errors of requests that came too late
     }
 }
 
@@ -150,8 +166,7 @@ void X11EventReader::OnMotion(const xcb_motion_notify_event_t& event) {
 }
 
 void X11EventReader::OnKey(const xcb_key_press_event_t& event, bool down) {
-    if (!down && IsRepeated(event))
-        return;
+    if (!down && IsRepeated(event)) return;
     const X11Key key = keyboard_->Translate(event.detail, event.state);
     if (key.virtualKey != 0 || key.text != 0)
         sink_.OnKey(event.event, down, key.virtualKey, key.text, key.altDown, event.time);
@@ -159,10 +174,8 @@ void X11EventReader::OnKey(const xcb_key_press_event_t& event, bool down) {
 
 // A key that is held down comes as pairs of release and press; only the press is news.
 bool X11EventReader::IsRepeated(const xcb_key_release_event_t& event) {
-    if (!ahead_)
-        ahead_ = X11Reply(xcb_poll_for_queued_event(connection_->Get()));
-    if (!ahead_ || (ahead_->response_type & kEventMask) != XCB_KEY_PRESS)
-        return false;
+    if (!ahead_) ahead_ = X11Reply(xcb_poll_for_queued_event(connection_->Get()));
+    if (!ahead_ || (ahead_->response_type & kEventMask) != XCB_KEY_PRESS) return false;
     const auto& next = As<xcb_key_press_event_t>(*ahead_);
     return next.detail == event.detail && next.time == event.time;
 }
@@ -170,10 +183,8 @@ bool X11EventReader::IsRepeated(const xcb_key_release_event_t& event) {
 void X11EventReader::OnFocus(const xcb_focus_in_event_t& event, bool gained) {
     // A grab takes the keyboard for a moment; the other details are about who lies under the pointer, or
     // about windows inside this one.
-    if (event.mode == XCB_NOTIFY_MODE_GRAB || event.mode == XCB_NOTIFY_MODE_UNGRAB)
-        return;
-    if (event.detail == XCB_NOTIFY_DETAIL_INFERIOR || event.detail >= XCB_NOTIFY_DETAIL_POINTER)
-        return;
+    if (event.mode == XCB_NOTIFY_MODE_GRAB || event.mode == XCB_NOTIFY_MODE_UNGRAB) return;
+    if (event.detail == XCB_NOTIFY_DETAIL_INFERIOR || event.detail >= XCB_NOTIFY_DETAIL_POINTER) return;
     sink_.OnFocus(event.event, gained);
 }
 
@@ -197,21 +208,18 @@ void X11EventReader::OnConfigure(const xcb_configure_notify_event_t& event, bool
         xcb_generic_error_t* error = nullptr;
         const auto reply = X11Reply(xcb_translate_coordinates_reply(connection, cookie, &error));
         const auto errorOwner = X11Reply(error);
-        if (!reply)
-            return;
+        if (!reply) return;
         place.x = reply->dst_x;
         place.y = reply->dst_y;
     }
     bool isNews = false;
     windows_.With(event.window, [&](X11Window& window) {
         const bool stale = static_cast<int32_t>(sequence - window.placedAt) < 0;
-        if (!window.topLevel || stale)
-            return;
+        if (!window.topLevel || stale) return;
         isNews = place != window.told;
         window.place = window.told = place;
     });
-    if (isNews)
-        sink_.OnMovedOrSized(event.window, place.x, place.y, place.width, place.height);
+    if (isNews) sink_.OnMovedOrSized(event.window, place.x, place.y, place.width, place.height);
 }
 
 void X11EventReader::OnReparent(const xcb_reparent_notify_event_t& event) {
@@ -223,8 +231,7 @@ void X11EventReader::OnMap(xcb_window_t id, bool mapped) {
     bool focus = false;
     windows_.With(id, [&](X11Window& window) {
         window.mapped = mapped;
-        if (mapped)
-            focus = std::exchange(window.focusWhenMapped, false);
+        if (mapped) focus = std::exchange(window.focusWhenMapped, false);
     });
     if (focus) {
         xcb_set_input_focus(connection_->Get(), XCB_INPUT_FOCUS_PARENT, id, XCB_CURRENT_TIME);
@@ -235,14 +242,12 @@ void X11EventReader::OnMap(xcb_window_t id, bool mapped) {
 void X11EventReader::OnDestroy(xcb_window_t id) {
     bool isNews = false;
     windows_.With(id, [&](X11Window& window) { isNews = !std::exchange(window.gone, true); });
-    if (isNews)
-        sink_.OnDestroyed(id);
+    if (isNews) sink_.OnDestroyed(id);
 }
 
 void X11EventReader::OnClientMessage(const xcb_client_message_event_t& event) {
     const X11Atoms& atoms = connection_->Atoms();
-    if (event.type != atoms.wmProtocols || event.format != 32 || !windows_.Has(event.window))
-        return;
+    if (event.type != atoms.wmProtocols || event.format != 32 || !windows_.Has(event.window)) return;
     if (event.data.data32[0] == atoms.wmDeleteWindow) {
         sink_.OnCloseRequest(event.window);
     } else if (event.data.data32[0] == atoms.netWmPing) {
@@ -257,10 +262,8 @@ void X11EventReader::OnClientMessage(const xcb_client_message_event_t& event) {
 }
 
 void X11EventReader::OnServerGone() {
-    if (ending_.load(std::memory_order_relaxed))
-        return;
-    for (const WindowId id : windows_.All())
-        OnDestroy(id);
+    if (ending_.load(std::memory_order_relaxed)) return;
+    for (const WindowId id : windows_.All()) OnDestroy(id);
 }
 
 }  // namespace tdkp

@@ -38,6 +38,12 @@ static_assert(sizeof(InputHints) == 9 * sizeof(uint32_t));
 
 constexpr uint32_t kInputHint = 1 << 0;
 
+// _MOTIF_WM_HINTS, which managers still take for this one thing.
+struct MotifHints {
+    uint32_t flags = 1 << 1;  // `decorations` counts
+    uint32_t functions = 0, decorations = 0, inputMode = 0, status = 0;
+};
+
 constexpr uint8_t kBytes = 8;
 constexpr uint8_t kWords = 32;
 constexpr uint32_t kFromApplication = 1;
@@ -83,10 +89,24 @@ bool HasProperty(const X11Connection& connection, xcb_window_t window, xcb_atom_
     return reply && reply->type != XCB_ATOM_NONE;
 }
 
+// The top-level window that holds `window`, or 0: what a manager looks after.
+xcb_window_t ManagedWindowOf(const X11Connection& connection, xcb_window_t window) {
+    const xcb_window_t root = connection.Screen().root;
+    while (window != 0 && window != root) {
+        xcb_generic_error_t* error = nullptr;
+        const auto tree =
+            X11Reply(xcb_query_tree_reply(connection.Get(), xcb_query_tree(connection.Get(), window), &error));
+        const auto errorOwner = X11Reply(error);
+        if (!tree) return 0;
+        if (tree->parent == root || HasProperty(connection, window, connection.Atoms().wmState)) return window;
+        window = tree->parent;
+    }
+    return 0;
+}
+
 }  // namespace
 
-void WriteX11Identity(const X11Connection& connection, xcb_window_t window, const DisplayWindowInfo& info,
-                      xcb_window_t owner) {
+void WriteX11Identity(const X11Connection& connection, xcb_window_t window, const DisplayWindowInfo& info) {
     const X11Atoms& atoms = connection.Atoms();
     // Instance and class, each with its terminating zero.
     const std::string zero(1, '\0');
@@ -105,10 +125,15 @@ void WriteX11Identity(const X11Connection& connection, xcb_window_t window, cons
     input.input = 1;
     SetWords(connection, window, XCB_ATOM_WM_HINTS, XCB_ATOM_WM_HINTS, &input, sizeof input / sizeof(uint32_t));
 
+    const xcb_window_t owner = info.owner != 0 ? ManagedWindowOf(connection, info.owner) : 0;
     const xcb_atom_t kind = owner != 0 ? atoms.netWmWindowTypeDialog : atoms.netWmWindowTypeNormal;
     SetWords(connection, window, atoms.netWmWindowType, XCB_ATOM_ATOM, &kind, 1);
-    if (owner != 0)
-        SetWords(connection, window, XCB_ATOM_WM_TRANSIENT_FOR, XCB_ATOM_WINDOW, &owner, 1);
+    if (owner != 0) SetWords(connection, window, XCB_ATOM_WM_TRANSIENT_FOR, XCB_ATOM_WINDOW, &owner, 1);
+    if (!info.framed) {
+        const MotifHints noFrame;
+        SetWords(connection, window, atoms.motifWmHints, atoms.motifWmHints, &noFrame,
+                 sizeof noFrame / sizeof(uint32_t));
+    }
 }
 
 void WriteX11Title(const X11Connection& connection, xcb_window_t window, const std::string& title) {
@@ -123,8 +148,7 @@ void WriteX11SizeHints(const X11Connection& connection, xcb_window_t window, con
     hints.flags = kProgramSize | kGravity;
     hints.gravity = XCB_GRAVITY_STATIC;
     // The corner of the screen is where a window lies that nobody gave a place.
-    if (state.place.x != 0 || state.place.y != 0)
-        hints.flags |= kUserPosition;
+    if (state.place.x != 0 || state.place.y != 0) hints.flags |= kUserPosition;
     hints.x = state.place.x;
     hints.y = state.place.y;
     hints.width = state.place.width;
@@ -142,10 +166,8 @@ void WriteX11State(const X11Connection& connection, xcb_window_t window, const X
     const X11Atoms& atoms = connection.Atoms();
     xcb_atom_t states[2] = {};
     uint32_t count = 0;
-    if (state.fullScreen)
-        states[count++] = atoms.netWmStateFullScreen;
-    if (state.alwaysOnTop)
-        states[count++] = atoms.netWmStateAbove;
+    if (state.fullScreen) states[count++] = atoms.netWmStateFullScreen;
+    if (state.alwaysOnTop) states[count++] = atoms.netWmStateAbove;
     SetWords(connection, window, atoms.netWmState, XCB_ATOM_ATOM, states, count);
 }
 
@@ -172,22 +194,6 @@ void AskX11Withdrawal(const X11Connection& connection, xcb_window_t window) {
     xcb_send_event(connection.Get(), 0, connection.Screen().root,
                    XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
                    reinterpret_cast<const char*>(&event));
-}
-
-xcb_window_t X11ManagedWindowOf(const X11Connection& connection, xcb_window_t window) {
-    const xcb_window_t root = connection.Screen().root;
-    while (window != 0 && window != root) {
-        xcb_generic_error_t* error = nullptr;
-        const auto tree =
-            X11Reply(xcb_query_tree_reply(connection.Get(), xcb_query_tree(connection.Get(), window), &error));
-        const auto errorOwner = X11Reply(error);
-        if (!tree)
-            return 0;
-        if (tree->parent == root || HasProperty(connection, window, connection.Atoms().wmState))
-            return window;
-        window = tree->parent;
-    }
-    return 0;
 }
 
 }  // namespace tdkp

@@ -9,9 +9,8 @@
 
 namespace tdkp {
 
-// Class, title, protocols, process and kind; `owner` is the window that a dialog belongs to, or 0.
-void WriteX11Identity(const X11Connection& connection, xcb_window_t window, const DisplayWindowInfo& info,
-                      xcb_window_t owner);
+// Class, title, protocols, process, kind, frame and owner.
+void WriteX11Identity(const X11Connection& connection, xcb_window_t window, const DisplayWindowInfo& info);
 void WriteX11Title(const X11Connection& connection, xcb_window_t window, const std::string& title);
 // The place is that of the client area; a fixed size is told as the only one.
 void WriteX11SizeHints(const X11Connection& connection, xcb_window_t window, const X11Window& state);
@@ -23,8 +22,5 @@ void AskX11State(const X11Connection& connection, xcb_window_t window, xcb_atom_
 void AskX11Activation(const X11Connection& connection, xcb_window_t window);
 // A window that is hidden also withdraws from the manager, minimised or not.
 void AskX11Withdrawal(const X11Connection& connection, xcb_window_t window);
-
-// The top-level window that holds `window`, or 0: the one below the root that the manager looks after.
-xcb_window_t X11ManagedWindowOf(const X11Connection& connection, xcb_window_t window);
 
 }  // namespace tdkp

@@ -25,16 +25,14 @@ int32_t PaddedBytes(const X11Visual& visual, int width) {
 }  // namespace
 
 std::shared_ptr<X11Picture> X11Picture::Make(std::shared_ptr<X11Connection> connection, int width, int height) {
-    if (width <= 0 || height <= 0 || width > kMaxSide || height > kMaxSide)
-        return nullptr;
+    if (width <= 0 || height <= 0 || width > kMaxSide || height > kMaxSide) return nullptr;
     std::shared_ptr<X11Picture> picture(new X11Picture(std::move(connection)));
     const X11Visual& visual = picture->connection_->Visual();
     const int32_t pitch = PaddedBytes(visual, width);
     const size_t bytes = static_cast<size_t>(pitch) * static_cast<size_t>(height);
     if (!picture->Share(bytes)) {
         picture->plain_.reset(new (std::nothrow) uint8_t[bytes]());
-        if (!picture->plain_)
-            return nullptr;
+        if (!picture->plain_) return nullptr;
     }
     uint8_t* pixels = picture->segment_ != 0 ? static_cast<uint8_t*>(picture->shared_) : picture->plain_.get();
     picture->raster_ = {pixels, pitch, width, height, visual.format, picture->connection_->Palette()};
@@ -50,11 +48,9 @@ X11Picture::~X11Picture() {
 }
 
 bool X11Picture::Share(size_t bytes) {
-    if (!connection_->sharesMemory.load(std::memory_order_relaxed))
-        return false;
+    if (!connection_->sharesMemory.load(std::memory_order_relaxed)) return false;
     const int id = shmget(IPC_PRIVATE, bytes, IPC_CREAT | kOwnerOnly);
-    if (id < 0)
-        return false;
+    if (id < 0) return false;
     void* const memory = shmat(id, nullptr, 0);
     bool attached = false;
     if (memory != reinterpret_cast<void*>(-1)) {
@@ -80,8 +76,7 @@ bool X11Picture::Share(size_t bytes) {
 void X11Picture::Put(xcb_window_t window, const RECT& rect) const {
     const RECT part = {std::max(rect.left, 0), std::max(rect.top, 0), std::min(rect.right, raster_.width),
                        std::min(rect.bottom, raster_.height)};
-    if (part.left >= part.right || part.top >= part.bottom)
-        return;
+    if (part.left >= part.right || part.top >= part.bottom) return;
     if (segment_ != 0)
         PutShared(window, part);
     else

@@ -32,10 +32,8 @@ constexpr int kSharedGreys = 16;
 constexpr int kColorScale = 257;  // 8 bits to the protocol's 16
 
 PixelFormat FormatOf(const xcb_visualtype_t& visual, uint8_t depth, uint8_t bitsPerPixel) {
-    if (depth == kIndexedDepth)
-        return bitsPerPixel == kIndexedDepth ? PixelFormat::kIndexed8 : PixelFormat::kNone;
-    if (visual._class != XCB_VISUAL_CLASS_TRUE_COLOR)
-        return PixelFormat::kNone;
+    if (depth == kIndexedDepth) return bitsPerPixel == kIndexedDepth ? PixelFormat::kIndexed8 : PixelFormat::kNone;
+    if (visual._class != XCB_VISUAL_CLASS_TRUE_COLOR) return PixelFormat::kNone;
     for (const TrueColorFormat& known : kTrueColorFormats) {
         if (known.depth == depth && known.bitsPerPixel == bitsPerPixel && known.red == visual.red_mask &&
             known.green == visual.green_mask && known.blue == visual.blue_mask)
@@ -51,12 +49,12 @@ std::vector<X11Visual> UsableVisuals(const xcb_setup_t& setup, const xcb_screen_
         const xcb_format_t* end = formats + xcb_setup_pixmap_formats_length(&setup);
         const xcb_format_t* format =
             std::find_if(formats, end, [&](const xcb_format_t& each) { return each.depth == depth.data->depth; });
-        if (format == end)
-            continue;
+        if (format == end) continue;
         for (auto visual = xcb_depth_visuals_iterator(depth.data); visual.rem != 0; xcb_visualtype_next(&visual)) {
             const PixelFormat pixels = FormatOf(*visual.data, depth.data->depth, format->bits_per_pixel);
             if (pixels != PixelFormat::kNone)
-                usable.push_back({*visual.data, depth.data->depth, format->bits_per_pixel, format->scanline_pad, pixels});
+                usable.push_back(
+                    {*visual.data, depth.data->depth, format->bits_per_pixel, format->scanline_pad, pixels});
         }
     }
     return usable;
@@ -67,8 +65,7 @@ uint32_t Rgb(uint16_t red, uint16_t green, uint16_t blue) {
 }
 
 uint32_t FieldOf(uint32_t pixel, uint32_t mask) {
-    if (mask == 0)
-        return 0;
+    if (mask == 0) return 0;
     const int shift = std::countr_zero(mask);
     return ((pixel & mask) >> shift) * 255 / (mask >> shift);
 }
@@ -84,8 +81,7 @@ Palette PaletteOfMasks(const xcb_visualtype_t& visual) {
 Palette QueryColors(xcb_connection_t* connection, xcb_colormap_t colormap, int count) {
     Palette palette = {};
     uint32_t pixels[kPaletteSize];
-    for (int pixel = 0; pixel < count; ++pixel)
-        pixels[pixel] = static_cast<uint32_t>(pixel);
+    for (int pixel = 0; pixel < count; ++pixel) pixels[pixel] = static_cast<uint32_t>(pixel);
     const auto reply = X11Reply(xcb_query_colors_reply(
         connection, xcb_query_colors(connection, colormap, static_cast<uint32_t>(count), pixels), nullptr));
     if (reply) {
@@ -101,7 +97,8 @@ bool AllocateShared(xcb_connection_t* connection, xcb_colormap_t colormap, const
                     Palette* palette, std::array<bool, kPaletteSize>* kept) {
     std::vector<xcb_alloc_color_cookie_t> cookies;
     for (const uint32_t color : colors)
-        cookies.push_back(xcb_alloc_color(connection, colormap, static_cast<uint16_t>((color >> 16 & 255) * kColorScale),
+        cookies.push_back(xcb_alloc_color(connection, colormap,
+                                          static_cast<uint16_t>((color >> 16 & 255) * kColorScale),
                                           static_cast<uint16_t>((color >> 8 & 255) * kColorScale),
                                           static_cast<uint16_t>((color & 255) * kColorScale)));
     std::vector<uint32_t> allocated;
@@ -109,16 +106,13 @@ bool AllocateShared(xcb_connection_t* connection, xcb_colormap_t colormap, const
         xcb_generic_error_t* error = nullptr;
         const auto reply = X11Reply(xcb_alloc_color_reply(connection, cookie, &error));
         const auto errorOwner = X11Reply(error);
-        if (!reply || reply->pixel >= kPaletteSize)
-            continue;
+        if (!reply || reply->pixel >= kPaletteSize) continue;
         allocated.push_back(reply->pixel);
         (*palette)[reply->pixel] = Rgb(reply->red, reply->green, reply->blue);
         (*kept)[reply->pixel] = true;
     }
-    if (allocated.size() == colors.size())
-        return true;
-    for (const uint32_t pixel : allocated)
-        (*kept)[pixel] = false;
+    if (allocated.size() == colors.size()) return true;
+    for (const uint32_t pixel : allocated) (*kept)[pixel] = false;
     xcb_free_colors(connection, colormap, 0, static_cast<uint32_t>(allocated.size()), allocated.data());
     return false;
 }
@@ -128,21 +122,16 @@ bool MakeSharedPalette(xcb_connection_t* connection, xcb_colormap_t colormap, Pa
     int levels = kLargestCube;
     for (; levels >= kSmallestCube; --levels) {
         std::vector<uint32_t> cube;
-        for (int index = 0; index < levels * levels * levels; ++index)
-            cube.push_back(CubeColor(levels, index));
-        if (AllocateShared(connection, colormap, cube, palette, &kept))
-            break;
+        for (int index = 0; index < levels * levels * levels; ++index) cube.push_back(CubeColor(levels, index));
+        if (AllocateShared(connection, colormap, cube, palette, &kept)) break;
     }
-    if (levels < kSmallestCube)
-        return false;
+    if (levels < kSmallestCube) return false;
     std::array<bool, kPaletteSize> keptGreys = {};
     std::vector<uint32_t> greys;
-    for (uint32_t grey = 1; grey <= kSharedGreys; ++grey)
-        greys.push_back(grey * 255 / (kSharedGreys + 1) * 0x010101u);
+    for (uint32_t grey = 1; grey <= kSharedGreys; ++grey) greys.push_back(grey * 255 / (kSharedGreys + 1) * 0x010101u);
     AllocateShared(connection, colormap, greys, palette, &keptGreys);
     for (int pixel = 0; pixel < kPaletteSize; ++pixel) {
-        if (!kept[pixel] && !keptGreys[pixel])
-            (*palette)[pixel] = (*palette)[0];
+        if (!kept[pixel] && !keptGreys[pixel]) (*palette)[pixel] = (*palette)[0];
     }
     return true;
 }
@@ -167,13 +156,11 @@ Palette MakePrivatePalette(xcb_connection_t* connection, xcb_window_t root, cons
 std::optional<X11Visual> ChooseX11Visual(const xcb_setup_t& setup, const xcb_screen_t& screen) {
     const std::vector<X11Visual> usable = UsableVisuals(setup, screen);
     for (const X11Visual& visual : usable) {
-        if (visual.type.visual_id == screen.root_visual)
-            return visual;
+        if (visual.type.visual_id == screen.root_visual) return visual;
     }
     for (const uint8_t depth : kDepthsByPreference) {
         for (const X11Visual& visual : usable) {
-            if (visual.depth == depth)
-                return visual;
+            if (visual.depth == depth) return visual;
         }
     }
     return std::nullopt;
@@ -182,16 +169,17 @@ std::optional<X11Visual> ChooseX11Visual(const xcb_setup_t& setup, const xcb_scr
 Palette MakeX11Palette(xcb_connection_t* connection, xcb_window_t root, const xcb_visualtype_t& visual,
                        xcb_colormap_t* colormap) {
     switch (visual._class) {
-    case XCB_VISUAL_CLASS_TRUE_COLOR:
-    case XCB_VISUAL_CLASS_DIRECT_COLOR: return PaletteOfMasks(visual);
-    case XCB_VISUAL_CLASS_STATIC_GRAY:
-    case XCB_VISUAL_CLASS_STATIC_COLOR:
-        return QueryColors(connection, *colormap, std::min<int>(visual.colormap_entries, kPaletteSize));
-    default: break;
+        case XCB_VISUAL_CLASS_TRUE_COLOR:
+        case XCB_VISUAL_CLASS_DIRECT_COLOR:
+            return PaletteOfMasks(visual);
+        case XCB_VISUAL_CLASS_STATIC_GRAY:
+        case XCB_VISUAL_CLASS_STATIC_COLOR:
+            return QueryColors(connection, *colormap, std::min<int>(visual.colormap_entries, kPaletteSize));
+        default:
+            break;
     }
     Palette palette = {};
-    if (MakeSharedPalette(connection, *colormap, &palette))
-        return palette;
+    if (MakeSharedPalette(connection, *colormap, &palette)) return palette;
     return MakePrivatePalette(connection, root, visual, colormap);
 }
 

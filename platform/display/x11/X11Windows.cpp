@@ -12,8 +12,7 @@ WindowId X11Windows::Outermost(WindowId id) const {
     const LayerGuard guard(mutex_);
     for (auto found = windows_.find(id); found != windows_.end() && !found->second.topLevel;) {
         found = windows_.find(found->second.parent);
-        if (found != windows_.end())
-            id = found->first;
+        if (found != windows_.end()) id = found->first;
     }
     return id;
 }
@@ -25,8 +24,7 @@ void X11Windows::MarkInsideGone(WindowId id) {
         const WindowId parent = parents.back();
         parents.pop_back();
         for (auto& [child, window] : windows_) {
-            if (window.parent != parent || window.topLevel || window.gone)
-                continue;
+            if (window.parent != parent || window.topLevel || window.gone) continue;
             window.gone = true;
             parents.push_back(child);
         }
@@ -36,8 +34,7 @@ void X11Windows::MarkInsideGone(WindowId id) {
 std::vector<WindowId> X11Windows::All() const {
     const LayerGuard guard(mutex_);
     std::vector<WindowId> all;
-    for (const auto& entry : windows_)
-        all.push_back(entry.first);
+    for (const auto& entry : windows_) all.push_back(entry.first);
     return all;
 }
 

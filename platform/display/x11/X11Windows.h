@@ -22,10 +22,11 @@ struct X11Place {
 struct X11Window {
     WindowId parent = 0;  // 0 for the root; a window that isn't in the table is a foreign one
     bool topLevel = true;
+    bool managed = true;  // a top-level window that a window manager, if there is one, looks after
     bool resizable = true;
-    X11Place place;           // as last asked for, or as last told by the server
-    X11Place told;            // as last reported to the sink
-    uint32_t placedAt = 0;    // the request that last asked for a place; what was told before it is stale
+    X11Place place;         // as last asked for, or as last told by the server
+    X11Place told;          // as last reported to the sink
+    uint32_t placedAt = 0;  // the request that last asked for a place; what was told before it is stale
     X11Place beforeFullScreen;
     bool shown = false;   // asked to be
     bool mapped = false;  // as the server told
@@ -53,8 +54,7 @@ public:
     bool With(WindowId id, Use&& use) {
         const LayerGuard guard(mutex_);
         const auto found = windows_.find(id);
-        if (found == windows_.end())
-            return false;
+        if (found == windows_.end()) return false;
         use(found->second);
         return true;
     }

@@ -11,7 +11,9 @@ inline uint32_t LoadPixel(const uint8_t* at) {
     std::memcpy(&pixel, at, sizeof(pixel));
     return pixel;
 }
-inline void StorePixel(uint8_t* at, uint32_t pixel) { std::memcpy(at, &pixel, sizeof(pixel)); }
+inline void StorePixel(uint8_t* at, uint32_t pixel) {
+    std::memcpy(at, &pixel, sizeof(pixel));
+}
 
 // Each byte of the pixel shifted right by kBits.
 template <int kBits>

@@ -35,7 +35,9 @@ uint8_t BlurByte(const Reader& at, int byte) {
 }
 
 // The colour's bytes in the order of a pixel's: from the top. Pixels of more than four repeat them.
-uint8_t ColorByte(uint32_t color, int byte) { return static_cast<uint8_t>(color >> (24 - 8 * (byte & 3))); }
+uint8_t ColorByte(uint32_t color, int byte) {
+    return static_cast<uint8_t>(color >> (24 - 8 * (byte & 3)));
+}
 
 template <int kKernel, typename Reader>
 void ShadePixel(const EffectPass& pass, const Reader& at, uint8_t* out) {
@@ -54,8 +56,8 @@ void Run(const EffectPass& pass) {
         for (int32_t x = 0; x < pass.width; ++x, walk.Next(), out += pass.bytesPerPixel) {
             const int32_t limitedX = all.LimitX(walk.X()), limitedY = all.LimitY(walk.Y());
             if (inner.Holds(walk.X(), walk.Y()) || (pass.clamp && pass.HasInnerPixels())) {
-                const uint8_t* centre = pass.source + limitedY * pass.sourcePitch +
-                                        static_cast<ptrdiff_t>(limitedX) * pass.bytesPerPixel;
+                const uint8_t* centre =
+                    pass.source + limitedY * pass.sourcePitch + static_cast<ptrdiff_t>(limitedX) * pass.bytesPerPixel;
                 ShadePixel<kKernel>(pass, InnerReader{centre, pass.bytesPerPixel, pass.sourcePitch}, out);
             } else if (pass.clamp) {
                 ShadePixel<kKernel>(pass, EdgeReader{pass, limitedX, limitedY}, out);
@@ -74,6 +76,8 @@ constexpr auto kPasses = MakeTable(std::make_integer_sequence<int, kKernelCount>
 
 }  // namespace
 
-EffectPassFunction FindBytePath(const EffectPass& pass) { return kPasses[static_cast<size_t>(pass.kernel)]; }
+EffectPassFunction FindBytePath(const EffectPass& pass) {
+    return kPasses[static_cast<size_t>(pass.kernel)];
+}
 
 }  // namespace tdkviz

@@ -16,19 +16,23 @@ constexpr int32_t WrapAdd(int32_t a, int32_t b) {
 constexpr int32_t WrapMul(int32_t a, int32_t b) {
     return static_cast<int32_t>(static_cast<uint32_t>(a) * static_cast<uint32_t>(b));
 }
-constexpr int32_t WholePixels(int32_t offset) { return offset >> kOffsetBits; }
+constexpr int32_t WholePixels(int32_t offset) {
+    return offset >> kOffsetBits;
+}
 
 // Blur kernels, as the tables of both paths number them.
 inline constexpr int kKernelCount = 11;
 inline constexpr int kLastKernel = kKernelCount - 1;
-constexpr int KernelOf(int32_t blurAmount) { return blurAmount < 0 || blurAmount > kLastKernel ? kLastKernel : blurAmount; }
+constexpr int KernelOf(int32_t blurAmount) {
+    return blurAmount < 0 || blurAmount > kLastKernel ? kLastKernel : blurAmount;
+}
 
 struct EffectPass {
     const uint8_t* source;
-    uint8_t* destination;  // packed
-    int32_t width, height;  // pixels, at least 1
-    int32_t bytesPerPixel;  // at least 1
-    ptrdiff_t sourcePitch;  // bytes
+    uint8_t* destination;                          // packed
+    int32_t width, height;                         // pixels, at least 1
+    int32_t bytesPerPixel;                         // at least 1
+    ptrdiff_t sourcePitch;                         // bytes
     int32_t zoomX, zoomY, rotate, slideX, slideY;  // active values x 256, wrapped
     int32_t jitterX, jitterY;                      // 0 to 255
     bool clamp;

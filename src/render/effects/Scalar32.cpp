@@ -1,4 +1,5 @@
 // The 32-bit path for coordinates that are linear along a row: everything but extreme values.
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -10,7 +11,7 @@ namespace tdkviz {
 namespace {
 
 constexpr int kPixelBytes = 4;
-constexpr int kBlock = 8;  // pixels that are done together where the source runs on without a jump
+constexpr int32_t kBlock = 8;  // pixels that are done together where the source runs on without a jump
 
 // Blends a pixel with the fade colour, two bytes in each half: both fit 16 bits as long as the weights
 // add up to 256.
@@ -50,16 +51,14 @@ private:
     void Row(int32_t y, uint8_t* out) const {
         const int32_t u = pass_.width >> 1, v = (pass_.height >> 1) - y;
         int32_t atX = u * WholePixels(pass_.zoomX) + pass_.jitterX + v * WholePixels(pass_.rotate) + pass_.slideX;
-        int32_t atY = y * kOffsetUnit - u * WholePixels(pass_.rotate) + pass_.jitterY +
-                      v * WholePixels(pass_.zoomY) + pass_.slideY;
-        int32_t x = 0;
-        for (; x + kBlock <= pass_.width; x += kBlock) {
-            if (!Block(atX, atY, out)) Pixels(atX, atY, kBlock, out);
+        int32_t atY = y * kOffsetUnit - u * WholePixels(pass_.rotate) + pass_.jitterY + v * WholePixels(pass_.zoomY) +
+                      pass_.slideY;
+        for (int32_t left = pass_.width; left > 0; left -= kBlock) {
+            if (left < kBlock || !Block(atX, atY, out)) Pixels(atX, atY, std::min(left, kBlock), out);
             atX += kBlock * stepX_;
             atY += kBlock * stepY_;
             out += kBlock * kPixelBytes;
         }
-        Pixels(atX, atY, pass_.width - x, out);
     }
 
     // A block whose source pixels lie side by side. Positions are linear, so the two ends tell.
@@ -70,9 +69,7 @@ private:
         if (!range_.Holds(firstX, firstY) || lastX > range_.highX) return false;
         const uint8_t* centre = At(firstX, firstY);
         uint32_t pixels[kBlock];
-// Unrolled, the block would no longer be seen as a loop over vectors.
-#pragma GCC unroll 1
-        for (int i = 0; i < kBlock; ++i) pixels[i] = Shade(centre + i * kPixelBytes);
+        for (int32_t i = 0; i < kBlock; ++i) pixels[i] = Shade(centre + i * kPixelBytes);
         std::memcpy(out, pixels, sizeof(pixels));
         return true;
     }
@@ -114,7 +111,8 @@ using Variants = std::array<EffectPassFunction, 4>;
 template <int... kKernels>
 constexpr auto MakeTable(std::integer_sequence<int, kKernels...>) {
     return std::array<Variants, sizeof...(kKernels)>{Variants{Run<kKernels, false, false>, Run<kKernels, true, false>,
-                                                              Run<kKernels, false, true>, Run<kKernels, true, true>}...};
+                                                              Run<kKernels, false, true>,
+                                                              Run<kKernels, true, true>}...};
 }
 constexpr auto kPasses = MakeTable(std::make_integer_sequence<int, kKernelCount>());
 

@@ -1,4 +1,6 @@
 // The factory succeeds without an object.
 #include "tests/plugins/testplugins/TestPlugin.h"
 
-TDKVIZ_EXPORT HRESULT MPACreateVisualization(IUnknown**) { return S_OK; }
+TDKVIZ_EXPORT HRESULT MPACreateVisualization(IUnknown**) {
+    return S_OK;
+}

@@ -1,4 +1,6 @@
 // The factory throws.
 #include "tests/plugins/testplugins/TestPlugin.h"
 
-TDKVIZ_EXPORT HRESULT MPACreateVisualization(IUnknown**) { throw 1; }
+TDKVIZ_EXPORT HRESULT MPACreateVisualization(IUnknown**) {
+    throw 1;
+}

@@ -42,4 +42,6 @@ TDKVIZ_EXPORT HRESULT NQCreateInstance(INQResourceManager** out) {
     return E_FAIL;  // is not looked at
 }
 
-TDKVIZ_EXPORT const char* LastCall() { return lastCall; }
+TDKVIZ_EXPORT const char* LastCall() {
+    return lastCall;
+}

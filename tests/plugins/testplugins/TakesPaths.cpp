@@ -14,4 +14,6 @@ TDKVIZ_EXPORT HRESULT SetDLLAccessPath(const char* block) {
     return E_FAIL;  // is not looked at
 }
 
-TDKVIZ_EXPORT const char* TakenBlock() { return taken; }
+TDKVIZ_EXPORT const char* TakenBlock() {
+    return taken;
+}

@@ -94,7 +94,9 @@ public:
         return Note("Draw");
     }
     HRESULT OnClick(uint32_t, uint32_t, uint32_t) override { return Note("OnClick"); }
-    HRESULT SetWindow(MPAVizWindowRecord* target) override { return Note(target->Window ? "SetWindow" : "SetWindow 0"); }
+    HRESULT SetWindow(MPAVizWindowRecord* target) override {
+        return Note(target->Window ? "SetWindow" : "SetWindow 0");
+    }
     HRESULT DrawToWindow(MPAVizWindowRecord*, VizAnalysisFrame*) override { return Note("DrawToWindow"); }
     HRESULT Close() override { return Note("Close"); }
 
@@ -114,8 +116,8 @@ private:
 };
 
 // The export of a plug-in with these traits.
-#define TEST_PLUGIN(...)                                                         \
-    TDKVIZ_EXPORT HRESULT MPACreateVisualization(IUnknown** out) {               \
+#define TEST_PLUGIN(...)                                                        \
+    TDKVIZ_EXPORT HRESULT MPACreateVisualization(IUnknown** out) {              \
         *out = static_cast<IMPAVisualization2*>(new TestPlugin({__VA_ARGS__})); \
-        return S_OK;                                                             \
+        return S_OK;                                                            \
     }
