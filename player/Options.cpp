@@ -1,7 +1,10 @@
 #include "player/Options.h"
 
+#include <strings.h>
+
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <iostream>
 #include <map>
@@ -79,10 +82,10 @@ void Declare(CLI::App& app, Options& options, RawOptions& raw) {
         ->check(CLI::Range(kSlowestRate, kFastestRate));
     app.add_option("--effects", options.Picture.Effects, "Feedback effects on or off")
         ->transform(CLI::CheckedTransformer(onOff, CLI::ignore_case))
-        ->type_name("on|off");
+        ->type_name("[on|off]");
     app.add_option("--randomize", options.Picture.Randomize, "Effects that change by themselves, on or off")
         ->transform(CLI::CheckedTransformer(onOff, CLI::ignore_case))
-        ->type_name("on|off");
+        ->type_name("[on|off]");
     app.add_option("--snapshot", raw.Pictures, "Write a picture (PNG); may come several times")
         ->type_name("FILE")
         ->expected(1)
@@ -108,6 +111,22 @@ void Declare(CLI::App& app, Options& options, RawOptions& raw) {
         ->type_name("FILE");
 }
 
+// A switch may stand alone, and what follows it is then not its value.
+constexpr std::array kSwitches = {"--effects", "--randomize"};
+
+std::vector<std::string> WithSwitchValues(int argc, const char* const* argv) {
+    std::vector<std::string> arguments;
+    for (int i = 1; i < argc; ++i) {
+        const std::string argument = argv[i];
+        const std::string next = i + 1 < argc ? argv[i + 1] : "";
+        const bool standsAlone = std::find(kSwitches.begin(), kSwitches.end(), argument) != kSwitches.end() &&
+                                 strcasecmp(next.c_str(), "on") != 0 && strcasecmp(next.c_str(), "off") != 0;
+        arguments.push_back(standsAlone ? argument + "=on" : argument);
+    }
+    std::reverse(arguments.begin(), arguments.end());  // the order in which CLI11 takes them
+    return arguments;
+}
+
 }  // namespace
 
 std::optional<Options> Options::Parse(int argc, const char* const* argv) {
@@ -116,7 +135,7 @@ std::optional<Options> Options::Parse(int argc, const char* const* argv) {
     CLI::App app("Plays an audio file and shows the music.", "tdkplay");
     Declare(app, options, raw);
     try {
-        app.parse(argc, argv);
+        app.parse(WithSwitchValues(argc, argv));
     } catch (const CLI::Success& success) {  // --help and --version
         app.exit(success, std::cout, std::cout);
         return std::nullopt;

@@ -48,6 +48,7 @@ bool FrameWorker::Stop() {
 }
 
 void FrameWorker::RunFrameAndWait() {
+    if (!client_.HasSomethingToShow()) return;
     // An old signal must not end the wait for this frame.
     ResetEvent(WorkerDone.Get());
     SetEvent(WorkerEvents[kFrame].Get());

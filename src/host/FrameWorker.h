@@ -10,9 +10,11 @@
 
 namespace tdkviz {
 
-// What the worker thread does, supplied by the manager. All calls come on the worker thread.
+// What the worker thread does, supplied by the manager. All calls come on the worker thread, but for
+// HasSomethingToShow, which the timer asks before it wakes the worker: it looks at a flag and no more.
 class FrameWorkerClient {
 public:
+    virtual bool HasSomethingToShow() const = 0;
     virtual void MakeWindows() = 0;
     virtual void DestroyWindows() = 0;
     virtual void RunFrame() = 0;
@@ -45,7 +47,8 @@ public:
     // Asks for a piece of work. [any]
     void RequestMakeWindows() { SetEvent(WorkerEvents[kMakeWindows].Get()); }
     void RequestDestroyWindows() { SetEvent(WorkerEvents[kDestroyWindows].Get()); }
-    // Asks for one frame and waits until the worker reports done, kThreadAnswerLimit at most. [timer]
+    // Asks for one frame, unless there is nothing to show, and waits until the worker reports done,
+    // kThreadAnswerLimit at most. [timer]
     void RunFrameAndWait();
 
 private:

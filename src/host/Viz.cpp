@@ -83,6 +83,7 @@ HRESULT CViz::Show(int32_t width, int32_t height) {
 
 void CViz::ShowWindowOf(CVizWindow& window, int32_t width, int32_t height) {
     Visible = true;
+    Owner->ViewShown();
     window.SetShown(true);
     window.Resize(width, height);
     // Posted behind the full size, so that the strip below the picture stays free for the button.

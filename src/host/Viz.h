@@ -35,6 +35,8 @@ class VizOwner {
 public:
     // A view took this plug-in. Any thread; no lock of the view is held.
     virtual void SetCurrentPlugin(const char* path) = 0;
+    // The view is visible from here on. Any thread.
+    virtual void ViewShown() = 0;
 
 protected:
     ~VizOwner() = default;

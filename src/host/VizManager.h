@@ -15,6 +15,7 @@
 
 #include <windows.h>
 
+#include <atomic>
 #include <memory>
 #include <vector>
 
@@ -128,12 +129,14 @@ private:
 
     // VizOwner
     void SetCurrentPlugin(const char* path) override;
+    void ViewShown() override { somethingToShow_ = true; }
     // PreferencesMaker
     IKVAPreferences* MakePreferences() override;
     // FrameWorkerClient, on the worker thread
     void MakeWindows() override;
     void DestroyWindows() override;
     void RunFrame() override;
+    bool HasSomethingToShow() const override { return somethingToShow_; }
 
     void LoadStoredSettings();
     void SaveStoredSettings();
@@ -200,6 +203,9 @@ private:
     bool listBuilding_ = false;         // guarded by listLock_
     std::vector<CViz*> retired_;        // guarded by ViewsLock; views whose windows the worker still has to destroy
     ViewList frameViews_;               // the worker's own
+    // Cleared by a frame that finds no visible view, so that a hidden view costs no frames. In order with
+    // CViz::Visible, hence not relaxed.
+    std::atomic<bool> somethingToShow_{false};
     Relaxed<bool> clearFrame_ = false;  // the worker zeroes AnalysisFrame before it reads audio again
 };
 

@@ -121,8 +121,13 @@ void CVizManager::DestroyWindows() {
 void CVizManager::RunFrame() {
     ITKPlaybackEngine* engine = GetEngine();
     if (!engine || engine->GetState() != kEngineStatePlaying) return;
+    // Cleared before the look, so that a view shown meanwhile sets it again.
+    somethingToShow_ = false;
     CopyViews(frameViews_);
-    if (!frameViews_.empty()) {
+    for (const RefPtr<CViz>& view : frameViews_) {
+        if (view->IsVisible()) somethingToShow_ = true;
+    }
+    if (somethingToShow_) {
         if (IsPaletteDisplay()) {
             BlankVisibleViews();
         } else {
@@ -133,15 +138,11 @@ void CVizManager::RunFrame() {
 }
 
 void CVizManager::DrawViews() {
-    bool anyVisible = false;
     bool wantSpectrum = false;
     for (const RefPtr<CViz>& view : frameViews_) {
-        if (!view->IsVisible()) continue;
-        anyVisible = true;
-        wantSpectrum = view->WantsSpectrum();
+        wantSpectrum = view->IsVisible() && view->WantsSpectrum();
         if (wantSpectrum) break;
     }
-    if (!anyVisible) return;
     if (clearFrame_.Exchange(false)) AnalysisFrame = {};
     AudioProcessor->ReadAnalysisFrame(AnalysisFrame, wantSpectrum);
     if (EffectsOn && Randomize) {

@@ -25,6 +25,7 @@ protected:
         worker_.Stop();
     }
 
+    bool HasSomethingToShow() const override { return true; }
     void MakeWindows() override {}
     void DestroyWindows() override {}
     void RunFrame() override {

@@ -37,6 +37,16 @@ TEST(Options, TakeWhatIsGivenAndLeaveTheRestToTheUser) {
     EXPECT_EQ(full->Snapshots[1].At, 7.5);
 }
 
+TEST(Options, SwitchesStandAloneOrTakeAValue) {
+    const std::optional<Options> alone = Parse({"--effects", "song.flac", "--randomize"});
+    ASSERT_TRUE(alone);
+    EXPECT_EQ(alone->File, "song.flac");
+    EXPECT_EQ(alone->Picture.Effects, true);
+    EXPECT_EQ(alone->Picture.Randomize, true);
+    EXPECT_EQ(Parse({"--effects=off"})->Picture.Effects, false);
+    EXPECT_EQ(Parse({"--randomize", "Off", "a.wav"})->Picture.Randomize, false);
+}
+
 TEST(Options, RefuseWhatMakesNoSenseInOneLine) {
     const std::vector<std::vector<const char*>> cases = {
         {"--nonsense"},
@@ -49,8 +59,7 @@ TEST(Options, RefuseWhatMakesNoSenseInOneLine) {
         {"--size", "8x480"},
         {"--size", "640x9000"},
         {"--size", "99999999999x10"},
-        {"--effects", "maybe"},
-        {"--randomize"},
+        {"--effects=maybe"},
         {"--snapshot", "a.png"},
         {"--at", "3"},
         {"--snapshot", "a.png", "--at", "-1"},

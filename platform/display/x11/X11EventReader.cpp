@@ -176,8 +176,9 @@ void X11EventReader::OnKey(const xcb_key_press_event_t& event, bool down) {
 bool X11EventReader::IsRepeated(const xcb_key_release_event_t& event) {
     if (!ahead_) ahead_ = X11Reply(xcb_poll_for_queued_event(connection_->Get()));
     if (!ahead_ || (ahead_->response_type & kEventMask) != XCB_KEY_PRESS) return false;
+    constexpr xcb_timestamp_t kMilliseconds = 2;  // no finger is as fast
     const auto& next = As<xcb_key_press_event_t>(*ahead_);
-    return next.detail == event.detail && next.time == event.time;
+    return next.detail == event.detail && next.time - event.time <= kMilliseconds;
 }
 
 void X11EventReader::OnFocus(const xcb_focus_in_event_t& event, bool gained) {
