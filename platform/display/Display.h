@@ -25,6 +25,7 @@ public:
     virtual void OnFocus(WindowId window, bool gained) = 0;
     virtual void OnCloseRequest(WindowId window) = 0;                         // the window manager asks
     virtual void OnMovedOrSized(WindowId window, int x, int y, int width, int height) = 0;  // top-level only
+    virtual void OnIconified(WindowId window, bool iconified) = 0;            // by the window manager
     virtual void OnExposed(WindowId window, const RECT& rect) = 0;            // server lost these pixels
     virtual void OnDestroyed(WindowId window) = 0;                            // by its foreign parent, or the server
 

@@ -42,6 +42,11 @@ public:
 
     void OnCloseRequest(WindowId window) override { PostMessageA(HandleOf(window), WM_CLOSE, 0, 0); }
 
+    void OnIconified(WindowId window, bool iconified) override {
+        const HWND handle = HandleOf(window);
+        PostWork(ThreadOf(handle), [handle, iconified] { AnnounceIconified(handle, iconified); });
+    }
+
     // Reports that come faster than the thread takes them are merged.
     void OnMovedOrSized(WindowId window, int x, int y, int width, int height) override {
         const HWND handle = HandleOf(window);

@@ -246,6 +246,14 @@ void TakeDisplayRect(HWND window) {
     AnnouncePlace(window, former, true);
 }
 
+void AnnounceIconified(HWND window, bool iconified) {
+    RECT client = {};
+    if (!iconified && !GetClientRect(window, &client))
+        return;
+    CallProcedure(window, WM_SIZE, iconified ? SIZE_MINIMIZED : SIZE_RESTORED,
+                  MAKELPARAM(static_cast<WORD>(client.right), static_cast<WORD>(client.bottom)));
+}
+
 void RaiseSiblings(HWND window) {
     std::vector<WindowId> above;
     Display* display = nullptr;

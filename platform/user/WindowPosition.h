@@ -5,6 +5,8 @@
 
 namespace tdkp {
 
+// The window manager made an icon of the window, or a window again. On its own thread.
+void AnnounceIconified(HWND window, bool iconified);
 // Takes over what the display reported of a top-level window. On the window's thread.
 void TakeDisplayRect(HWND window);
 

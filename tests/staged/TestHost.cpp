@@ -286,12 +286,12 @@ void TestHost::ServeMessages() {
 // ---- The probe
 
 std::shared_ptr<void> WatchProbe(ProbeFunction function) {
-    using Callback = void (*)(void*, const void*, int32_t, int32_t, const VizAnalysisFrame*);
+    using Callback = void (*)(void*, int32_t, int32_t, const VizAnalysisFrame*);
     using SetCallback = void (*)(Callback, void*);
     HMODULE library = LoadLibraryA(TestHost::PluginPath("Probe.tkv").c_str());
     auto set = SymbolOf<SetCallback>(library, "SetProbeCallback");
     auto* kept = new ProbeFunction(std::move(function));
-    set([](void* context, const void*, int32_t width, int32_t height,
+    set([](void* context, int32_t width, int32_t height,
            const VizAnalysisFrame* frame) { (*static_cast<ProbeFunction*>(context))({width, height, *frame}); },
         kept);
     return {kept, [library, set](void* pointer) {

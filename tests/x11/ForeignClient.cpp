@@ -201,6 +201,12 @@ void ForeignClient::Key(uint32_t keysym, bool down) {
     FakeInput(down ? XCB_KEY_PRESS : XCB_KEY_RELEASE, KeycodeOf(keysym), 0, 0);
 }
 
+void ForeignClient::AddKey(uint32_t keysym) {
+    // Nothing is on that key otherwise.
+    xcb_change_keyboard_mapping(connection_, 1, xcb_get_setup(connection_)->max_keycode, 1, &keysym);
+    Wait();
+}
+
 xcb_atom_t ForeignClient::Atom(const char* name) {
     const auto cookie = xcb_intern_atom(connection_, 0, static_cast<uint16_t>(std::strlen(name)), name);
     const auto reply = Own(xcb_intern_atom_reply(connection_, cookie, nullptr));

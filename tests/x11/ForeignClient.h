@@ -50,6 +50,8 @@ public:
     void MoveMouse(int x, int y);
     void Button(int number, bool down);
     void Key(uint32_t keysym, bool down);
+    // Gives the keyboard another key.
+    void AddKey(uint32_t keysym);
 
 private:
     xcb_atom_t Atom(const char* name);

@@ -360,6 +360,19 @@ TEST_F(X11Test, KeysHaveTheirNumbersAndCharacters) {
     host_->Destroy(parent);
 }
 
+TEST_F(X11Test, FollowsTheKeymap) {
+    constexpr uint32_t kEAcute = 0xE9;
+    AppWindow window(0, 0, 0, 200, 100);
+    host_->MoveMouse(20, 20);
+    SetFocus(window.Handle());
+    WaitUntilShown(window, 0, 0);
+    host_->AddKey(kEAcute);
+    host_->Key(kEAcute, true);
+    host_->Key(kEAcute, false);
+    EXPECT_TRUE(window.ServeUntilTold(WM_CHAR));
+    EXPECT_EQ(window.Last(WM_CHAR).wParam, kEAcute);
+}
+
 TEST_F(X11Test, TakesAPrivateColormapWhereNoColorsAreFree) {
     // That extension keeps colours of its own in the default colormap, for everybody to share.
     XServer server(8, "-extension RENDER");

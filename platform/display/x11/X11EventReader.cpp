@@ -3,6 +3,10 @@
 #include <windows.h>
 
 #include <csignal>
+#include <utility>
+
+#include "platform/display/x11/X11KeyboardEvents.h"
+#include "platform/display/x11/X11Reply.h"
 
 namespace tdkp {
 namespace {
@@ -95,19 +99,15 @@ void X11EventReader::Run() {
     MarkServiceThread();
     readerOfThisThread = this;
     keyboard_ = std::make_unique<X11Keyboard>(connection_->Get());
+    keyboardEvent_ = AskForX11KeyboardEvents(connection_->Get());
     while (!ending_.load(std::memory_order_relaxed)) {
-        const Event event = NextEvent();
+        const auto event = X11Reply(xcb_wait_for_event(connection_->Get()));
         if (!event) {
             OnServerGone();
             break;
         }
         Handle(*event);
     }
-}
-
-X11EventReader::Event X11EventReader::NextEvent() {
-    if (ahead_) return std::move(ahead_);
-    return X11Reply(xcb_wait_for_event(connection_->Get()));
 }
 
 void X11EventReader::Handle(const xcb_generic_event_t& event) {
@@ -143,8 +143,10 @@ void X11EventReader::Handle(const xcb_generic_event_t& event) {
             return OnClientMessage(As<xcb_client_message_event_t>(event));
         case XCB_MAPPING_NOTIFY:
             return keyboard_->Reload();
+        case 0:
+            return;  // the error of a request that came too late
         default:
-            return;  // also 0, the errors of requests that came too late
+            if (keyboardEvent_ == (event.response_type & kEventMask) && IsX11KeymapChange(event)) keyboard_->Reload();
     }
 }
 
@@ -166,19 +168,9 @@ void X11EventReader::OnMotion(const xcb_motion_notify_event_t& event) {
 }
 
 void X11EventReader::OnKey(const xcb_key_press_event_t& event, bool down) {
-    if (!down && IsRepeated(event)) return;
     const X11Key key = keyboard_->Translate(event.detail, event.state);
     if (key.virtualKey != 0 || key.text != 0)
         sink_.OnKey(event.event, down, key.virtualKey, key.text, key.altDown, event.time);
-}
-
-// A key that is held down comes as pairs of release and press; only the press is news.
-bool X11EventReader::IsRepeated(const xcb_key_release_event_t& event) {
-    if (!ahead_) ahead_ = X11Reply(xcb_poll_for_queued_event(connection_->Get()));
-    if (!ahead_ || (ahead_->response_type & kEventMask) != XCB_KEY_PRESS) return false;
-    constexpr xcb_timestamp_t kMilliseconds = 2;  // no finger is as fast
-    const auto& next = As<xcb_key_press_event_t>(*ahead_);
-    return next.detail == event.detail && next.time - event.time <= kMilliseconds;
 }
 
 void X11EventReader::OnFocus(const xcb_focus_in_event_t& event, bool gained) {
@@ -230,10 +222,16 @@ void X11EventReader::OnReparent(const xcb_reparent_notify_event_t& event) {
 
 void X11EventReader::OnMap(xcb_window_t id, bool mapped) {
     bool focus = false;
+    bool iconified = false;
+    bool isNews = false;
     windows_.With(id, [&](X11Window& window) {
+        // A window that asks to be hidden goes by itself; one that doesn't was taken away.
+        iconified = !mapped && window.topLevel && window.mapped && window.shown;
+        isNews = std::exchange(window.iconified, iconified) != iconified;
         window.mapped = mapped;
         if (mapped) focus = std::exchange(window.focusWhenMapped, false);
     });
+    if (isNews) sink_.OnIconified(id, iconified);
     if (focus) {
         xcb_set_input_focus(connection_->Get(), XCB_INPUT_FOCUS_PARENT, id, XCB_CURRENT_TIME);
         connection_->Flush();

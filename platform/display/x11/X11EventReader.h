@@ -5,12 +5,12 @@
 
 #include <atomic>
 #include <memory>
+#include <optional>
 #include <thread>
 
 #include "platform/display/Display.h"
 #include "platform/display/x11/X11Connection.h"
 #include "platform/display/x11/X11Keyboard.h"
-#include "platform/display/x11/X11Reply.h"
 #include "platform/display/x11/X11Windows.h"
 
 namespace tdkp {
@@ -30,15 +30,11 @@ public:
     void AskToEnd() { ending_.store(true, std::memory_order_relaxed); }
 
 private:
-    using Event = X11Owned<xcb_generic_event_t>;
-
     void Run();
-    Event NextEvent();
     void Handle(const xcb_generic_event_t& event);
     void OnButton(const xcb_button_press_event_t& event, bool down);
     void OnMotion(const xcb_motion_notify_event_t& event);
     void OnKey(const xcb_key_press_event_t& event, bool down);
-    bool IsRepeated(const xcb_key_release_event_t& event);
     void OnFocus(const xcb_focus_in_event_t& event, bool gained);
     void OnExpose(const xcb_expose_event_t& event);
     void OnConfigure(const xcb_configure_notify_event_t& event, bool byManager, uint32_t sequence);
@@ -56,7 +52,7 @@ private:
 
     // The thread's own.
     std::unique_ptr<X11Keyboard> keyboard_;
-    Event ahead_;  // read already, comes next
+    std::optional<uint8_t> keyboardEvent_;
 
     std::thread thread_;
 };

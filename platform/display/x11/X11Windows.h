@@ -28,8 +28,9 @@ struct X11Window {
     X11Place told;          // as last reported to the sink
     uint32_t placedAt = 0;  // the request that last asked for a place; what was told before it is stale
     X11Place beforeFullScreen;
-    bool shown = false;   // asked to be
-    bool mapped = false;  // as the server told
+    bool shown = false;      // asked to be
+    bool mapped = false;     // as the server told
+    bool iconified = false;  // the window manager took a window away that is to be shown
     bool fullScreen = false;
     bool alwaysOnTop = false;
     bool reparented = false;  // the window manager has put it into a frame

@@ -26,6 +26,8 @@ struct TestPluginTraits {
     int32_t SupportConfigure = -1;  // below 0: not set
     int32_t RenderMode = -1;
     bool ThrowsInDraw = false;
+    // Paints instead of the plain grey; height rows of |pitch| bytes.
+    void (*Paint)(void* pixels, int32_t width, int32_t height, int32_t pitch, const VizAnalysisFrame& frame) = nullptr;
 };
 
 class TestPlugin final : public IMPAVisualization2, public IMPAVisualization, public IMPAVisualizationClose {
@@ -88,8 +90,12 @@ public:
     HRESULT Configure(MPAVizWindowRecord*) override { return Note("Configure record"); }
     HRESULT Configure(HWND) override { return Note("Configure window"); }
     HRESULT SetActive(uint32_t active) override { return Note(active == 1 ? "SetActive 1" : "SetActive 0"); }
-    HRESULT Draw(void* pixels, int32_t, int32_t height, int32_t pitch, int32_t, VizAnalysisFrame*) override {
+    HRESULT Draw(void* pixels, int32_t width, int32_t height, int32_t pitch, int32_t, VizAnalysisFrame* frame) override {
         if (traits_.ThrowsInDraw) throw 1;
+        if (traits_.Paint) {
+            traits_.Paint(pixels, width, height, pitch, *frame);
+            return Note("Draw");
+        }
         std::memset(pixels, 0x40, static_cast<size_t>(height) * static_cast<size_t>(pitch < 0 ? -pitch : pitch));
         return Note("Draw");
     }
