@@ -37,6 +37,9 @@ CViz::CViz(HMODULE module, VizOwner* owner, PluginList* plugins, VizEffectParams
 
 CViz::~CViz() {
     DestroyRotateButton(true);
+    // Only a worker that was ended by force leaves its window behind.
+    CVizWindow* left = Window;
+    if (left && left->IsUnlocked()) delete left;
 }
 
 HRESULT CViz::QueryInterface(const GUID& id, void** out) {

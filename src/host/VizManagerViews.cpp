@@ -13,10 +13,6 @@ namespace {
 // GetDeviceCaps(NUMCOLORS) of a display without a palette.
 constexpr int kNoPalette = -1;
 
-uintptr_t KeyOf(CViz* view) {
-    return reinterpret_cast<uintptr_t>(view);
-}
-
 }  // namespace
 
 // ---- The table of views
@@ -29,7 +25,7 @@ void CVizManager::CopyViews(ViewList& views) const {
         uintptr_t key = 0;
         uintptr_t value = 0;
         Views.GetNext(position, key, value);
-        views.emplace_back(reinterpret_cast<CViz*>(key));
+        views.emplace_back(static_cast<CViz*>(reinterpret_cast<IMPAVizWindow*>(key)));
     }
 }
 
@@ -61,7 +57,7 @@ HRESULT CVizManager::CreateVizWindow(IMPAVizWindow** view, uint32_t* parent) {
     {
         const MutexLock lock(&ViewsLock);
         // The table takes over the first reference.
-        Views.Set(KeyOf(made), 0);
+        Views.Set(reinterpret_cast<uintptr_t>(static_cast<IMPAVizWindow*>(made)), 0);
         made->AddRef();
         only = Views.GetCount() == 1;
     }
@@ -76,19 +72,21 @@ HRESULT CVizManager::CreateVizWindow(IMPAVizWindow** view, uint32_t* parent) {
 }
 
 HRESULT CVizManager::DestroyVizWindow(IMPAVizWindow* view) {
-    auto* known = static_cast<CViz*>(view);
+    // A view that has gone is looked up by its address alone.
+    const auto key = reinterpret_cast<uintptr_t>(view);
     uintptr_t ignored = 0;
     {
         const MutexLock lock(&ViewsLock);
-        if (!view || !Views.Lookup(KeyOf(known), ignored)) return E_FAIL;
+        if (!view || !Views.Lookup(key, ignored)) return E_FAIL;
     }
+    auto* known = static_cast<CViz*>(view);
     known->MarkForDestruction();
     Worker.RequestDestroyWindows();
     // The worker can't wait for itself; without a worker there is no window.
     const bool canWait = Worker.IsRunning() && !Worker.IsWorkerThread();
     const bool destroyed = canWait && known->WaitForDestruction();
     const MutexLock lock(&ViewsLock);
-    if (!Views.Remove(KeyOf(known))) return E_FAIL;
+    if (!Views.Remove(key)) return E_FAIL;
     if (destroyed || !Worker.IsRunning()) {
         known->Release();
     } else {

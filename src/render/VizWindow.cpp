@@ -135,6 +135,12 @@ HRESULT CVizWindow::Resize(int32_t width, int32_t height) {
     return S_OK;
 }
 
+bool CVizWindow::IsUnlocked() {
+    if (SizeLock.TryLock() != S_OK) return false;
+    SizeLock.Unlock();
+    return true;
+}
+
 bool CVizWindow::IsOnOwnThread() const {
     return GetWindowThreadProcessId(Window, nullptr) == GetCurrentThreadId();
 }

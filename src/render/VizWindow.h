@@ -109,6 +109,8 @@ public:
     int32_t GetFrameHeight() const { return FrameHeight; }  // pixels
     int32_t GetFramePitch() const { return FramePitch; }    // bytes, negative: the rows are bottom-up
     HWND GetWindowHandle() const { return Window; }
+    // False while another thread holds the surfaces: for ever, if that thread was ended by force.
+    bool IsUnlocked() TDKVIZ_UNCHECKED;
     // The view's receivers [not counted], or null.
     void SetClickTarget(IVizClickReceiver* target) { ClickTarget = target; }
     void SetRightClickTarget(IVizRightClickReceiver* target) { RightClickTarget = target; }

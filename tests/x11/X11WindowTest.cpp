@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <atomic>
+#include <cstdlib>
 #include <map>
 #include <memory>
 #include <thread>
@@ -400,6 +401,7 @@ TEST_F(X11Test, OutlivesItsServer) {
         window.Fill({0, 0, 100, 100}, RGB(255, 0, 0));
         EXPECT_TRUE(AppWindow::ServeUntil([&] { return window.Handle() == nullptr; }));
     }
+    setenv("DISPLAY", ":9999", 1);  // the number may be another server's by now
     AppWindow next(0, 0, 0, 100, 100);
     EXPECT_NE(next.Handle(), nullptr);
     EXPECT_STREQ(TdkpDisplayName(), "memory");

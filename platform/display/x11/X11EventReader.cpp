@@ -5,7 +5,6 @@
 #include <csignal>
 #include <utility>
 
-#include "platform/display/x11/X11KeyboardEvents.h"
 #include "platform/display/x11/X11Reply.h"
 
 namespace tdkp {
@@ -99,7 +98,6 @@ void X11EventReader::Run() {
     MarkServiceThread();
     readerOfThisThread = this;
     keyboard_ = std::make_unique<X11Keyboard>(connection_->Get());
-    keyboardEvent_ = AskForX11KeyboardEvents(connection_->Get());
     while (!ending_.load(std::memory_order_relaxed)) {
         const auto event = X11Reply(xcb_wait_for_event(connection_->Get()));
         if (!event) {
@@ -141,12 +139,10 @@ void X11EventReader::Handle(const xcb_generic_event_t& event) {
             return OnDestroy(As<xcb_destroy_notify_event_t>(event).window);
         case XCB_CLIENT_MESSAGE:
             return OnClientMessage(As<xcb_client_message_event_t>(event));
-        case XCB_MAPPING_NOTIFY:
-            return keyboard_->Reload();
         case 0:
             return;  // the error of a request that came too late
         default:
-            if (keyboardEvent_ == (event.response_type & kEventMask) && IsX11KeymapChange(event)) keyboard_->Reload();
+            return keyboard_->OnEvent(event);
     }
 }
 

@@ -5,7 +5,6 @@
 
 #include <atomic>
 #include <memory>
-#include <optional>
 #include <thread>
 
 #include "platform/display/Display.h"
@@ -52,7 +51,6 @@ private:
 
     // The thread's own.
     std::unique_ptr<X11Keyboard> keyboard_;
-    std::optional<uint8_t> keyboardEvent_;
 
     std::thread thread_;
 };

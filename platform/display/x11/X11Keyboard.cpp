@@ -3,6 +3,8 @@
 #include <windows.h>
 #include <xkbcommon/xkbcommon-x11.h>
 
+#include "platform/display/x11/X11KeyboardEvents.h"
+
 namespace tdkp {
 namespace {
 
@@ -97,17 +99,25 @@ constexpr uint32_t kDeleteCharacter = 0x7F;
 
 X11Keyboard::X11Keyboard(xcb_connection_t* connection)
     : connection_(connection), context_(xkb_context_new(XKB_CONTEXT_NO_FLAGS)) {
-    served_ =
+    const bool served =
         xkb_x11_setup_xkb_extension(connection, XKB_X11_MIN_MAJOR_XKB_VERSION, XKB_X11_MIN_MINOR_XKB_VERSION,
                                     XKB_X11_SETUP_XKB_EXTENSION_NO_FLAGS, nullptr, nullptr, nullptr, nullptr) == 1;
+    // Before the keymap is read, so that no change is missed.
+    if (served) extensionEvent_ = AskForX11KeyboardEvents(connection);
     if (context_) xkb_context_set_log_level(context_.get(), XKB_LOG_LEVEL_CRITICAL);
     Reload();
+}
+
+void X11Keyboard::OnEvent(const xcb_generic_event_t& event) {
+    constexpr uint8_t kSentByClient = 0x80;
+    const uint8_t type = event.response_type & ~kSentByClient;
+    if (type == XCB_MAPPING_NOTIFY || (type == extensionEvent_ && IsX11KeymapChange(event))) Reload();
 }
 
 void X11Keyboard::Reload() {
     if (!context_) return;
     xkb_keymap* keymap = nullptr;
-    const int32_t device = served_ ? xkb_x11_get_core_keyboard_device_id(connection_) : -1;
+    const int32_t device = extensionEvent_ ? xkb_x11_get_core_keyboard_device_id(connection_) : -1;
     if (device >= 0)
         keymap = xkb_x11_keymap_new_from_device(context_.get(), connection_, device, XKB_KEYMAP_COMPILE_NO_FLAGS);
     if (keymap == nullptr) keymap = xkb_keymap_new_from_names(context_.get(), nullptr, XKB_KEYMAP_COMPILE_NO_FLAGS);

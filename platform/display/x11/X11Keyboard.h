@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 namespace tdkp {
 
@@ -23,8 +24,8 @@ public:
 
     // `state` is the modifiers as key events carry them.
     X11Key Translate(xcb_keycode_t code, uint16_t state);
-    // The server has another keymap.
-    void Reload();
+    // For the events that only the keyboard knows: takes over another keymap.
+    void OnEvent(const xcb_generic_event_t& event);
 
 private:
     struct Unref {
@@ -33,13 +34,14 @@ private:
         void operator()(xkb_state* state) const { xkb_state_unref(state); }
     };
 
+    void Reload();
     uint32_t VirtualKeyOf(xcb_keycode_t code) const;
 
     xcb_connection_t* const connection_;
     std::unique_ptr<xkb_context, Unref> context_;
     std::unique_ptr<xkb_keymap, Unref> keymap_;
     std::unique_ptr<xkb_state, Unref> state_;
-    bool served_ = false;
+    std::optional<uint8_t> extensionEvent_;  // nothing where the server doesn't tell its keymap
 };
 
 }  // namespace tdkp
