@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <tdkplatform.h>
 
+#include <algorithm>
 #include <cstring>
 
 #include "tests/staged/TestHost.h"
@@ -162,6 +163,21 @@ TEST_F(ViewTest, ClickReceiversAreTold) {
     EXPECT_EQ(early.clicks.size(), 1u);
     EXPECT_EQ(late.clicks.size(), 2u);
     Destroy(view);
+}
+
+TEST_F(ViewTest, PluginOfTheGuideDrawsItsLine) {
+    Install({"Glow.tkv"});
+    ASSERT_TRUE(host_->MakeView("Glow.tkv", 200, 152));
+    host_->StartDevice(100, 441);
+    host_->SetState(kEngineStatePlaying);
+    host_->Advance(300);
+    std::vector<DWORD> pixels(1400 * 900);
+    int width = 0;
+    int height = 0;
+    ASSERT_TRUE(TdkpReadWindow(ViewWindow(*host_), pixels.data(), static_cast<int>(pixels.size()), &width, &height));
+    const auto lit = std::count_if(pixels.begin(), pixels.begin() + width * height,
+                                   [](DWORD pixel) { return (pixel & 0xFFFFFF) == 0x40C0FF; });
+    EXPECT_EQ(lit, width) << "one point for each column";
 }
 
 TEST_F(ViewTest, PictureGoesBlackWhenPlayingStops) {
