@@ -72,6 +72,8 @@ WindowId MakeOnDisplay(Display& display, const Window& window) {
     info.height = std::max(window.Height(), 1);
     info.topLevel = window.TopLevel();
     info.resizable = !info.topLevel || (window.style & WS_THICKFRAME) != 0;
+    info.framed = (window.style & (WS_CAPTION | WS_THICKFRAME)) != 0;
+    info.owner = window.owner != nullptr ? IdOf(window.owner) : 0;
     info.className = window.windowClass->name;
     info.title = window.title;
     return display.CreateWindow(info);
