@@ -73,7 +73,7 @@ struct ITKPlaybackEngine : IUnknown {
 inline constexpr GUID kIID_IKVAAudioDelay = {
     0x00000713, 0x0901, 0x11D1, {0x8B, 0x06, 0x00, 0xA0, 0x24, 0x40, 0x6D, 0x59}};
 struct IKVAAudioDelay : IUnknown {
-    // The largest delay to expect; read when a format is announced. [audio]
+    // The largest delay to expect; read when a format is announced or an engine changes. [audio] [host]
     virtual HRESULT GetConfiguredDelay(uint32_t* milliseconds) = 0;
     // From the end of the delivery that is under way to what is heard now; read on each delivery. [audio]
     virtual HRESULT GetCurrentDelay(uint32_t* milliseconds) = 0;

@@ -8,6 +8,7 @@ namespace {
 
 constexpr uint32_t kHookFlags = 1;
 constexpr std::chrono::seconds kLongestDrain{2};
+constexpr std::chrono::milliseconds kDrainPause{1};
 
 }  // namespace
 
@@ -32,7 +33,7 @@ void CKVAAudioHook::Detach() {
     }
     AudioService.Reset();
     const auto end = std::chrono::steady_clock::now() + kLongestDrain;
-    while (underWay_ != 0 && std::chrono::steady_clock::now() < end) std::this_thread::yield();
+    while (underWay_ != 0 && std::chrono::steady_clock::now() < end) std::this_thread::sleep_for(kDrainPause);
 }
 
 HRESULT CKVAAudioHook::QueryInterface(const GUID& id, void** out) {

@@ -1,6 +1,8 @@
 #include "src/audio/AudioProcessor.h"
 
 #include <algorithm>
+#include <deque>
+#include <mutex>
 #include <utility>
 
 #include "src/audio/FrameRate.h"
@@ -57,6 +59,21 @@ CVizAudioProcessor::~CVizAudioProcessor() {
     Detach();
 }
 
+void CVizAudioProcessor::Retire(std::unique_ptr<CVizAudioProcessor> processor) {
+    constexpr size_t kKeptAside = 4;
+    static std::mutex guard;
+    static std::deque<std::unique_ptr<CVizAudioProcessor>> aside;
+    processor->Detach();
+    {
+        const MutexLock lock(processor->Mutex.get());
+        processor->Ring = AudioRing();
+        processor->Delay.Reset();
+    }
+    const std::lock_guard lock(guard);
+    aside.push_back(std::move(processor));
+    if (aside.size() > kKeptAside) aside.pop_front();
+}
+
 void CVizAudioProcessor::SetPlaybackEngine(IUnknown* engine) {
     auto delay = QueryFor<IKVAAudioDelay>(engine, kIID_IKVAAudioDelay);
     const double configured = ConfiguredDelay(delay);
@@ -88,7 +105,7 @@ void CVizAudioProcessor::ProcessFormat(KVAAudioFormat* format) {
     if (!IsUsable(*format)) {
         MutexLock lock(Mutex.get());
         Format = *format;
-        takesData_ = false;
+        takesData_ = silenced_ = false;
         return;
     }
     RefPtr<IKVAAudioDelay> delay;
@@ -119,7 +136,8 @@ void CVizAudioProcessor::ProcessData(KVAAudioData* in, KVAAudioData*) {
     MutexLock lock(Mutex.get());
     if (!takesData_) {
         // Its bytes mean something else than those in the ring; and the old audio must not go round for ever.
-        Ring.Silence();
+        if (!silenced_) Ring.Silence();
+        silenced_ = true;
         return;
     }
     Ring.Write(static_cast<const uint8_t*>(data), size);

@@ -32,6 +32,10 @@ public:
     explicit CVizAudioProcessor(IUnknown* hostContext);
     ~CVizAudioProcessor() override;
 
+    // Ends a processor whose owner goes: withdraws the hook and frees the audio, but keeps the object itself
+    // aside for hosts that go on delivering to it, the latest few of them until the library goes. [host]
+    static void Retire(std::unique_ptr<CVizAudioProcessor> processor);
+
     // The host has a new playback engine (may be null) [borrowed]. What was delivered is forgotten; the
     // ring grows if the new engine's configured delay is longer. [host]
     void SetPlaybackEngine(IUnknown* engine);
@@ -62,6 +66,7 @@ private:
     // The last format announced, all zero until then, and whether its data goes into the ring.
     KVAAudioFormat Format TDKVIZ_GUARDED_BY(*Mutex){};
     bool takesData_ TDKVIZ_GUARDED_BY(*Mutex) = false;
+    bool silenced_ TDKVIZ_GUARDED_BY(*Mutex) = false;  // since takesData_ was cleared
     // The format of what the ring holds: the last usable one.
     KVAAudioFormat ringFormat_ TDKVIZ_GUARDED_BY(*Mutex){};
     AudioRing Ring TDKVIZ_GUARDED_BY(*Mutex);

@@ -21,6 +21,7 @@ FrameWorker::~FrameWorker() {
 }
 
 HRESULT FrameWorker::Start() {
+    const MutexLock lock(&controlLock_);
     if (WorkerRunning) return S_OK;
     ResetEvent(WorkerDone.Get());
     DWORD threadId = kNoThreadId;
@@ -37,6 +38,7 @@ HRESULT FrameWorker::Start() {
 }
 
 bool FrameWorker::Stop() {
+    const MutexLock lock(&controlLock_);
     bool ended = true;
     if (WorkerThread) {
         SetEvent(WorkerEvents[kStop].Get());

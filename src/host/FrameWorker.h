@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "src/support/Handle.h"
+#include "src/support/Mutex.h"
 #include "src/support/Relaxed.h"
 
 namespace tdkviz {
@@ -64,10 +65,11 @@ private:
 
     FrameWorkerClient& client_;
     Relaxed<bool> WorkerRunning = false;
-    Handle WorkerThread;  // [host] only
+    Handle WorkerThread;  // guarded by controlLock_
     Relaxed<DWORD> WorkerThreadId;
     Handle WorkerEvents[kEventCount];  // auto-reset
     Handle WorkerDone;                 // auto-reset
+    KVAWinMutex controlLock_;          // one Start or Stop at a time; the worker never takes it
 };
 
 }  // namespace tdkviz

@@ -1,5 +1,6 @@
 #include "src/host/Viz.h"
 
+#include <algorithm>
 #include <cstring>
 #include <vector>
 
@@ -18,6 +19,11 @@ constexpr int kRotateButtonHeight = 25;
 constexpr int kRotateButtonFromRight = 55;
 constexpr int kRotateButtonFromBottom = 25;
 constexpr int32_t kFrameBitsPerPixel = 32;
+constexpr int32_t kLongestSide = 0x7FFC;  // what a window can have, in steps of 4
+
+WORD CutSide(int32_t side) {
+    return static_cast<WORD>(std::clamp(side, 0, kLongestSide));
+}
 
 MPAVizWindowRecord RecordOf(HWND window) {
     MPAVizWindowRecord record = {};
@@ -33,7 +39,7 @@ CViz::CViz(HMODULE module, VizOwner* owner, PluginList* plugins, VizEffectParams
       Module(module),
       Plugins(plugins),
       Effects(effects),
-      OutputGone(Handle::ManualResetEvent()) {}
+      OutputGone(std::make_shared<Handle>(Handle::ManualResetEvent())) {}
 
 CViz::~CViz() {
     DestroyRotateButton(true);
@@ -86,7 +92,7 @@ HRESULT CViz::Show(int32_t width, int32_t height) {
 
 void CViz::ShowWindowOf(CVizWindow& window, int32_t width, int32_t height) {
     Visible = true;
-    Owner->ViewShown();
+    if (VizOwner* owner = Owner) owner->ViewShown();
     window.SetShown(true);
     window.Resize(width, height);
     // Posted behind the full size, so that the strip below the picture stays free for the button.
@@ -104,10 +110,14 @@ void CViz::ShowWindowOf(CVizWindow& window, int32_t width, int32_t height) {
 }
 
 bool CViz::MakeRotateButton(int32_t width, int32_t height) {
-    DestroyRotateButton(false);
+    const int x = width - kRotateButtonFromRight;
+    const int y = height - kRotateButtonFromBottom;
+    if (const HWND standing = RotateButton; standing && IsWindow(standing)) {
+        SetWindowPos(standing, nullptr, x, y, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+        return true;
+    }
     const HWND button =
-        CreateWindowExA(0, "button", "Rotate", WS_CHILD | WS_VISIBLE, width - kRotateButtonFromRight,
-                        height - kRotateButtonFromBottom, kRotateButtonWidth, kRotateButtonHeight, ParentWindow,
+        CreateWindowExA(0, "button", "Rotate", WS_CHILD | WS_VISIBLE, x, y, kRotateButtonWidth, kRotateButtonHeight, ParentWindow,
                         reinterpret_cast<HMENU>(static_cast<uintptr_t>(kRotateButtonId)), Module, nullptr);
     RotateButton = button;
     if (!button) return false;
@@ -117,13 +127,19 @@ bool CViz::MakeRotateButton(int32_t width, int32_t height) {
 }
 
 // A window can be destroyed by its own thread only: the worker takes the button down with the output if
-// the button is the worker's, and the last Release takes it down if it is the host's.
+// the button is the worker's; the last Release takes it down, or asks the thread that made it to do so.
 void CViz::DestroyRotateButton(bool fromLastRelease) {
     const HWND button = RotateButton;
     if (!button) return;
     const bool own = GetWindowThreadProcessId(button, nullptr) == GetCurrentThreadId();
-    if (own) DestroyWindow(button);
-    if (own || fromLastRelease) RotateButton = nullptr;
+    if (!own && !fromLastRelease) return;
+    RotateButton = nullptr;
+    SetWindowLongPtrA(button, GWLP_USERDATA, 0);
+    if (own) {
+        DestroyWindow(button);
+    } else {
+        PostMessageA(button, WM_CLOSE, 0, 0);
+    }
 }
 
 HRESULT CViz::Resize(int32_t width, int32_t height) {
@@ -134,13 +150,16 @@ HRESULT CViz::Resize(int32_t width, int32_t height) {
         PendingHeight = height;
         return E_FAIL;
     }
-    PostMessageA(window->GetWindowHandle(), kMessageResize,
-                 MAKEWPARAM(static_cast<WORD>(width), static_cast<WORD>(height)), 0);
+    PostMessageA(window->GetWindowHandle(), kMessageResize, MAKEWPARAM(CutSide(width), CutSide(height)), 0);
     return S_OK;
 }
 
 HRESULT CViz::Hide() {
-    CVizWindow* window = Window;
+    CVizWindow* window = nullptr;
+    {
+        const MutexLock lock(&StateLock);
+        window = Window;
+    }
     if (!window) return E_FAIL;
     Visible = false;
     ShowWindow(window->GetWindowHandle(), SW_HIDE);
@@ -164,8 +183,9 @@ HRESULT CViz::GetCurrentPlugin(char* path, uint32_t size) {
 }
 
 HRESULT CViz::SelectPlugin(const char* path) {
-    if (!path || !Plugins) return E_FAIL;
-    for (CVizPlugin* plugin : Plugins->Snapshot()) {
+    PluginList* plugins = Plugins;
+    if (!path || !plugins) return E_FAIL;
+    for (CVizPlugin* plugin : plugins->Snapshot()) {
         if (std::strcmp(plugin->GetPath(), path) != 0) continue;
         ChangePlugin(plugin);
         return S_OK;
@@ -195,22 +215,27 @@ HRESULT CViz::AddRightClickReceiver(IUnknown* receiver) {
 HRESULT CViz::RemoveClickReceiver(IUnknown* receiver) {
     const MutexLock lock(&StateLock);
     CVizWindow* window = Window;
-    return window ? window->RemoveClickReceiver(receiver) : E_FAIL;
+    if (!window) return E_FAIL;
+    // It may not have reached the window yet, and must not reach it later.
+    ClickQueue.remove(receiver);
+    return window->RemoveClickReceiver(receiver);
 }
 
 HRESULT CViz::RemoveRightClickReceiver(IUnknown* receiver) {
     const MutexLock lock(&StateLock);
     CVizWindow* window = Window;
-    return window ? window->RemoveRightClickReceiver(receiver) : E_FAIL;
+    if (!window) return E_FAIL;
+    RightClickQueue.remove(receiver);
+    return window->RemoveRightClickReceiver(receiver);
 }
 
 // ---- The output window, on the worker thread
 
 void CViz::MakeWindow([[maybe_unused]] bool useDirectDraw) {
-    if (CVizWindow* old = Window) {
+    {
+        std::unique_ptr<CVizWindow> old;
         const MutexLock lock(&StateLock);
-        Window = nullptr;
-        delete old;
+        old.reset(Window.Exchange(nullptr));
     }
     auto window = std::make_unique<CVizWindow>(Module, ParentWindow);
     window->SetPluginUnloader(this);
@@ -223,12 +248,12 @@ void CViz::MakeWindow([[maybe_unused]] bool useDirectDraw) {
         const MutexLock lock(&StateLock);
         window->SetPlaying(Active);
         Window = window.release();
+        // A window-mode plug-in that came before the window: no buffers for it from the start.
+        if (CVizPlugin* plugin = CurrentPlugin) Window->SetDrawsFrames(plugin->GetRenderMode() != kRenderToWindow);
         showNow = ShowPending;
         width = PendingWidth;
         height = PendingHeight;
     }
-    // A window-mode plug-in that came before the window: no buffers for it from the start.
-    if (CVizPlugin* plugin = CurrentPlugin) Window->SetDrawsFrames(plugin->GetRenderMode() != kRenderToWindow);
     if (showNow) Show(width, height);
     NeedsWindow = false;
 
@@ -247,15 +272,34 @@ void CViz::DestroyOutput() {
         window.reset(Window);
         Window = nullptr;
     }
-    if (window) window->Destroy();
-    window.reset();
+    if (window) {
+        UnloadWaitingPlugins(window->GetWindowHandle());
+        CVizPlugin* plugin = CurrentPlugin;
+        MPAVizWindowRecord none = RecordOf(nullptr);
+        if (plugin && plugin->GetRenderMode() == kRenderToWindow) plugin->SetWindow(&none);
+        window->Destroy();
+    }
     DestroyRotateButton(false);
     NeedsDestroy = false;
-    SetEvent(OutputGone.Get());
+}
+
+// What waits for the window's own thread would be lost with the window.
+void CViz::UnloadWaitingPlugins(HWND window) {
+    MSG message;
+    while (window && PeekMessageA(&message, window, kMessageUnload, kMessageUnload, PM_REMOVE)) {
+        if (message.wParam) UnloadPlugin(reinterpret_cast<CVizPlugin*>(message.wParam));
+    }
+}
+
+void CViz::ForgetOwner() {
+    CurrentPlugin = nullptr;
+    Effects = nullptr;
+    Plugins = nullptr;
+    Owner = nullptr;
 }
 
 bool CViz::WaitForDestruction() const {
-    return WaitForSingleObject(OutputGone.Get(), kThreadAnswerLimit) == WAIT_OBJECT_0;
+    return WaitForSingleObject(OutputGone->Get(), kThreadAnswerLimit) == WAIT_OBJECT_0;
 }
 
 void CViz::Blank() {
@@ -283,14 +327,17 @@ void CViz::DrawFrame(VizAnalysisFrame& frame) {
     CVizWindow* window = Window;
     if (!Active || !plugin || !window) return;
     plugin->LockPlugin();
+    window->BeginFrame();
     if (plugin->IsReady()) RunPlugin(*plugin, *window, frame);
     plugin->UnlockPlugin();
+    // What came for the window while the plug-in painted is served here, without the plug-in's lock.
+    window->EndFrame();
 }
 
 void CViz::RunPlugin(CVizPlugin& plugin, CVizWindow& window, VizAnalysisFrame& frame) {
     if (plugin.GetRenderMode() == kRenderToWindow) {
         MPAVizWindowRecord record = RecordOf(window.GetWindowHandle());
-        plugin.DrawToWindow(&record, &frame);
+        if (record.Window != 0) plugin.DrawToWindow(&record, &frame);
         return;
     }
     if (!window.GetFrontPixels()) return;
@@ -318,11 +365,19 @@ void CViz::RunEffects(CVizPlugin& plugin, CVizWindow& window) {
 // ---- The current plug-in
 
 bool CViz::ChangePlugin(CVizPlugin* plugin) {
-    if (plugin == CurrentPlugin) return true;
-    if (!plugin) return false;
+    if (!plugin) return CurrentPlugin == nullptr;
+    // Another view may have unloaded it for all.
+    if (plugin == CurrentPlugin) return plugin->IsReady() || ReviveCurrentPlugin(*plugin);
     // One that was found not to be loadable counts as loaded, but never becomes current.
     if (!plugin->MakeReady()) return false;
     MakePluginCurrent(*plugin);
+    return true;
+}
+
+bool CViz::ReviveCurrentPlugin(CVizPlugin& plugin) {
+    if (!plugin.MakeReady()) return false;
+    plugin.SetActive(Active);
+    ConnectPlugin(plugin);
     return true;
 }
 
@@ -333,10 +388,10 @@ void CViz::MakePluginCurrent(CVizPlugin& plugin) {
     if (loaded) plugin.SetActive(Active);
     plugin.UnlockPlugin();
     if (!loaded) {
-        CurrentPlugin = old;
+        CurrentPlugin.CompareExchange(&plugin, old);
         return;
     }
-    Owner->SetCurrentPlugin(plugin.GetPath());
+    if (VizOwner* owner = Owner) owner->SetCurrentPlugin(plugin.GetPath());
     if (old) ReleasePlugin(*old);
     ConnectPlugin(plugin);
 }
@@ -347,7 +402,9 @@ void CViz::ConnectPlugin(CVizPlugin& plugin) {
     MPAVizWindowRecord record = {};
     {
         const MutexLock lock(&StateLock);
-        if (CVizWindow* window = Window) {
+        CVizWindow* window = Window;
+        // Another thread may have changed the plug-in once more meanwhile.
+        if (window && CurrentPlugin == &plugin) {
             window->SetDrawsFrames(!toWindow);
             record = RecordOf(window->GetWindowHandle());
         }
@@ -377,8 +434,9 @@ void CViz::ReleasePlugin(CVizPlugin& plugin) {
 }
 
 void CViz::UnloadPlugin(CVizPlugin* plugin) {
-    // A view may have taken it back while the message was on its way.
-    if (plugin != CurrentPlugin) plugin->Unload();
+    plugin->Unload();
+    // The view took it back while the message was on its way: it was told to close, and starts anew.
+    if (plugin == CurrentPlugin) ReviveCurrentPlugin(*plugin);
 }
 
 void CViz::ClearPlugin() {
@@ -391,7 +449,8 @@ void CViz::OnLeftClick(uint32_t x, uint32_t y, uint32_t flags) {
         if (current) current->OnClick(x, y, flags);
         return;
     }
-    const std::vector<CVizPlugin*> plugins = Plugins->Snapshot();
+    PluginList* list = Plugins;
+    const std::vector<CVizPlugin*> plugins = list ? list->Snapshot() : std::vector<CVizPlugin*>();
     if (plugins.empty()) return;
     size_t target = 0;
     for (size_t index = 0; index < plugins.size(); ++index) {
@@ -401,13 +460,15 @@ void CViz::OnLeftClick(uint32_t x, uint32_t y, uint32_t flags) {
 }
 
 void CViz::DropPlugin(CVizPlugin* plugin) {
-    const std::vector<CVizPlugin*> before = Plugins->Snapshot();
-    if (!Plugins->TakeOut(plugin)) return;
+    PluginList* list = Plugins;
+    if (!list) return;
+    const std::vector<CVizPlugin*> before = list->Snapshot();
+    if (!list->TakeOut(plugin)) return;
     CVizPlugin* target = nullptr;
     for (size_t index = 0; index < before.size(); ++index) {
         if (before[index] == plugin && index > 0) target = before[index - 1];
     }
-    if (!target) target = Plugins->At(0);
+    if (!target) target = list->At(0);
     if (target) {
         ChangePlugin(target);
     } else {

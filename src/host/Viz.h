@@ -90,10 +90,14 @@ public:
     }
     bool IsMarkedForDestruction() const { return NeedsDestroy; }
     void DestroyOutput();
+    // Set by whoever has called DestroyOutput and let go of the view.
+    std::shared_ptr<Handle> GetOutputGone() const { return OutputGone; }
+    // The manager goes before the view: nothing of it is used from here on.
+    void ForgetOwner();
     bool WantsSpectrum() const;
     void Blank();
     void DrawFrame(VizAnalysisFrame& frame);
-    // Waits until DestroyOutput has run. True if it did in time. [host]
+    // Waits until the output has gone. True if it did in time. [host]
     bool WaitForDestruction() const;
 
 private:
@@ -109,14 +113,16 @@ private:
     void MakePluginCurrent(CVizPlugin& plugin);
     void ReleasePlugin(CVizPlugin& plugin);
     void ConnectPlugin(CVizPlugin& plugin);
+    bool ReviveCurrentPlugin(CVizPlugin& plugin);
+    void UnloadWaitingPlugins(HWND window);
 
     Relaxed<CVizWindow*> Window;  // owned; published and withdrawn under StateLock
-    VizOwner* const Owner;
+    Relaxed<VizOwner*> Owner;  // null once the manager has gone
     const HWND ParentWindow;
     const HMODULE Module;
     ReceiverQueue ClickQueue;       // guarded by StateLock
     ReceiverQueue RightClickQueue;  // guarded by StateLock
-    PluginList* const Plugins;
+    Relaxed<PluginList*> Plugins;  // null once the manager has gone
     Relaxed<CVizPlugin*> CurrentPlugin;
     RefCount References;
     Relaxed<uint32_t> Flags = 0u;
@@ -130,7 +136,7 @@ private:
     bool ShowPending = false;   // guarded by StateLock
     int32_t PendingWidth = 0;   // guarded by StateLock
     int32_t PendingHeight = 0;  // guarded by StateLock
-    Handle OutputGone;          // manual-reset, set when DestroyOutput has run
+    const std::shared_ptr<Handle> OutputGone;  // manual-reset
     mutable KVAWinMutex StateLock;
 };
 

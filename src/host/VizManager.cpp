@@ -41,12 +41,13 @@ CVizManager::CVizManager(HMODULE module, IUnknown* hostContext, ManagerOwner* ow
 CVizManager::~CVizManager() {
     UnregisterObservers();
     Timer.reset();
+    EndRemainingViews();
     Worker.Stop();
-    // Only a worker that had to be terminated leaves any of these.
-    for (CViz* view : retired_) view->Release();
-    AudioProcessor.reset();
+    ReleaseRemainingViews();
+    CVizAudioProcessor::Retire(std::move(AudioProcessor));
     SaveStoredSettings();
     Retrievers.UnloadAll();
+    Player.Reset();
 }
 
 // ---- IUnknown

@@ -149,6 +149,8 @@ private:
     void CopyViews(ViewList& views) const;
     ViewList CopyViews() const;
     bool HasViews() const;
+    void EndRemainingViews();
+    void ReleaseRemainingViews();
     template <typename Receiver>
     std::vector<RefPtr<Receiver>> CopyReceivers(const CNQMapPtrToPtr& receivers) const;
 
@@ -201,7 +203,7 @@ private:
     ManagerOwner* const Owner;
 
     bool listBuilding_ = false;         // guarded by listLock_
-    std::vector<CViz*> retired_;        // guarded by ViewsLock; views whose windows the worker still has to destroy
+    ViewList retired_;                  // guarded by ViewsLock; views whose windows the worker still has to destroy
     ViewList frameViews_;               // the worker's own
     // Cleared by a frame that finds no visible view, so that a hidden view costs no frames. In order with
     // CViz::Visible, hence not relaxed.

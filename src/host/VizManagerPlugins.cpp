@@ -32,12 +32,13 @@ void CVizManager::EnsurePluginList() {
     Retrievers.SetPreferencesMaker(this);
     Retrievers.AddRetriever();
     Plugins = Retrievers.GetList();
-    if (Plugins) FillPluginsByPath();
+    FillPluginsByPath();
     PluginListReady = true;
     listBuilding_ = false;
 }
 
 void CVizManager::FillPluginsByPath() {
+    if (!Plugins) return;
     const std::vector<CVizPlugin*> plugins = Plugins->Snapshot();
     const MutexLock lock(Mutex.get());
     PluginsByPath.RemoveAll();
@@ -72,7 +73,10 @@ HRESULT CVizManager::GetPluginInfo(uint16_t index, char* name, char* path, uint3
         return E_FAIL;
     }
     if (!Fits(known, size) || !Fits(plugin->GetPath(), size)) return E_FAIL;
-    return CopyText(known, name, size) && CopyText(plugin->GetPath(), path, size) ? S_OK : E_FAIL;
+    if (!name || !path) return E_FAIL;
+    CopyText(known, name, size);
+    CopyText(plugin->GetPath(), path, size);
+    return S_OK;
 }
 
 HRESULT CVizManager::GetPluginIndex(const char* path, uint32_t* index) {
@@ -105,10 +109,10 @@ void CVizManager::OnPluginRemoved(CVizPlugin* plugin) {
     views.front()->DropPlugin(plugin);
     CVizPlugin* replacement = views.front()->GetPlugin();
     for (size_t index = 1; index < views.size(); ++index) {
-        if (replacement) {
-            views[index]->ChangePlugin(replacement);
-        } else {
+        if (Plugins->Count() == 0) {
             views[index]->ClearPlugin();
+        } else {
+            views[index]->ChangePlugin(replacement);
         }
     }
 }

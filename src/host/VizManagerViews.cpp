@@ -64,10 +64,9 @@ HRESULT CVizManager::CreateVizWindow(IMPAVizWindow** view, uint32_t* parent) {
     Worker.RequestMakeWindows();
     *view = made;
     if (only) RegisterObservers();
-    if (CanVisualize()) {
-        const uint32_t state = GetEngine()->GetState();
-        if (state == kEngineStatePaused || state == kEngineStatePlaying) StartVisualization();
-    }
+    ITKPlaybackEngine* engine = GetEngine();
+    const uint32_t state = engine ? engine->GetState() : 0;
+    if ((state == kEngineStatePaused || state == kEngineStatePlaying) && CanVisualize()) StartVisualization();
     return S_OK;
 }
 
@@ -75,24 +74,26 @@ HRESULT CVizManager::DestroyVizWindow(IMPAVizWindow* view) {
     // A view that has gone is looked up by its address alone.
     const auto key = reinterpret_cast<uintptr_t>(view);
     uintptr_t ignored = 0;
+    RefPtr<CViz> known;
     {
         const MutexLock lock(&ViewsLock);
         if (!view || !Views.Lookup(key, ignored)) return E_FAIL;
+        known = RefPtr<CViz>(static_cast<CViz*>(view));
     }
-    auto* known = static_cast<CViz*>(view);
     known->MarkForDestruction();
     Worker.RequestDestroyWindows();
     // The worker can't wait for itself; without a worker there is no window.
     const bool canWait = Worker.IsRunning() && !Worker.IsWorkerThread();
     const bool destroyed = canWait && known->WaitForDestruction();
-    const MutexLock lock(&ViewsLock);
-    if (!Views.Remove(key)) return E_FAIL;
-    if (destroyed || !Worker.IsRunning()) {
-        known->Release();
-    } else {
+    RefPtr<CViz> tables;
+    {
+        const MutexLock lock(&ViewsLock);
+        if (!Views.Remove(key)) return E_FAIL;
+        tables = RefPtr<CViz>::Adopt(known.Get());
         // The table's reference goes when the worker gets round to the window.
-        retired_.push_back(known);
+        if (!destroyed && Worker.IsRunning()) retired_.push_back(std::move(tables));
     }
+    if (!destroyed) Worker.RequestDestroyWindows();
     return S_OK;
 }
 
@@ -108,19 +109,44 @@ void CVizManager::DestroyWindows() {
     ViewList views = CopyViews();
     {
         const MutexLock lock(&ViewsLock);
-        for (CViz* view : retired_) views.push_back(RefPtr<CViz>::Adopt(view));
+        for (RefPtr<CViz>& view : retired_) views.push_back(std::move(view));
         retired_.clear();
     }
-    for (const RefPtr<CViz>& view : views) {
-        if (view->IsMarkedForDestruction()) view->DestroyOutput();
+    for (RefPtr<CViz>& view : views) {
+        if (!view->IsMarkedForDestruction()) continue;
+        const std::shared_ptr<Handle> gone = view->GetOutputGone();
+        view->DestroyOutput();
+        // Who waits has the last reference then, unless it has given up waiting.
+        view.Reset();
+        SetEvent(gone->Get());
     }
+}
+
+// The host should have ended its views. Those that still stand lose their output and know no manager any more.
+void CVizManager::EndRemainingViews() {
+    const ViewList views = CopyViews();
+    for (const RefPtr<CViz>& view : views) view->MarkForDestruction();
+    if (!views.empty() && Worker.IsRunning()) {
+        Worker.RequestDestroyWindows();
+        views.back()->WaitForDestruction();
+    }
+}
+
+void CVizManager::ReleaseRemainingViews() {
+    for (const RefPtr<CViz>& view : CopyViews()) {
+        view->ForgetOwner();
+        const MutexLock lock(&ViewsLock);
+        if (Views.Remove(reinterpret_cast<uintptr_t>(static_cast<IMPAVizWindow*>(view.Get())))) view->Release();
+    }
+    // Only a worker that had to be terminated leaves any of these.
+    retired_.clear();
 }
 
 void CVizManager::RunFrame() {
     ITKPlaybackEngine* engine = GetEngine();
     if (!engine || engine->GetState() != kEngineStatePlaying) return;
     // Cleared before the look, so that a view shown meanwhile sets it again.
-    somethingToShow_ = false;
+    somethingToShow_.exchange(false);
     CopyViews(frameViews_);
     for (const RefPtr<CViz>& view : frameViews_) {
         if (view->IsVisible()) somethingToShow_ = true;
@@ -147,6 +173,8 @@ void CVizManager::DrawViews() {
         const uint32_t seed = RandomSeed;
         RandomSeed = seed + 1;
         RandomizeEffects(RandomEffects, seed);
+        // Switched off while this was written.
+        if (!EffectsOn) SetNeutralEffects(RandomEffects);
     }
     for (const RefPtr<CViz>& view : frameViews_) {
         if (view->IsVisible()) view->DrawFrame(AnalysisFrame);
@@ -158,7 +186,7 @@ void CVizManager::DrawViews() {
 bool CVizManager::IsPaletteDisplay() const {
     const HWND desktop = GetDesktopWindow();
     const HDC context = GetDC(desktop);
-    const int colors = GetDeviceCaps(context, NUMCOLORS);
+    const int colors = context ? GetDeviceCaps(context, NUMCOLORS) : kNoPalette;
     ReleaseDC(desktop, context);
     return colors != kNoPalette && GetSystemMetrics(SM_REMOTESESSION) == 0;
 }

@@ -20,7 +20,7 @@ class CVizTKA final : public ITKCommandButton, private ManagerOwner {
 public:
     CVizTKA() = default;
 
-    // IUnknown. The last Release destroys the component; it doesn't stand in for Shutdown.
+    // IUnknown. The last Release destroys the component, and shuts it down if the host forgot to.
     HRESULT QueryInterface(const GUID& id, void** out) override;
     ULONG AddRef() override;
     ULONG Release() override;

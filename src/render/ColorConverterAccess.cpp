@@ -79,6 +79,7 @@ ColorConverterAccess::ColorConverterAccess() {
     }
     if (open && ResolveExports()) return;
     Entries.fill(nullptr);
+    IsLight = false;
     Library.reset();
     Status = E_FAIL;
 }

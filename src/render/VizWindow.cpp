@@ -15,7 +15,7 @@ constexpr DWORD kWindowExStyle = WS_EX_NOPARENTNOTIFY;
 constexpr DWORD kWindowStyle = WS_CHILD | WS_CLIPSIBLINGS | WS_CLIPCHILDREN;
 constexpr uint32_t kReceiverBlockSize = 10;
 constexpr int32_t kSizeStep = 4;
-constexpr int32_t kMaxSide = 0xFFFF & ~(kSizeStep - 1);  // what fits half of a message word
+constexpr int32_t kMaxSide = 0x7FFF & ~(kSizeStep - 1);  // what a window can have
 
 // The class stands as long as windows exist, in whichever threads they are made.
 struct WindowClass {
@@ -123,6 +123,8 @@ HRESULT CVizWindow::Resize(int32_t width, int32_t height) {
         if (window && DrawsFrames) {
             BuildSurfaces(roundedWidth, roundedHeight);
         } else {
+            // A surface of the old size must not be taken for one of the new size later.
+            FreeSurfaces();
             DisplayWidth = roundedWidth;
             DisplayHeight = roundedHeight;
         }

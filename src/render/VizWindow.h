@@ -59,7 +59,8 @@ protected:
 //    FrameWidth x FrameHeight pixels, half of the display size each way above kMaxFullSizePixels.
 // 2. FrontPixels and BackPixels are distinct whenever both are set. Each allocation can fail by itself.
 // 3. The window's thread alone builds and frees surfaces, and never while a frame is being drawn: from
-//    GetFrontPixels or GetBackPixels to the release. What arrives in between waits for Present(true).
+//    BeginFrame, GetFrontPixels or GetBackPixels on. What arrives in between waits for EndFrame, or for
+//    Present(true) outside of a frame.
 // 4. When the display is larger than the frames and no converter is there, a frame stands in the bottom
 //    left part of Surface (the first rows in memory), and the blit stretches that part over the window.
 //
@@ -96,6 +97,10 @@ public:
     virtual HRESULT AddRightClickReceiver(IUnknown* receiver);
     virtual HRESULT RemoveClickReceiver(IUnknown* receiver);
     virtual HRESULT RemoveRightClickReceiver(IUnknown* receiver);
+    // Between these two a plug-in may be painting: messages that would take away what it uses wait, in both
+    // modes, and are served by EndFrame in the order in which they came. [frame]
+    void BeginFrame();
+    void EndFrame();
     // Paints the client area black. [frame]
     virtual void Blank();
 
@@ -175,6 +180,7 @@ protected:
     uint8_t* BackPixels = nullptr;
     FrameBuffer RawBuffer0, RawBuffer1;
     bool frontInUse_ = false;
+    bool inFrame_ = false;
     bool backInUse_ = false;
     bool wipePending_ = false;  // the next frame comes out black
 
@@ -194,7 +200,7 @@ private:
     bool MakeWindow(int32_t width, int32_t height);
     bool IsOnOwnThread() const;
     bool DeferDuringFrame(UINT message, WPARAM wParam, LPARAM lParam);
-    void EndFrame();
+    void ServeDeferred();
     void TakeFrame();
     void CopyFrameToSurface();
     void WipeSurface();

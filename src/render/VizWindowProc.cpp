@@ -18,11 +18,13 @@ struct VizWindowMessages {
         return 0;
     }
     static LRESULT LeftButton(CVizWindow& object, HWND, WPARAM wParam, LPARAM lParam) {
-        object.OnLeftButton(LOWORD(lParam), HIWORD(lParam), static_cast<uint32_t>(wParam));
+        if (!object.DeferDuringFrame(WM_LBUTTONUP, wParam, lParam))
+            object.OnLeftButton(LOWORD(lParam), HIWORD(lParam), static_cast<uint32_t>(wParam));
         return 0;
     }
     static LRESULT RightButton(CVizWindow& object, HWND, WPARAM wParam, LPARAM lParam) {
-        object.OnRightButton(LOWORD(lParam), HIWORD(lParam), static_cast<uint32_t>(wParam));
+        if (!object.DeferDuringFrame(WM_RBUTTONUP, wParam, lParam))
+            object.OnRightButton(LOWORD(lParam), HIWORD(lParam), static_cast<uint32_t>(wParam));
         return 0;
     }
     static LRESULT Resize(CVizWindow& object, HWND, WPARAM wParam, LPARAM lParam) {
@@ -33,8 +35,9 @@ struct VizWindowMessages {
         if (!object.DeferDuringFrame(kMessageDrawsFrames, wParam, lParam)) object.OnDrawsFramesChanged(lParam != 0);
         return 0;
     }
-    static LRESULT Unload(CVizWindow& object, HWND, WPARAM wParam, LPARAM) {
-        object.OnUnload(reinterpret_cast<CVizPlugin*>(wParam));
+    static LRESULT Unload(CVizWindow& object, HWND, WPARAM wParam, LPARAM lParam) {
+        if (!object.DeferDuringFrame(kMessageUnload, wParam, lParam))
+            object.OnUnload(reinterpret_cast<CVizPlugin*>(wParam));
         return 0;
     }
 };

@@ -117,7 +117,7 @@ void CVizWindow::Present(bool newFrame) {
             if (WindowDC && MemoryDC) BlitVizSurface(WindowDC, MemoryDC, Surface.get(), PictureInSurface(), window);
         }
     }
-    if (newFrame) EndFrame();
+    if (newFrame) ServeDeferred();
 }
 
 void CVizWindow::TakeFrame() {
@@ -167,21 +167,35 @@ void CVizWindow::WipeFrames() {
 // the frame's end.
 bool CVizWindow::DeferDuringFrame(UINT message, WPARAM wParam, LPARAM lParam) {
     const MutexLock lock(&SizeLock);
-    if (!frontInUse_ && !backInUse_) return false;
+    if (!inFrame_ && !frontInUse_ && !backInUse_) return false;
     deferred_.push_back({message, wParam, lParam});
     return true;
 }
 
+void CVizWindow::BeginFrame() {
+    const MutexLock lock(&SizeLock);
+    inFrame_ = true;
+}
+
 void CVizWindow::EndFrame() {
+    {
+        const MutexLock lock(&SizeLock);
+        inFrame_ = false;
+    }
+    ServeDeferred();
+}
+
+// Straight to the window procedure: what was posted meanwhile comes later.
+void CVizWindow::ServeDeferred() {
     std::vector<Deferred> waiting;
     {
         const MutexLock lock(&SizeLock);
         frontInUse_ = backInUse_ = false;
-        waiting.swap(deferred_);
+        if (!inFrame_) waiting.swap(deferred_);
     }
-    const HWND window = Window;
-    if (!window) return;
-    for (const Deferred& next : waiting) PostMessageA(window, next.message, next.wParam, next.lParam);
+    for (const Deferred& next : waiting) {
+        if (const HWND window = Window) SendMessageA(window, next.message, next.wParam, next.lParam);
+    }
 }
 
 }  // namespace tdkviz

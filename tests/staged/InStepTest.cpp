@@ -73,10 +73,12 @@ TEST_P(InStep, AcrossPauseSeekAndEngineChange) {
     EXPECT_GE(watch.Frames(), 18);
     EXPECT_LE(watch.WorstMilliseconds(), Bound(c)) << "after a pause";
 
-    watch.Forget();
-    host.Seek(40 * kRate);
-    host.Advance(1000);
-    EXPECT_LE(watch.WorstMilliseconds(), Bound(c)) << "after a seek";
+    for (const uint64_t second : {40, 1}) {
+        watch.Forget();
+        host.Seek(second * kRate);
+        host.Advance(1000);
+        EXPECT_LE(watch.WorstMilliseconds(), Bound(c)) << "after a seek to " << second;
+    }
 
     TestEngine other;
     other.state = kEngineStatePlaying;
@@ -89,12 +91,12 @@ TEST_P(InStep, AcrossPauseSeekAndEngineChange) {
     EXPECT_LE(watch.WorstMilliseconds(), Bound(c)) << "after an engine change";
     host.SetState(0);
     host.Shutdown();
-    EXPECT_EQ(other.references, 1u) << "the add-on let the engine go";
+    EXPECT_EQ(other.References, 0u) << "the add-on let the engine go";
 }
 
 INSTANTIATE_TEST_SUITE_P(Delays, InStep,
                          // Without a delay the ring's length stands in for it: three of the host's blocks.
-                         testing::Values(StepCase{0, 220, 20}, StepCase{120, 441, 20}, StepCase{120, 2048, 20},
+                         testing::Values(StepCase{0, 220, 20}, StepCase{120, 128, 20}, StepCase{120, 441, 20}, StepCase{120, 2048, 20},
                                          StepCase{500, 1024, 20}, StepCase{2000, 4410, 20}));
 
 TEST(InStepWithChanges, DelayMovesWhilePlaying) {
@@ -111,34 +113,6 @@ TEST(InStepWithChanges, DelayMovesWhilePlaying) {
     }
     EXPECT_GE(watch.Frames(), 400);
     EXPECT_LE(watch.WorstMilliseconds(), Bound({2000, 882, 20}));
-}
-
-TEST(InStepWithChanges, PictureIsTheRightWayUpAtEverySize) {
-    TestHost::InstallPlugins({"Probe.tkv"});
-    TestHost host;
-    IMPAVizWindow* view = host.MakeView("Probe.tkv", 200, 152);
-    ASSERT_TRUE(view);
-    host.StartDevice(120, 441);
-    host.SetState(kEngineStatePlaying);
-    std::vector<DWORD> pixels(1400 * 900);
-    const struct {
-        int width, height;
-    } sizes[] = {{200, 152}, {1280, 720}, {200, 152}, {320, 240}, {324, 240}, {1024, 600}};
-    for (const auto& size : sizes) {
-        view->Resize(size.width, size.height);
-        host.Advance(200);
-        int width = 0;
-        int height = 0;
-        ASSERT_TRUE(TdkpReadWindow(host.Parent(), pixels.data(), static_cast<int>(pixels.size()), &width, &height));
-        const auto at = [&](int x, int y) { return pixels[static_cast<size_t>(y) * width + x] & 0xFFFFFF; };
-        SCOPED_TRACE(std::to_string(size.width) + "x" + std::to_string(size.height));
-        EXPECT_EQ(at(2, 2), 0xFF0000u) << "the mark in the top left corner";
-        EXPECT_EQ(at(size.width - 1, size.height - 1), 0x204060u);
-        EXPECT_EQ(at(size.width - 1, 0), 0x204060u);
-        EXPECT_EQ(at(0, size.height - 1), 0x204060u);
-        EXPECT_EQ(at(size.width, size.height / 2), 0xFFFFFFu) << "the host's own window beside the view";
-        EXPECT_EQ(at(size.width / 2, size.height), 0xFFFFFFu) << "the host's own window below the view";
-    }
 }
 
 }  // namespace

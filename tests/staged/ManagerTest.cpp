@@ -161,14 +161,7 @@ TEST_F(ManagerTest, FramesFollowThePlayersStates) {
 }
 
 TEST_F(ManagerTest, HostWithNothingToOfferGetsNoFramesAndNoCrash) {
-    struct Silent final : IUnknown {
-        HRESULT QueryInterface(const GUID&, void** out) override {
-            *out = nullptr;
-            return E_NOINTERFACE;
-        }
-        ULONG AddRef() override { return 1; }
-        ULONG Release() override { return 1; }
-    } silent;
+    StackObject<IUnknown> silent;
     TestHost::InstallPlugins({"Probe.tkv"});
     HMODULE library = LoadLibraryA(STAGE_DIR "/tdkviz.so");
     ASSERT_TRUE(library);

@@ -2,8 +2,7 @@
 #include <gtest/gtest.h>
 #include <tdkplatform.h>
 
-#include <cstdio>
-#include <cstdlib>
+#include <fstream>
 #include <random>
 
 #include "tests/staged/TestHost.h"
@@ -15,19 +14,15 @@ constexpr int kFramePeriod = 33;  // ms at 30 frames a second
 
 // Resident memory in KiB.
 long ResidentMemory() {
-    long total = 0;
-    long resident = 0;
-    if (FILE* file = std::fopen("/proc/self/statm", "r")) {
-        if (std::fscanf(file, "%ld %ld", &total, &resident) != 2) resident = 0;
-        std::fclose(file);
-    }
+    long total = 0, resident = 0;
+    std::ifstream("/proc/self/statm") >> total >> resident;
     return resident * 4;
 }
 
 class Soak {
 public:
     Soak() : random_(20261122) {
-        TestHost::InstallPlugins({"Probe.tkv", "Good2.tkv", "GoodOld.tkv", "WindowMode.tkv"});
+        TestHost::InstallPlugins(plugins_);
         host_ = std::make_unique<TestHost>();
         view_ = host_->MakeView("Probe.tkv", 320, 240, kViewClickStepsPlugins);
         host_->StartDevice(200, 882);
@@ -45,7 +40,7 @@ private:
     void Disturb() {
         switch (random_() % 8) {
             case 0:
-                view_->SelectPlugin(Plugin(random_() % 4).c_str());
+                view_->SelectPlugin(TestHost::PluginPath(plugins_[random_() % 4]).c_str());
                 break;
             case 1:
                 view_->Resize(static_cast<int>(random_() % 700) + 1, static_cast<int>(random_() % 500) + 1);
@@ -78,11 +73,7 @@ private:
         next->state = host_->engine->state.load();
         host_->SetEngine(next);
     }
-    static std::string Plugin(size_t index) {
-        static const char* const kFiles[] = {"Probe.tkv", "Good2.tkv", "GoodOld.tkv", "WindowMode.tkv"};
-        return TestHost::PluginPath(kFiles[index]);
-    }
-
+    const std::vector<std::string> plugins_{"Probe.tkv", "Good2.tkv", "GoodOld.tkv", "WindowMode.tkv"};
     std::mt19937 random_;
     TestEngine second_;
     std::unique_ptr<TestHost> host_;
@@ -90,29 +81,23 @@ private:
 };
 
 TEST(Soak, TenThousandFramesLeaveMemoryFlatAndNothingBehind) {
-    TdkpCounts atFirst = {};
-    TdkpCount(&atFirst);
+    const TdkpCounts atFirst = Counts();
     {
         Soak soak;
         soak.Run(2000);
-        TdkpCounts early = {};
-        TdkpCount(&early);
-        const long memoryEarly = ResidentMemory();
+        const TdkpCounts early = Counts();
+        [[maybe_unused]] const long memoryEarly = ResidentMemory();
         soak.Run(8000);
-        TdkpCounts late = {};
-        TdkpCount(&late);
+        const TdkpCounts late = Counts();
         EXPECT_LE(late.handles, early.handles + 2);
         EXPECT_LE(late.windows, early.windows);
         EXPECT_LE(late.gdiObjects, early.gdiObjects + 4);
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
         EXPECT_LE(ResidentMemory(), memoryEarly + 8 * 1024);
-#else
-        (void)memoryEarly;
 #endif
         soak.Host().Shutdown();
     }
-    TdkpCounts atLast = {};
-    TdkpCount(&atLast);
+    const TdkpCounts atLast = Counts();
     EXPECT_EQ(atLast.handles, atFirst.handles);
     EXPECT_EQ(atLast.windows, atFirst.windows);
     EXPECT_EQ(atLast.gdiObjects, atFirst.gdiObjects);

@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 #include <tdkplatform.h>
 
-#include <algorithm>
-#include <cstring>
 #include <filesystem>
 
 #include "tests/staged/TestBag.h"
@@ -12,50 +10,11 @@
 namespace fs = std::filesystem;
 
 namespace tdkviz::test {
-
 namespace {
-
-class HostBuffer final : public IKVABuffer {
-public:
-    HRESULT QueryInterface(const GUID&, void** out) override {
-        *out = nullptr;
-        return E_NOINTERFACE;
-    }
-    ULONG AddRef() override { return ++references_; }
-    ULONG Release() override {
-        const ULONG count = --references_;
-        if (count == 0) delete this;
-        return count;
-    }
-    HRESULT GetContents(void** data, uint32_t* size) override {
-        *data = bytes_.data();
-        *size = GetSize();
-        return S_OK;
-    }
-    HRESULT SetContents(const void* data, uint32_t size) override {
-        const auto* bytes = static_cast<const uint8_t*>(data);
-        bytes_.assign(bytes, bytes + size);
-        return S_OK;
-    }
-    HRESULT SetSize(uint32_t size) override {
-        bytes_.resize(size);
-        return S_OK;
-    }
-    uint32_t GetSize() override { return static_cast<uint32_t>(bytes_.size()); }
-    void* GetBuffer() override { return bytes_.data(); }
-
-private:
-    std::atomic<ULONG> references_{1};
-    std::vector<uint8_t> bytes_;
-};
-
-LRESULT CALLBACK ParentProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    return DefWindowProcA(window, message, wParam, lParam);
-}
 
 HWND MakeParent() {
     WNDCLASSA windowClass = {};
-    windowClass.lpfnWndProc = ParentProc;
+    windowClass.lpfnWndProc = DefWindowProcA;
     windowClass.lpszClassName = "TestHostWindow";
     windowClass.hbrBackground = static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH));
     RegisterClassA(&windowClass);
@@ -82,31 +41,6 @@ void FillStampedAudio(int16_t* stereo, uint64_t position, uint32_t frames) {
 uint64_t StampedPosition(int8_t left, int8_t right) {
     const uint64_t stamp = static_cast<uint64_t>(static_cast<uint8_t>(left)) << 8 | static_cast<uint8_t>(right);
     return stamp * kFramesPerStamp;
-}
-
-// ---- The engine
-
-HRESULT TestEngine::QueryInterface(const GUID& id, void** out) {
-    *out = nullptr;
-    if (id != kIID_IKVAAudioDelay || !servesDelay) return E_NOINTERFACE;
-    *out = static_cast<IKVAAudioDelay*>(this);
-    AddRef();
-    return S_OK;
-}
-
-HRESULT TestEngine::GetPreferences(IKVAValues** values) {
-    *values = nullptr;
-    return E_FAIL;
-}
-
-HRESULT TestEngine::GetConfiguredDelay(uint32_t* milliseconds) {
-    *milliseconds = configuredDelay;
-    return S_OK;
-}
-
-HRESULT TestEngine::GetCurrentDelay(uint32_t* milliseconds) {
-    *milliseconds = currentDelay;
-    return S_OK;
 }
 
 // ---- The host
@@ -155,33 +89,14 @@ void TestHost::Shutdown() {
     FreeLibrary(library_);
 }
 
-HRESULT TestHost::QueryInterface(const GUID& id, void** out) {
-    *out = nullptr;
-    if (id == kIID_ITKPlayer || id == kIID_IUnknown) *out = static_cast<ITKPlayer*>(this);
-    if (id == kIID_ITKStateSource) *out = static_cast<ITKStateSource*>(this);
-    if (id == kIID_IKVAClassFactory) *out = static_cast<IKVAClassFactory*>(this);
-    if (id == kIID_IKVAAudioService || id == kIID_IKVAAudioHookService) *out = static_cast<IKVAAudioHookService*>(this);
-    if (!*out) return E_NOINTERFACE;
-    AddRef();
-    return S_OK;
+IUnknown* TestHost::Find(const GUID& id) {
+    if (id == kIID_ITKPlayer || id == kIID_IUnknown) return static_cast<ITKPlayer*>(this);
+    if (id == kIID_ITKStateSource) return static_cast<ITKStateSource*>(this);
+    if (id == kIID_IKVAClassFactory) return static_cast<IKVAClassFactory*>(this);
+    if (id == kIID_IKVAAudioService || id == kIID_IKVAAudioHookService) return static_cast<IKVAAudioHookService*>(this);
+    return nullptr;
 }
 
-HRESULT TestHost::AddEngineObserver(ITKPlaybackEngineObserver* observer) {
-    engineObserver_ = observer;
-    return S_OK;
-}
-HRESULT TestHost::RemoveEngineObserver(ITKPlaybackEngineObserver*) {
-    engineObserver_ = nullptr;
-    return S_OK;
-}
-HRESULT TestHost::AddStateObserver(ITKStateObserver* observer) {
-    stateObserver_ = observer;
-    return S_OK;
-}
-HRESULT TestHost::RemoveStateObserver(ITKStateObserver*) {
-    stateObserver_ = nullptr;
-    return S_OK;
-}
 HRESULT TestHost::CreateInstance(const GUID& id, void** out) {
     *out = nullptr;
     if (id != kIID_IKVAValues) return E_NOINTERFACE;
@@ -226,11 +141,10 @@ void TestHost::AnnounceFormat(uint16_t channels, uint16_t bits, uint32_t rate, u
 }
 
 void TestHost::Deliver(const void* data, uint32_t size) {
-    auto* buffer = new HostBuffer;
-    buffer->SetContents(data, size);
-    KVAAudioData in = {buffer};
+    FakeBuffer buffer(data, size);
+    KVAAudioData in = {&buffer};
     if (hook_) hook_->OnAudioData(&in, &in);
-    buffer->Release();
+    EXPECT_EQ(buffer.References, 0u);
 }
 
 void TestHost::SetAudioState(uint32_t flags) {
@@ -279,8 +193,7 @@ void TestHost::Advance(uint32_t milliseconds) {
 }
 
 void TestHost::ServeMessages() {
-    MSG message;
-    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageA(&message);
+    test::ServeMessages();
 }
 
 // ---- The probe

@@ -9,11 +9,15 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include <tdkviz/analysis_frame.h>
 #include <tdkviz/host.h>
 #include <tdkviz/viz.h>
+
+#include "tests/support/Picture.h"
+#include "tests/support/TestObjects.h"
 
 namespace tdkviz::test {
 
@@ -26,29 +30,29 @@ void FillStampedAudio(int16_t* stereo, uint64_t position, uint32_t frames);
 uint64_t StampedPosition(int8_t left, int8_t right);
 
 // An engine with a delay of its own. The host's model of the device decides what it reports.
-class TestEngine final : public ITKPlaybackEngine, public IKVAAudioDelay {
-public:
-    HRESULT QueryInterface(const GUID& id, void** out) override;
-    ULONG AddRef() override { return ++references; }
-    ULONG Release() override { return --references; }
+struct TestEngine final : StackObject<ITKPlaybackEngine, IKVAAudioDelay> {
+    IUnknown* Find(const GUID& id) override {
+        return id == kIID_IKVAAudioDelay ? static_cast<IKVAAudioDelay*>(this) : nullptr;
+    }
     uint32_t GetState() override { return state; }
     uint32_t QueryEngineFlag(uint32_t) override { return allowsVisualization ? 1 : 0; }
-    HRESULT GetPreferences(IKVAValues** values) override;
-    HRESULT GetConfiguredDelay(uint32_t* milliseconds) override;
-    HRESULT GetCurrentDelay(uint32_t* milliseconds) override;
+    HRESULT GetPreferences(IKVAValues**) override { return E_FAIL; }
+    HRESULT GetConfiguredDelay(uint32_t* milliseconds) override {
+        *milliseconds = configuredDelay;
+        return S_OK;
+    }
+    HRESULT GetCurrentDelay(uint32_t* milliseconds) override {
+        *milliseconds = currentDelay;
+        return S_OK;
+    }
 
-    std::atomic<uint32_t> references{1};
     std::atomic<uint32_t> state{0};
     std::atomic<bool> allowsVisualization{true};
-    bool servesDelay = true;
     std::atomic<uint32_t> configuredDelay{0};
     std::atomic<uint32_t> currentDelay{0};
 };
 
-class TestHost final : public ITKPlayer,
-                       public ITKStateSource,
-                       public IKVAClassFactory,
-                       public IKVAAudioHookService {
+class TestHost final : public StackObject<ITKPlayer, ITKStateSource, IKVAClassFactory, IKVAAudioHookService> {
 public:
     // Puts these plug-ins (files of TEST_PLUGIN_DIR or the staged folder), and no others, beside the
     // running program before the add-on looks.
@@ -60,14 +64,12 @@ public:
     TestHost(const TestHost&) = delete;
 
     // What a context answers.
-    HRESULT QueryInterface(const GUID& id, void** out) override;
-    ULONG AddRef() override { return ++references_; }
-    ULONG Release() override { return --references_; }
+    IUnknown* Find(const GUID& id) override;
     IUnknown* GetPlaybackEngine() override { return static_cast<ITKPlaybackEngine*>(engine); }
-    HRESULT AddEngineObserver(ITKPlaybackEngineObserver* observer) override;
-    HRESULT RemoveEngineObserver(ITKPlaybackEngineObserver* observer) override;
-    HRESULT AddStateObserver(ITKStateObserver* observer) override;
-    HRESULT RemoveStateObserver(ITKStateObserver* observer) override;
+    HRESULT AddEngineObserver(ITKPlaybackEngineObserver* observer) override { return Keep(engineObserver_, observer); }
+    HRESULT RemoveEngineObserver(ITKPlaybackEngineObserver*) override { return Keep(engineObserver_, {}); }
+    HRESULT AddStateObserver(ITKStateObserver* observer) override { return Keep(stateObserver_, observer); }
+    HRESULT RemoveStateObserver(ITKStateObserver*) override { return Keep(stateObserver_, {}); }
     HRESULT CreateInstance(const GUID&, void** out) override;
     HRESULT AddHook(IKVAAudioHook* hook, uint32_t flags) override;
     HRESULT RemoveHook(IKVAAudioHook* hook) override;
@@ -78,6 +80,9 @@ public:
     IMPAVizMgr* Manager() { return manager_; }
     IMPAVizWindow* MakeView(const std::string& plugin, int width, int height, uint32_t flags = 0);
     HWND Parent() const { return parent_; }
+    IKVAAudioHook* Hook() const { return hook_; }
+    // Leaves the views standing at Shutdown.
+    void ForgetViews() { views_.clear(); }
 
     // The player.
     void SetState(uint32_t state);
@@ -103,7 +108,12 @@ public:
     void FeedDevice();
 
 private:
-    ULONG references_ = 1;
+    template <typename T>
+    static HRESULT Keep(T*& place, std::type_identity_t<T>* object) {
+        place = object;
+        return S_OK;
+    }
+
     HMODULE library_ = nullptr;
     ITKCommandButton* component_ = nullptr;
     IMPAVizMgr* manager_ = nullptr;

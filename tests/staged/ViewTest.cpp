@@ -3,7 +3,6 @@
 #include <tdkplatform.h>
 
 #include <algorithm>
-#include <cstring>
 
 #include "tests/staged/TestHost.h"
 
@@ -128,18 +127,12 @@ TEST_F(ViewTest, ClicksWalkThroughThePlugins) {
 }
 
 TEST_F(ViewTest, ClickReceiversAreTold) {
-    struct Receiver final : IMPAClickReceiver {
-        HRESULT QueryInterface(const GUID&, void** out) override {
-            *out = nullptr;
-            return E_NOINTERFACE;
-        }
-        ULONG AddRef() override { return 1; }
-        ULONG Release() override { return 1; }
+    struct Receiver final : StackObject<IMPAClickReceiver> {
         HRESULT ViewClicked(uint32_t x, uint32_t y, uint32_t) override {
-            clicks.push_back({static_cast<LONG>(x), static_cast<LONG>(y)});
+            clicks.emplace_back(x, y);
             return S_OK;
         }
-        std::vector<POINT> clicks;
+        std::vector<std::pair<uint32_t, uint32_t>> clicks;
     } early, late, right;
     Install({"Probe.tkv"});
     IMPAVizWindow* view = Create();
@@ -151,11 +144,9 @@ TEST_F(ViewTest, ClickReceiversAreTold) {
     TdkpFeedMouse(ViewWindow(*host_), WM_LBUTTONUP, 0, 33, 44);
     TdkpFeedMouse(ViewWindow(*host_), WM_RBUTTONUP, 0, 55, 66);
     host_->Advance(10);
-    ASSERT_EQ(early.clicks.size(), 1u);
-    EXPECT_EQ(early.clicks[0].x, 33);
-    EXPECT_EQ(early.clicks[0].y, 44);
-    EXPECT_EQ(late.clicks.size(), 1u);
-    EXPECT_EQ(right.clicks.size(), 1u);
+    EXPECT_EQ(early.clicks, (std::vector{std::pair{33u, 44u}}));
+    EXPECT_EQ(late.clicks, early.clicks);
+    EXPECT_EQ(right.clicks, (std::vector{std::pair{55u, 66u}}));
     EXPECT_EQ(view->RemoveClickReceiver(&early), S_OK);
     EXPECT_EQ(view->RemoveClickReceiver(&early), E_FAIL);
     TdkpFeedMouse(ViewWindow(*host_), WM_LBUTTONUP, 0, 1, 1);
@@ -180,24 +171,26 @@ TEST_F(ViewTest, PluginOfTheGuideDrawsItsLine) {
     EXPECT_EQ(lit, width) << "one point for each column";
 }
 
-TEST_F(ViewTest, PictureGoesBlackWhenPlayingStops) {
+TEST_F(ViewTest, PictureIsTheRightWayUpAtEverySizeAndGoesBlackAtTheEnd) {
     Install({"Probe.tkv"});
-    ASSERT_TRUE(host_->MakeView("Probe.tkv", 200, 152));
-    host_->StartDevice(100, 441);
+    IMPAVizWindow* view = host_->MakeView("Probe.tkv", 200, 152);
+    ASSERT_TRUE(view);
+    host_->StartDevice(120, 441);
     host_->SetState(kEngineStatePlaying);
-    host_->Advance(300);
-    std::vector<DWORD> pixels(1400 * 900);
-    int width = 0;
-    int height = 0;
-    const auto corner = [&] {
-        EXPECT_TRUE(TdkpReadWindow(ViewWindow(*host_), pixels.data(), static_cast<int>(pixels.size()), &width, &height));
-        return pixels[0] & 0xFFFFFF;
-    };
-    EXPECT_EQ(corner(), 0xFF0000u);
+    for (const SIZE size : {SIZE{200, 152}, {1280, 720}, {200, 152}, {320, 240}, {324, 240}, {1024, 600}}) {
+        SCOPED_TRACE(std::to_string(size.cx) + "x" + std::to_string(size.cy));
+        view->Resize(size.cx, size.cy);
+        host_->Advance(200);
+        const Picture picture(host_->Parent());
+        EXPECT_EQ(picture.At(2, 2), 0xFF0000u) << "the mark in the top left corner";
+        for (const POINT corner : {POINT{size.cx - 1, size.cy - 1}, {size.cx - 1, 0}, {0, size.cy - 1}})
+            EXPECT_EQ(picture.At(corner.x, corner.y), 0x204060u);
+        EXPECT_EQ(picture.At(size.cx, size.cy / 2), 0xFFFFFFu) << "the host's own window beside the view";
+        EXPECT_EQ(picture.At(size.cx / 2, size.cy), 0xFFFFFFu) << "the host's own window below the view";
+    }
     host_->SetState(kEngineStatePaused);
     host_->Advance(20);
-    EXPECT_EQ(corner(), 0u);
-    for (int index = 0; index < width * height; ++index) ASSERT_EQ(pixels[index] & 0xFFFFFF, 0u) << index;
+    EXPECT_EQ(Picture(ViewWindow(*host_)).FirstOtherThan(0), -1);
 }
 
 }  // namespace

@@ -1,0 +1,84 @@
+// Ends that a host brings about in the wrong order, and sizes that no window can have.
+#include <gtest/gtest.h>
+#include <tdkplatform.h>
+
+#include "tests/staged/TestHost.h"
+
+namespace tdkviz::test {
+namespace {
+
+TEST(End, ShutdownTakesDownViewsThatTheHostForgot) {
+    TestHost::InstallPlugins({"Probe.tkv", "WindowMode.tkv"});
+    TdkpCounts before = {};
+    TdkpCount(&before);
+    {
+        TestHost host;
+        ASSERT_TRUE(host.MakeView("Probe.tkv", 320, 240));
+        IMPAVizWindow* held = host.MakeView("WindowMode.tkv", 200, 100);
+        ASSERT_TRUE(held);
+        held->AddRef();
+        host.StartDevice(100, 441);
+        host.SetState(kEngineStatePlaying);
+        host.Advance(300);
+        host.ForgetViews();
+        const HMODULE library = LoadLibraryA(STAGE_DIR "/tdkviz.so");
+        host.Shutdown();
+        // A view that the host still holds has nothing to show, and says so.
+        char path[MAX_PATH];
+        EXPECT_EQ(held->GetCurrentPlugin(path, sizeof path), E_FAIL);
+        EXPECT_EQ(held->SelectPlugin(TestHost::PluginPath("Probe.tkv").c_str()), E_FAIL);
+        EXPECT_EQ(held->Show(100, 100), E_FAIL);
+        EXPECT_EQ(held->Release(), 0u);
+        FreeLibrary(library);
+    }
+    TdkpCounts after = {};
+    TdkpCount(&after);
+    EXPECT_EQ(after.handles, before.handles);
+    EXPECT_EQ(after.windows, before.windows);
+    EXPECT_EQ(after.gdiObjects, before.gdiObjects);
+    EXPECT_EQ(after.threads, before.threads);
+}
+
+TEST(End, AudioAfterShutdownIsDropped) {
+    TestHost::InstallPlugins({"Probe.tkv"});
+    TestHost host;
+    ASSERT_TRUE(host.MakeView("Probe.tkv", 64, 48));
+    host.StartDevice(100, 441);
+    IKVAAudioHook* hook = host.Hook();
+    const HMODULE library = LoadLibraryA(STAGE_DIR "/tdkviz.so");
+    host.Shutdown();
+    KVAAudioFormat format = {2, 16, 48000, 4096, 0};
+    EXPECT_EQ(hook->OnAudioFormat(&format), S_OK);
+    EXPECT_EQ(hook->OnAudioData(nullptr, nullptr), S_OK);
+    FreeLibrary(library);
+}
+
+TEST(End, SizesThatNoWindowCanHaveAreCut) {
+    TestHost::InstallPlugins({"Probe.tkv"});
+    TestHost host;
+    IMPAVizWindow* view = host.MakeView("Probe.tkv", 320, 20, kViewRotateButton);
+    ASSERT_TRUE(view);
+    host.StartDevice(100, 441);
+    host.SetState(kEngineStatePlaying);
+    const HWND window = FindWindowExA(host.Parent(), nullptr, "TDVisualizationClass", nullptr);
+    const struct {
+        int width, height;
+    } sizes[] = {{-1, -1}, {0, 0}, {64, -200}, {-64, 200}, {1, 1}};
+    for (const auto& size : sizes) {
+        EXPECT_EQ(view->Resize(size.width, size.height), S_OK);
+        host.Advance(120);
+        RECT client = {};
+        GetClientRect(window, &client);
+        EXPECT_LE(client.right, 324);
+        EXPECT_LE(client.bottom, 324);
+    }
+    view->Show(400, 300);
+    view->Show(500, 200);
+    host.Advance(20);
+    const HWND button = FindWindowExA(host.Parent(), nullptr, "button", "Rotate");
+    ASSERT_TRUE(button);
+    EXPECT_EQ(FindWindowExA(host.Parent(), button, "button", "Rotate"), nullptr) << "one button, moved";
+}
+
+}  // namespace
+}  // namespace tdkviz::test
