@@ -41,6 +41,7 @@ uint32_t DLLAccessPath::Release() {
 
 HRESULT DLLAccessPath::SetPath(const char* name, const char* folder) {
     if (!folder || *folder == 0) return S_OK;
+    const MutexLock lock(&mutex_);
     CNQString stored(folder);
     if (!EndsInSeparator(folder)) stored = stored + SeparatorFor(folder);
     Paths.Set(name, stored);
@@ -52,6 +53,7 @@ HRESULT DLLAccessPath::SetPath(DLLKind kind, const char* folder) {
 }
 
 const char* DLLAccessPath::GetPath(const char* name) const {
+    const MutexLock lock(&mutex_);
     const CNQString* folder = Paths.Find(name);
     return folder ? folder->GetText() : nullptr;
 }
@@ -72,6 +74,14 @@ HRESULT DLLAccessPath::SetFromBlock(const char* block) {
 }
 
 HRESULT DLLAccessPath::PassTo(SetDLLAccessPathFunction function) const {
+    std::unique_ptr<char[]> block;
+    const HRESULT result = WriteBlock(block);
+    if (block) function(block.get());
+    return result;
+}
+
+HRESULT DLLAccessPath::WriteBlock(std::unique_ptr<char[]>& block) const {
+    const MutexLock lock(&mutex_);
     if (Paths.GetCount() == 0) return S_OK;
     size_t size = 1;
     CNQString name;
@@ -80,7 +90,7 @@ HRESULT DLLAccessPath::PassTo(SetDLLAccessPathFunction function) const {
         Paths.GetNext(position, name, folder);
         size += static_cast<size_t>(name.GetLength()) + static_cast<size_t>(folder.GetLength()) + 2;
     }
-    const std::unique_ptr<char[]> block(new (std::nothrow) char[size]);
+    block.reset(new (std::nothrow) char[size]);
     if (!block) return E_FAIL;
     char* place = block.get();
     for (intptr_t position = Paths.GetStartPosition(); position != 0;) {
@@ -91,7 +101,6 @@ HRESULT DLLAccessPath::PassTo(SetDLLAccessPathFunction function) const {
         *place++ = 0;
     }
     *place = 0;
-    function(block.get());
     return S_OK;
 }
 

@@ -2,10 +2,12 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
 #include <tdkviz/com.h>
 #include <tdkviz/viz.h>
 
+#include "src/support/Mutex.h"
 #include "src/support/NQMaps.h"
 #include "src/support/RefPtr.h"
 
@@ -23,7 +25,7 @@ enum class DLLKind : uint32_t {
     Count,
 };
 
-// No locks: the host fills the table before it needs what is opened through it.
+// Any thread; texts given out stay good until they are replaced.
 class DLLAccessPath {
 public:
     DLLAccessPath() = default;
@@ -46,9 +48,13 @@ public:
     HRESULT PassTo(SetDLLAccessPathFunction function) const;
 
 private:
+    // The table as a path block; null if it is empty. S_OK, or E_FAIL without memory.
+    HRESULT WriteBlock(std::unique_ptr<char[]>& block) const;
+
     static constexpr uint32_t kMapBlockSize = 10;
 
     tdkviz::RefCount RefCount;
+    mutable KVAWinMutex mutex_;  // a window's converter and the host may come at once
     CNQMapStringToString Paths{kMapBlockSize};
 };
 

@@ -78,6 +78,11 @@ void ForeignClient::Hide(xcb_window_t window) {
     Wait();
 }
 
+void ForeignClient::Unhide(xcb_window_t window) {
+    xcb_map_window(connection_, window);
+    Wait();
+}
+
 void ForeignClient::Destroy(xcb_window_t window) {
     xcb_destroy_window(connection_, window);
     Wait();

@@ -26,6 +26,7 @@ public:
     // Shown, above all others, painted white. No window manager is asked.
     xcb_window_t MakeWindow(int x, int y, int width, int height);
     void Hide(xcb_window_t window);
+    void Unhide(xcb_window_t window);
     void Destroy(xcb_window_t window);
     // What a window manager sends when its close button is pressed.
     void AskToClose(xcb_window_t window);

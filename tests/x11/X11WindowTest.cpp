@@ -244,6 +244,24 @@ TEST_F(X11Test, FullScreenAndOnTopAreTheManagersBusiness) {
     EXPECT_EQ(host_->WaitForStateRequest(), "+_NET_WM_STATE_ABOVE");
 }
 
+TEST_F(X11Test, TellsThatTheManagerMadeAnIconOfIt) {
+    AppWindow window(0, 50, 60, 100, 80);
+    WaitUntilShown(window, 50, 60);
+    const auto isSized = [&](WPARAM kind) {
+        return AppWindow::ServeUntil([&] { return window.Last(WM_SIZE).wParam == kind; });
+    };
+    host_->Hide(window.Id());
+    EXPECT_TRUE(isSized(SIZE_MINIMIZED));
+    host_->Unhide(window.Id());
+    EXPECT_TRUE(isSized(SIZE_RESTORED));
+    EXPECT_EQ(LOWORD(window.Last(WM_SIZE).lParam), 100);
+    // Who hides a window by itself is told nothing of the kind.
+    ShowWindow(window.Handle(), SW_HIDE);
+    ShowWindow(window.Handle(), SW_SHOW);
+    WaitUntilShown(window, 50, 60);
+    EXPECT_EQ(window.Last(WM_SIZE).wParam, static_cast<WPARAM>(SIZE_RESTORED));
+}
+
 TEST_F(X11Test, GoesWithItsForeignParent) {
     const xcb_window_t parent = host_->MakeWindow(0, 0, 300, 200);
     {
