@@ -64,9 +64,9 @@ struct ITKStateSource : IUnknown {
 
 // The playback engine has no identifier of its own: the player gives it.
 struct ITKPlaybackEngine : IUnknown {
-    virtual uint32_t GetState() = 0;                           // [any]
-    virtual uint32_t QueryEngineFlag(uint32_t flag) = 0;       // [any]
-    virtual HRESULT GetPreferences(IKVAValues** values) = 0;   // [counted]; may fail
+    virtual uint32_t GetState() = 0;                          // [any]
+    virtual uint32_t QueryEngineFlag(uint32_t flag) = 0;      // [any]
+    virtual HRESULT GetPreferences(IKVAValues** values) = 0;  // [counted]; may fail
 };
 
 // How far the device is behind what has been delivered, in milliseconds; 0 means none. Asked of the engine.

@@ -23,11 +23,11 @@ public:
     // `virtualKey` is a VK_ number; `text` is the character for WM_CHAR or 0.
     virtual void OnKey(WindowId window, bool down, uint32_t virtualKey, uint32_t text, bool altDown, uint32_t time) = 0;
     virtual void OnFocus(WindowId window, bool gained) = 0;
-    virtual void OnCloseRequest(WindowId window) = 0;                         // the window manager asks
+    virtual void OnCloseRequest(WindowId window) = 0;                                       // the window manager asks
     virtual void OnMovedOrSized(WindowId window, int x, int y, int width, int height) = 0;  // top-level only
-    virtual void OnIconified(WindowId window, bool iconified) = 0;            // by the window manager
-    virtual void OnExposed(WindowId window, const RECT& rect) = 0;            // server lost these pixels
-    virtual void OnDestroyed(WindowId window) = 0;                            // by its foreign parent, or the server
+    virtual void OnIconified(WindowId window, bool iconified) = 0;                          // by the window manager
+    virtual void OnExposed(WindowId window, const RECT& rect) = 0;                          // server lost these pixels
+    virtual void OnDestroyed(WindowId window) = 0;  // by its foreign parent, or the server
 
 protected:
     ~DisplaySink() = default;
@@ -38,9 +38,9 @@ struct DisplayWindowInfo {
     int x = 0, y = 0, width = 1, height = 1;
     bool topLevel = true;
     bool resizable = true;
-    bool framed = true;    // top level: a window manager may put a frame around it
-    bool menu = false;     // top level, but not a window manager's business: a popup menu
-    WindowId owner = 0;    // of a top-level window: the one that it belongs to and stays above, if any
+    bool framed = true;  // top level: a window manager may put a frame around it
+    bool menu = false;   // top level, but not a window manager's business: a popup menu
+    WindowId owner = 0;  // of a top-level window: the one that it belongs to and stays above, if any
     std::string className;
     std::string title;
 };

@@ -30,14 +30,11 @@ void SetDefaultColors(Bitmap& bitmap) {
 }
 
 std::shared_ptr<Bitmap> MakeBitmap(PixelFormat format, int width, int height) {
-    if (format == PixelFormat::kNone || width <= 0 || height <= 0)
-        return nullptr;
+    if (format == PixelFormat::kNone || width <= 0 || height <= 0) return nullptr;
     const int64_t pitch = DibPitch(BitsPerPixel(format), width);
-    if (pitch > std::numeric_limits<int32_t>::max() / height)
-        return nullptr;
+    if (pitch > std::numeric_limits<int32_t>::max() / height) return nullptr;
     auto bitmap = std::make_shared<Bitmap>();
-    if (!bitmap->memory.Allocate(static_cast<size_t>(pitch) * static_cast<size_t>(height)))
-        return nullptr;
+    if (!bitmap->memory.Allocate(static_cast<size_t>(pitch) * static_cast<size_t>(height))) return nullptr;
     bitmap->raster = {bitmap->memory.Data(), static_cast<int32_t>(pitch), width, height, format, nullptr};
     SetDefaultColors(*bitmap);
     return bitmap;
@@ -49,13 +46,19 @@ HBITMAP AddBitmap(std::shared_ptr<Bitmap> bitmap) {
 
 PixelFormat FormatOfDepth(UINT bits) {
     switch (bits) {
-        case 1: return PixelFormat::kMono;
-        case 8: return PixelFormat::kIndexed8;
+        case 1:
+            return PixelFormat::kMono;
+        case 8:
+            return PixelFormat::kIndexed8;
         case 15:
-        case 16: return PixelFormat::kRgb555;
-        case 24: return PixelFormat::kRgb24;
-        case 32: return PixelFormat::kRgb32;
-        default: return PixelFormat::kNone;
+        case 16:
+            return PixelFormat::kRgb555;
+        case 24:
+            return PixelFormat::kRgb24;
+        case 32:
+            return PixelFormat::kRgb32;
+        default:
+            return PixelFormat::kNone;
     }
 }
 
@@ -68,8 +71,13 @@ void TakeWindowColors(HWND window, Bitmap& bitmap) {
 
 void DescribeSection(const DibLayout& layout, const BITMAPINFO& info, HANDLE section, DWORD offset, Bitmap& bitmap) {
     DIBSECTION& description = bitmap.section;
-    description.dsBm = {0, layout.width, layout.height, static_cast<LONG>(layout.pitch), 1,
-                        static_cast<WORD>(layout.bits), bitmap.memory.Data()};
+    description.dsBm = {0,
+                        layout.width,
+                        layout.height,
+                        static_cast<LONG>(layout.pitch),
+                        1,
+                        static_cast<WORD>(layout.bits),
+                        bitmap.memory.Data()};
     description.dsBmih = info.bmiHeader;
     description.dsBmih.biSize = sizeof(BITMAPINFOHEADER);
     description.dsBmih.biHeight = layout.height;
@@ -84,8 +92,7 @@ void DescribeSection(const DibLayout& layout, const BITMAPINFO& info, HANDLE sec
 // ---- GetDIBits ----
 
 DWORD CompressionOf(const Bitmap& bitmap) {
-    if (bitmap.isSection)
-        return bitmap.section.dsBmih.biCompression;
+    if (bitmap.isSection) return bitmap.section.dsBmih.biCompression;
     const int bits = BitsPerPixel(bitmap.raster.format);
     return bits == 16 || bits == 32 ? BI_BITFIELDS : BI_RGB;
 }
@@ -124,20 +131,17 @@ void FillColors(const Bitmap& bitmap, const DibLayout& layout, BITMAPINFO& info,
     const DWORD room = info.bmiHeader.biClrUsed == 0 ? all : std::min(info.bmiHeader.biClrUsed, all);
     for (DWORD i = 0; i < all; ++i) {
         palette[i] = colors[i];
-        if (i < room)
-            DibColors(info)[i] = QuadFromColor(colors[i]);
+        if (i < room) DibColors(info)[i] = QuadFromColor(colors[i]);
     }
 }
 
 INT CopyLines(const Bitmap& bitmap, const DibLayout& layout, const uint32_t* palette, UINT first, UINT lines,
               LPVOID bits) {
     const Raster& from = bitmap.raster;
-    if (first >= static_cast<UINT>(from.height))
-        return 0;
-    const int count = static_cast<int>(
-        std::min({lines, static_cast<UINT>(from.height) - first, static_cast<UINT>(layout.height)}));
-    if (count <= 0)
-        return 0;
+    if (first >= static_cast<UINT>(from.height)) return 0;
+    const int count =
+        static_cast<int>(std::min({lines, static_cast<UINT>(from.height) - first, static_cast<UINT>(layout.height)}));
+    if (count <= 0) return 0;
     const int start = static_cast<int>(first);
     const int top = layout.topDown ? start : from.height - start - count;
     BlitJob job;
@@ -154,14 +158,11 @@ INT CopyLines(const Bitmap& bitmap, const DibLayout& layout, const uint32_t* pal
 template <typename Work>
 UINT WithColorTable(HDC dc, UINT first, UINT count, Work work) {
     const auto context = FindContext(dc);
-    if (!context || !context->bitmap->isSection || context->bitmap->raster.palette == nullptr)
-        return 0;
+    if (!context || !context->bitmap->isSection || context->bitmap->raster.palette == nullptr) return 0;
     const UINT all = 1u << BitsPerPixel(context->bitmap->raster.format);
-    if (first >= all)
-        return 0;
+    if (first >= all) return 0;
     count = std::min(count, all - first);
-    for (UINT i = 0; i < count; ++i)
-        work(context->bitmap->colors[first + i], i);
+    for (UINT i = 0; i < count; ++i) work(context->bitmap->colors[first + i], i);
     return count;
 }
 
@@ -172,8 +173,7 @@ using namespace tdkp;
 
 TDKP_API HBITMAP CreateBitmap(INT width, INT height, UINT planes, UINT bitsPerPixel, LPCVOID bits) {
     const TerminationDeferral deferral;
-    if (planes != 1)
-        return nullptr;
+    if (planes != 1) return nullptr;
     std::shared_ptr<Bitmap> bitmap = MakeBitmap(FormatOfDepth(bitsPerPixel), width, height);
     if (bitmap && bits != nullptr) {
         const Raster& raster = bitmap->raster;
@@ -188,10 +188,8 @@ TDKP_API HBITMAP CreateBitmap(INT width, INT height, UINT planes, UINT bitsPerPi
 
 TDKP_API HBITMAP CreateCompatibleBitmap(HDC dc, INT width, INT height) {
     const auto context = FindContext(dc);
-    if (!context)
-        return nullptr;
-    if (width == 0 || height == 0)
-        return CreateBitmap(1, 1, 1, 1, nullptr);
+    if (!context) return nullptr;
+    if (width == 0 || height == 0) return CreateBitmap(1, 1, 1, 1, nullptr);
     const bool memory = context->ground == DeviceContext::Ground::kMemory;
     std::shared_ptr<Bitmap> bitmap =
         MakeBitmap(memory ? context->bitmap->raster.format : DisplayPixelFormat(), width, height);
@@ -204,20 +202,16 @@ TDKP_API HBITMAP CreateCompatibleBitmap(HDC dc, INT width, INT height) {
     return AddBitmap(std::move(bitmap));
 }
 
-TDKP_API HBITMAP CreateDIBSection(HDC, const BITMAPINFO* info, UINT usage, LPVOID* bits, HANDLE section,
-                                  DWORD offset) {
+TDKP_API HBITMAP CreateDIBSection(HDC, const BITMAPINFO* info, UINT usage, LPVOID* bits, HANDLE section, DWORD offset) {
     const TerminationDeferral deferral;
-    if (bits != nullptr)
-        *bits = nullptr;
+    if (bits != nullptr) *bits = nullptr;
     DibLayout layout;
-    if (info == nullptr || usage != DIB_RGB_COLORS || !ParseDib(*info, &layout))
-        return nullptr;
+    if (info == nullptr || usage != DIB_RGB_COLORS || !ParseDib(*info, &layout)) return nullptr;
     auto bitmap = std::make_shared<Bitmap>();
-    const bool made = section == nullptr ? bitmap->memory.Allocate(layout.imageSize)
-                                         : offset % kOffsetUnit == 0 &&
-                                               bitmap->memory.Map(section, offset, layout.imageSize);
-    if (!made)
-        return nullptr;
+    const bool made = section == nullptr
+                          ? bitmap->memory.Allocate(layout.imageSize)
+                          : offset % kOffsetUnit == 0 && bitmap->memory.Map(section, offset, layout.imageSize);
+    if (!made) return nullptr;
     ReadDibColors(*info, layout, bitmap->colors);
     const uint32_t* palette = layout.bits <= 8 ? bitmap->colors : nullptr;
     bitmap->raster = DibRaster(layout, bitmap->memory.Data(), layout.height, palette);
@@ -225,8 +219,7 @@ TDKP_API HBITMAP CreateDIBSection(HDC, const BITMAPINFO* info, UINT usage, LPVOI
     DescribeSection(layout, *info, section, offset, *bitmap);
     uint8_t* data = bitmap->memory.Data();
     const HBITMAP handle = AddBitmap(std::move(bitmap));
-    if (handle != nullptr && bits != nullptr)
-        *bits = data;
+    if (handle != nullptr && bits != nullptr) *bits = data;
     return handle;
 }
 
@@ -241,27 +234,22 @@ TDKP_API INT GetDIBits(HDC dc, HBITMAP handle, UINT firstLine, UINT lines, LPVOI
         FillHeader(*bitmap, header);
         return 1;
     }
-    if (header.biCompression == BI_BITFIELDS)
-        FillMasks(*bitmap, *info);
+    if (header.biCompression == BI_BITFIELDS) FillMasks(*bitmap, *info);
     DibLayout layout;
-    if (!ParseDib(*info, &layout))
-        return 0;
+    if (!ParseDib(*info, &layout)) return 0;
     header.biPlanes = 1;
     header.biSizeImage = static_cast<DWORD>(layout.imageSize);
     uint32_t palette[kPaletteEntries] = {};
-    if (layout.bits <= 8)
-        FillColors(*bitmap, layout, *info, palette);
+    if (layout.bits <= 8) FillColors(*bitmap, layout, *info, palette);
     return bits == nullptr ? layout.height : CopyLines(*bitmap, layout, palette, firstLine, lines, bits);
 }
 
 TDKP_API UINT GetDIBColorTable(HDC dc, UINT first, UINT count, RGBQUAD* colors) {
-    if (colors == nullptr)
-        return 0;
+    if (colors == nullptr) return 0;
     return WithColorTable(dc, first, count, [&](uint32_t color, UINT i) { colors[i] = QuadFromColor(color); });
 }
 
 TDKP_API UINT SetDIBColorTable(HDC dc, UINT first, UINT count, const RGBQUAD* colors) {
-    if (colors == nullptr)
-        return 0;
+    if (colors == nullptr) return 0;
     return WithColorTable(dc, first, count, [&](uint32_t& color, UINT i) { color = ColorFromQuad(colors[i]); });
 }

@@ -37,8 +37,7 @@ void SetMonoRules(const DeviceContext& to, const DeviceContext& from, BlitJob& j
 
 // The brush's colour as the target stores it. False if the operation needs a brush and there is none.
 bool SetPattern(const DeviceContext& dc, BlitJob& job) {
-    if (!RopUsesPattern(job.rop))
-        return true;
+    if (!RopUsesPattern(job.rop)) return true;
     job.pattern = EncodeColor(job.to, ColorFromRef(dc.brush->color));
     return !dc.brush->hollow;
 }
@@ -53,26 +52,22 @@ void FillWith(const DeviceContext& dc, const RECT& rect, uint8_t rop) {
     job.to = target.Pixels();
     job.toRect = rect;
     job.rop = rop;
-    if (target.ClipCount() > 0 && SetPattern(dc, job))
-        RunOn(target, job);
+    if (target.ClipCount() > 0 && SetPattern(dc, job)) RunOn(target, job);
 }
 
 BOOL Blit(HDC toDc, const Extents& to, HDC fromDc, const Extents& from, DWORD operation) {
     const auto toContext = FindContext(toDc);
     const uint8_t rop = RopOf(operation);
-    if (!toContext)
-        return FALSE;
+    if (!toContext) return FALSE;
     if (!RopUsesSource(rop)) {
         FillWith(*toContext, to.Rect(), rop);
         return TRUE;
     }
     const auto fromContext = FindContext(fromDc);
-    if (!fromContext)
-        return FALSE;
+    if (!fromContext) return FALSE;
     const DrawSource source(*fromContext, from.Rect());
     DrawTarget target(*toContext);
-    if (target.ClipCount() == 0 || source.pixels.topRow == nullptr)
-        return TRUE;
+    if (target.ClipCount() == 0 || source.pixels.topRow == nullptr) return TRUE;
     BlitJob job;
     MonoPalette palette;
     job.to = target.Pixels();
@@ -83,14 +78,13 @@ BOOL Blit(HDC toDc, const Extents& to, HDC fromDc, const Extents& from, DWORD op
     job.mirrorY = (to.height < 0) != (from.height < 0);
     job.rop = rop;
     SetMonoRules(*toContext, *fromContext, job, palette);
-    if (SetPattern(*toContext, job))
-        RunOn(target, job);
+    if (SetPattern(*toContext, job)) RunOn(target, job);
     return TRUE;
 }
 
 // A bitmap in the caller's memory as source; `fromRect` counts from the top of `lines` rows.
-void BlitDib(const DeviceContext& to, const Extents& extents, const DibLayout& layout, int lines,
-             const RECT& fromRect, const Extents& from, LPCVOID bits, const BITMAPINFO& info, uint8_t rop) {
+void BlitDib(const DeviceContext& to, const Extents& extents, const DibLayout& layout, int lines, const RECT& fromRect,
+             const Extents& from, LPCVOID bits, const BITMAPINFO& info, uint8_t rop) {
     uint32_t palette[kPaletteEntries] = {};
     ReadDibColors(info, layout, palette);
     DrawTarget target(to);
@@ -103,8 +97,7 @@ void BlitDib(const DeviceContext& to, const Extents& extents, const DibLayout& l
     job.mirrorX = (extents.width < 0) != (from.width < 0);
     job.mirrorY = (extents.height < 0) != (from.height < 0);
     job.rop = rop;
-    if (target.ClipCount() > 0 && SetPattern(to, job))
-        RunOn(target, job);
+    if (target.ClipCount() > 0 && SetPattern(to, job)) RunOn(target, job);
 }
 
 }  // namespace
@@ -122,8 +115,7 @@ TDKP_API BOOL StretchBlt(HDC to, INT x, INT y, INT width, INT height, HDC from, 
 }
 
 TDKP_API BOOL PatBlt(HDC dc, INT x, INT y, INT width, INT height, DWORD operation) {
-    if (RopUsesSource(RopOf(operation)))
-        return FALSE;
+    if (RopUsesSource(RopOf(operation))) return FALSE;
     return Blit(dc, {x, y, width, height}, nullptr, {}, operation);
 }
 
@@ -153,8 +145,8 @@ TDKP_API INT SetDIBitsToDevice(HDC to, INT x, INT y, DWORD width, DWORD height, 
     const int count = static_cast<int>(std::min(lines, static_cast<UINT>(layout.height) - firstLine));
     const Extents extents = {x, y, ClampToLong(width), ClampToLong(height)};
     const Extents from = {fromX, fromY, extents.width, extents.height};
-    const int64_t top = layout.topDown ? int64_t{fromY} - firstLine
-                                       : int64_t{firstLine} + count - fromY - extents.height;
+    const int64_t top =
+        layout.topDown ? int64_t{fromY} - firstLine : int64_t{firstLine} + count - fromY - extents.height;
     const RECT fromRect = Shift({0, 0, extents.width, extents.height}, fromX, top);
     BlitDib(*context, extents, layout, count, fromRect, from, bits, *info, kRopCopySource);
     return count;
@@ -163,13 +155,10 @@ TDKP_API INT SetDIBitsToDevice(HDC to, INT x, INT y, DWORD width, DWORD height, 
 TDKP_API INT FillRect(HDC dc, const RECT* rect, HBRUSH handle) {
     const auto context = FindContext(dc);
     const auto brush = FindBrush(handle);
-    if (!context || !brush || rect == nullptr)
-        return 0;
-    if (brush->hollow)
-        return 1;
+    if (!context || !brush || rect == nullptr) return 0;
+    if (brush->hollow) return 1;
     DrawTarget target(*context);
-    if (target.ClipCount() == 0)
-        return 1;
+    if (target.ClipCount() == 0) return 1;
     BlitJob job;
     job.to = target.Pixels();
     job.toRect = *rect;
@@ -180,8 +169,7 @@ TDKP_API INT FillRect(HDC dc, const RECT* rect, HBRUSH handle) {
 }
 
 TDKP_API INT FrameRect(HDC dc, const RECT* rect, HBRUSH brush) {
-    if (rect == nullptr || rect->left >= rect->right || rect->top >= rect->bottom)
-        return 0;
+    if (rect == nullptr || rect->left >= rect->right || rect->top >= rect->bottom) return 0;
     const RECT sides[] = {
         {rect->left, rect->top, rect->right, rect->top + 1},
         {rect->left, rect->bottom - 1, rect->right, rect->bottom},
@@ -189,8 +177,7 @@ TDKP_API INT FrameRect(HDC dc, const RECT* rect, HBRUSH brush) {
         {rect->right - 1, rect->top, rect->right, rect->bottom},
     };
     INT drawn = 1;
-    for (const RECT& side : sides)
-        drawn = drawn != 0 ? FillRect(dc, &side, brush) : 0;
+    for (const RECT& side : sides) drawn = drawn != 0 ? FillRect(dc, &side, brush) : 0;
     return drawn;
 }
 
@@ -200,11 +187,9 @@ TDKP_API BOOL SetPixelV(HDC dc, INT x, INT y, COLORREF color) {
 
 TDKP_API COLORREF SetPixel(HDC dc, INT x, INT y, COLORREF color) {
     const auto context = FindContext(dc);
-    if (!context)
-        return CLR_INVALID;
+    if (!context) return CLR_INVALID;
     DrawTarget target(*context);
-    if (!target.IsVisible(x, y))
-        return CLR_INVALID;
+    if (!target.IsVisible(x, y)) return CLR_INVALID;
     const Raster& raster = target.Pixels();
     const uint32_t raw = EncodeColor(raster, ColorFromRef(color));
     WriteRaw(raster, x, y, raw);
@@ -214,8 +199,7 @@ TDKP_API COLORREF SetPixel(HDC dc, INT x, INT y, COLORREF color) {
 
 TDKP_API COLORREF GetPixel(HDC dc, INT x, INT y) {
     const auto context = FindContext(dc);
-    if (!context)
-        return CLR_INVALID;
+    if (!context) return CLR_INVALID;
     const DrawTarget target(*context);
     return target.IsVisible(x, y) ? RefFromColor(ReadColor(target.Pixels(), x, y)) : CLR_INVALID;
 }

@@ -25,14 +25,12 @@ DeviceContext::DeviceContext(Ground where, HWND ofWindow)
     brush = table.Find<Brush>(brushHandle);
     pen = table.Find<Pen>(penHandle);
     font = table.Find<Font>(fontHandle);
-    if (ground == Ground::kWindow)
-        WindowContextTaken(window);
+    if (ground == Ground::kWindow) WindowContextTaken(window);
 }
 
 DeviceContext::~DeviceContext() {
     bitmap->selected = false;
-    if (ground == Ground::kWindow)
-        WindowContextReturned(window);
+    if (ground == Ground::kWindow) WindowContextReturned(window);
 }
 
 namespace {
@@ -41,19 +39,23 @@ constexpr int kPixelsPerInch = 96;
 constexpr int kReservedColors = 20;  // of a palette that the system keeps
 constexpr int kTenthsPerInch = 254;
 constexpr int kIndexedBits = 8;
-constexpr int kChannelBits = 18;     // of a palette's entries
+constexpr int kChannelBits = 18;  // of a palette's entries
 
 HDC MakeContext(DeviceContext::Ground ground, HWND window) {
     return static_cast<HDC>(ObjectTable::Instance().Add(std::make_shared<DeviceContext>(ground, window)));
 }
 
-bool IsContext(GdiObject& object) { return object.kind == GdiKind::kContext; }
+bool IsContext(GdiObject& object) {
+    return object.kind == GdiKind::kContext;
+}
 
 bool IsMemoryContext(GdiObject& object) {
     return IsContext(object) && static_cast<DeviceContext&>(object).ground == DeviceContext::Ground::kMemory;
 }
 
-int Millimetres(int pixels) { return pixels * kTenthsPerInch / (kPixelsPerInch * 10); }
+int Millimetres(int pixels) {
+    return pixels * kTenthsPerInch / (kPixelsPerInch * 10);
+}
 
 // A memory context answers for the display until a bitmap of another depth is selected.
 int BitsOf(const DeviceContext& dc) {
@@ -73,7 +75,9 @@ Value Get(HDC dc, Value DeviceContext::*field, Value failure) {
     return context ? *context.*field : failure;
 }
 
-INT KindOfArea(const RECT& rect) { return IsEmpty(rect) ? NULLREGION : SIMPLEREGION; }
+INT KindOfArea(const RECT& rect) {
+    return IsEmpty(rect) ? NULLREGION : SIMPLEREGION;
+}
 
 }  // namespace
 }  // namespace tdkp
@@ -82,15 +86,13 @@ using namespace tdkp;
 
 TDKP_API HDC CreateDCA(LPCSTR driver, LPCSTR, LPCSTR, const DEVMODEA*) {
     const TerminationDeferral deferral;
-    if (driver == nullptr || std::strcmp(driver, "DISPLAY") != 0)
-        return nullptr;
+    if (driver == nullptr || std::strcmp(driver, "DISPLAY") != 0) return nullptr;
     return MakeContext(DeviceContext::Ground::kScreen, nullptr);
 }
 
 TDKP_API HDC CreateCompatibleDC(HDC dc) {
     const TerminationDeferral deferral;
-    if (dc != nullptr && !FindContext(dc))
-        return nullptr;
+    if (dc != nullptr && !FindContext(dc)) return nullptr;
     return MakeContext(DeviceContext::Ground::kMemory, nullptr);
 }
 
@@ -101,8 +103,7 @@ TDKP_API BOOL DeleteDC(HDC dc) {
 
 TDKP_API HDC GetDC(HWND window) {
     const TerminationDeferral deferral;
-    if (window == nullptr || window == GetDesktopWindow())
-        return MakeContext(DeviceContext::Ground::kScreen, nullptr);
+    if (window == nullptr || window == GetDesktopWindow()) return MakeContext(DeviceContext::Ground::kScreen, nullptr);
     return IsWindow(window) ? MakeContext(DeviceContext::Ground::kWindow, window) : nullptr;
 }
 
@@ -114,59 +115,78 @@ TDKP_API INT ReleaseDC(HWND, HDC dc) {
 
 TDKP_API INT GetDeviceCaps(HDC dc, INT index) {
     const auto context = FindContext(dc);
-    if (!context)
-        return 0;
+    if (!context) return 0;
     const bool hasPalette = BitsOf(*context) <= kIndexedBits;
     switch (index) {
-        case TECHNOLOGY: return DT_RASDISPLAY;
-        case HORZSIZE: return Millimetres(DisplaySize().cx);
-        case VERTSIZE: return Millimetres(DisplaySize().cy);
-        case HORZRES: return DisplaySize().cx;
-        case VERTRES: return DisplaySize().cy;
-        case BITSPIXEL: return BitsOf(*context);
-        case PLANES: return 1;
+        case TECHNOLOGY:
+            return DT_RASDISPLAY;
+        case HORZSIZE:
+            return Millimetres(DisplaySize().cx);
+        case VERTSIZE:
+            return Millimetres(DisplaySize().cy);
+        case HORZRES:
+            return DisplaySize().cx;
+        case VERTRES:
+            return DisplaySize().cy;
+        case BITSPIXEL:
+            return BitsOf(*context);
+        case PLANES:
+            return 1;
         case NUMBRUSHES:
-        case NUMPENS: return -1;
-        case NUMCOLORS: return hasPalette ? kReservedColors : -1;
+        case NUMPENS:
+            return -1;
+        case NUMCOLORS:
+            return hasPalette ? kReservedColors : -1;
         case RASTERCAPS:
             return RC_BITBLT | RC_BITMAP64 | RC_DI_BITMAP | RC_DIBTODEV | RC_STRETCHBLT | RC_STRETCHDIB |
                    (hasPalette ? RC_PALETTE : 0);
         case LOGPIXELSX:
-        case LOGPIXELSY: return kPixelsPerInch;
-        case SIZEPALETTE: return hasPalette ? kPaletteEntries : 0;
-        case NUMRESERVED: return hasPalette ? kReservedColors : 0;
-        case COLORRES: return hasPalette ? kChannelBits : 0;
-        default: return 0;
+        case LOGPIXELSY:
+            return kPixelsPerInch;
+        case SIZEPALETTE:
+            return hasPalette ? kPaletteEntries : 0;
+        case NUMRESERVED:
+            return hasPalette ? kReservedColors : 0;
+        case COLORRES:
+            return hasPalette ? kChannelBits : 0;
+        default:
+            return 0;
     }
 }
 
 TDKP_API INT SetStretchBltMode(HDC dc, INT mode) {
-    if (mode < BLACKONWHITE || mode > HALFTONE)
-        return 0;
+    if (mode < BLACKONWHITE || mode > HALFTONE) return 0;
     return Exchange(dc, &DeviceContext::stretchMode, mode, 0);
 }
 
-TDKP_API INT GetStretchBltMode(HDC dc) { return Get(dc, &DeviceContext::stretchMode, 0); }
+TDKP_API INT GetStretchBltMode(HDC dc) {
+    return Get(dc, &DeviceContext::stretchMode, 0);
+}
 
 TDKP_API INT SetBkMode(HDC dc, INT mode) {
-    if (mode != TRANSPARENT && mode != OPAQUE)
-        return 0;
+    if (mode != TRANSPARENT && mode != OPAQUE) return 0;
     return Exchange(dc, &DeviceContext::bkMode, mode, 0);
 }
 
-TDKP_API INT GetBkMode(HDC dc) { return Get(dc, &DeviceContext::bkMode, 0); }
+TDKP_API INT GetBkMode(HDC dc) {
+    return Get(dc, &DeviceContext::bkMode, 0);
+}
 
 TDKP_API COLORREF SetBkColor(HDC dc, COLORREF color) {
     return Exchange(dc, &DeviceContext::bkColor, color & kColorMask, CLR_INVALID);
 }
 
-TDKP_API COLORREF GetBkColor(HDC dc) { return Get(dc, &DeviceContext::bkColor, CLR_INVALID); }
+TDKP_API COLORREF GetBkColor(HDC dc) {
+    return Get(dc, &DeviceContext::bkColor, CLR_INVALID);
+}
 
 TDKP_API COLORREF SetTextColor(HDC dc, COLORREF color) {
     return Exchange(dc, &DeviceContext::textColor, color & kColorMask, CLR_INVALID);
 }
 
-TDKP_API COLORREF GetTextColor(HDC dc) { return Get(dc, &DeviceContext::textColor, CLR_INVALID); }
+TDKP_API COLORREF GetTextColor(HDC dc) {
+    return Get(dc, &DeviceContext::textColor, CLR_INVALID);
+}
 
 TDKP_API UINT SetTextAlign(HDC dc, UINT align) {
     return Exchange(dc, &DeviceContext::textAlign, align, GDI_ERROR);
@@ -174,8 +194,7 @@ TDKP_API UINT SetTextAlign(HDC dc, UINT align) {
 
 TDKP_API INT IntersectClipRect(HDC dc, INT left, INT top, INT right, INT bottom) {
     const auto context = FindContext(dc);
-    if (!context)
-        return ERROR;
+    if (!context) return ERROR;
     const RECT rect = Ordered({left, top, right, bottom});
     context->clip = context->clipped ? Intersect(context->clip, rect) : rect;
     context->clipped = true;
@@ -184,25 +203,24 @@ TDKP_API INT IntersectClipRect(HDC dc, INT left, INT top, INT right, INT bottom)
 
 TDKP_API INT SelectClipRgn(HDC dc, HRGN region) {
     const auto context = FindContext(dc);
-    if (!context || region != nullptr)
-        return ERROR;
+    if (!context || region != nullptr) return ERROR;
     context->clipped = false;
     return SIMPLEREGION;
 }
 
 TDKP_API INT GetClipBox(HDC dc, RECT* rect) {
     const auto context = FindContext(dc);
-    if (!context || rect == nullptr)
-        return ERROR;
+    if (!context || rect == nullptr) return ERROR;
     if (context->ground == DeviceContext::Ground::kScreen) {
         *rect = {0, 0, DisplaySize().cx, DisplaySize().cy};
     } else {
         const DrawTarget target(*context);
         *rect = target.ClipHull();
-        if (target.ClipCount() > 1)
-            return COMPLEXREGION;
+        if (target.ClipCount() > 1) return COMPLEXREGION;
     }
     return KindOfArea(*rect);
 }
 
-TDKP_API BOOL GdiFlush(void) { return TRUE; }
+TDKP_API BOOL GdiFlush(void) {
+    return TRUE;
+}

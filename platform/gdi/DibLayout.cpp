@@ -34,16 +34,24 @@ PixelFormat FormatOfMasks(int bits, const DWORD* masks) {
 
 PixelFormat FormatOfBits(int bits) {
     switch (bits) {
-        case 1: return PixelFormat::kMono;
-        case 8: return PixelFormat::kIndexed8;
-        case 16: return PixelFormat::kRgb555;
-        case 24: return PixelFormat::kRgb24;
-        case 32: return PixelFormat::kRgb32;
-        default: return PixelFormat::kNone;
+        case 1:
+            return PixelFormat::kMono;
+        case 8:
+            return PixelFormat::kIndexed8;
+        case 16:
+            return PixelFormat::kRgb555;
+        case 24:
+            return PixelFormat::kRgb24;
+        case 32:
+            return PixelFormat::kRgb32;
+        default:
+            return PixelFormat::kNone;
     }
 }
 
-uint8_t* BehindHeader(BITMAPINFO& info) { return reinterpret_cast<uint8_t*>(&info) + kHeaderSize; }
+uint8_t* BehindHeader(BITMAPINFO& info) {
+    return reinterpret_cast<uint8_t*>(&info) + kHeaderSize;
+}
 
 }  // namespace
 
@@ -62,8 +70,7 @@ bool ParseDib(const BITMAPINFO& info, DibLayout* layout) {
     else
         layout->format = header.biCompression == BI_RGB ? FormatOfBits(layout->bits) : PixelFormat::kNone;
     const int64_t pitch = DibPitch(layout->bits, layout->width);
-    if (layout->format == PixelFormat::kNone || pitch > std::numeric_limits<LONG>::max() / layout->height)
-        return false;
+    if (layout->format == PixelFormat::kNone || pitch > std::numeric_limits<LONG>::max() / layout->height) return false;
     layout->pitch = static_cast<size_t>(pitch);
     layout->imageSize = layout->pitch * static_cast<size_t>(layout->height);
     return true;
@@ -71,8 +78,7 @@ bool ParseDib(const BITMAPINFO& info, DibLayout* layout) {
 
 Raster DibRaster(const DibLayout& layout, uint8_t* bits, int lines, const uint32_t* palette) {
     const int32_t pitch = static_cast<int32_t>(layout.pitch);
-    if (layout.topDown)
-        return {bits, pitch, layout.width, lines, layout.format, palette};
+    if (layout.topDown) return {bits, pitch, layout.width, lines, layout.format, palette};
     return {bits + layout.pitch * static_cast<size_t>(lines - 1), -pitch, layout.width, lines, layout.format, palette};
 }
 
@@ -89,13 +95,11 @@ RGBQUAD* DibColors(BITMAPINFO& info) {
 }
 
 void ReadDibColors(const BITMAPINFO& info, const DibLayout& layout, uint32_t* palette) {
-    if (layout.bits > 8)
-        return;
+    if (layout.bits > 8) return;
     const DWORD all = 1u << layout.bits;
     const DWORD used = info.bmiHeader.biClrUsed == 0 ? all : std::min(info.bmiHeader.biClrUsed, all);
     const RGBQUAD* colors = DibColors(const_cast<BITMAPINFO&>(info));
-    for (DWORD i = 0; i < all; ++i)
-        palette[i] = i < used ? ColorFromQuad(colors[i]) : 0;
+    for (DWORD i = 0; i < all; ++i) palette[i] = i < used ? ColorFromQuad(colors[i]) : 0;
 }
 
 bool MasksOf(PixelFormat format, DWORD masks[3]) {

@@ -10,8 +10,7 @@ namespace tdkp {
 DrawTarget::DrawTarget(const DeviceContext& dc) {
     if (dc.ground == DeviceContext::Ground::kWindow) {
         window_.emplace(dc.window);
-        if (window_->raster.topRow != nullptr)
-            Narrow(dc, window_->clip, window_->clipCount);
+        if (window_->raster.topRow != nullptr) Narrow(dc, window_->clip, window_->clipCount);
     } else if (dc.ground == DeviceContext::Ground::kMemory && !dc.bitmap->stock) {
         raster_ = dc.bitmap->raster;
         clip_ = BoundsOf(raster_);
@@ -23,15 +22,13 @@ void DrawTarget::Narrow(const DeviceContext& dc, RECT* clips, int count) {
     const RECT bounds = dc.clipped ? Intersect(dc.clip, BoundsOf(Pixels())) : BoundsOf(Pixels());
     for (int i = 0; i < count; ++i) {
         const RECT clip = Intersect(clips[i], bounds);
-        if (!IsEmpty(clip))
-            clips[clipCount_++] = clip;
+        if (!IsEmpty(clip)) clips[clipCount_++] = clip;
     }
 }
 
 RECT DrawTarget::ClipHull() const {
     RECT hull = {0, 0, 0, 0};
-    for (int i = 0; i < clipCount_; ++i)
-        hull = Hull(hull, Clips()[i]);
+    for (int i = 0; i < clipCount_; ++i) hull = Hull(hull, Clips()[i]);
     return hull;
 }
 
@@ -42,11 +39,9 @@ bool DrawTarget::IsVisible(int x, int y) const {
 }
 
 void DrawTarget::Damage(const RECT& rect) {
-    if (!window_)
-        return;
+    if (!window_) return;
     const RECT visible = Intersect(rect, ClipHull());
-    if (!IsEmpty(visible))
-        window_->Damage(visible);
+    if (!IsEmpty(visible)) window_->Damage(visible);
 }
 
 DrawSource::DrawSource(const DeviceContext& dc, const RECT& wanted) {
@@ -54,12 +49,10 @@ DrawSource::DrawSource(const DeviceContext& dc, const RECT& wanted) {
         pixels = dc.bitmap->raster;
         return;
     }
-    if (dc.ground != DeviceContext::Ground::kWindow)
-        return;
+    if (dc.ground != DeviceContext::Ground::kWindow) return;
     const WindowRasterLock lock(dc.window);
     const RECT part = Intersect(wanted, BoundsOf(lock.raster));
-    if (lock.raster.topRow == nullptr || IsEmpty(part))
-        return;
+    if (lock.raster.topRow == nullptr || IsEmpty(part)) return;
     pixels = lock.raster;
     pixels.width = part.right - part.left;
     pixels.height = part.bottom - part.top;

@@ -24,12 +24,10 @@ namespace {
 class LibraryMemory {
 public:
     LibraryMemory() {
-        if (__lsan_disable != nullptr)
-            __lsan_disable();
+        if (__lsan_disable != nullptr) __lsan_disable();
     }
     ~LibraryMemory() {
-        if (__lsan_enable != nullptr)
-            __lsan_enable();
+        if (__lsan_enable != nullptr) __lsan_enable();
     }
     LibraryMemory(const LibraryMemory&) = delete;
     LibraryMemory& operator=(const LibraryMemory&) = delete;
@@ -46,7 +44,9 @@ struct TextMutex {
 };
 
 // One for all text: fonts share the library's caches.
-LayerMutex& TextLock() { return Immortal<TextMutex>().mutex; }
+LayerMutex& TextLock() {
+    return Immortal<TextMutex>().mutex;
+}
 
 struct SurfaceDeleter {
     void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
@@ -61,13 +61,14 @@ using ContextPtr = std::unique_ptr<cairo_t, ContextDeleter>;
 size_t SequenceLength(std::string_view text) {
     const auto byte = [&](size_t i) { return static_cast<uint8_t>(text[i]); };
     const uint8_t lead = byte(0);
-    const size_t length = lead < 0x80 ? 1 : lead >= 0xC2 && lead < 0xE0 ? 2 : lead >= 0xE0 && lead < 0xF0 ? 3
-                        : lead >= 0xF0 && lead < 0xF5 ? 4 : 0;
-    if (length > text.size())
-        return 0;
+    const size_t length = lead < 0x80                   ? 1
+                          : lead >= 0xC2 && lead < 0xE0 ? 2
+                          : lead >= 0xE0 && lead < 0xF0 ? 3
+                          : lead >= 0xF0 && lead < 0xF5 ? 4
+                                                        : 0;
+    if (length > text.size()) return 0;
     for (size_t i = 1; i < length; ++i) {
-        if ((byte(i) & 0xC0) != 0x80)
-            return 0;
+        if ((byte(i) & 0xC0) != 0x80) return 0;
     }
     const bool tooLong = (lead == 0xE0 && byte(1) < 0xA0) || (lead == 0xF0 && byte(1) < 0x90);
     const bool noCharacter = (lead == 0xED && byte(1) > 0x9F) || (lead == 0xF4 && byte(1) > 0x8F);
@@ -121,14 +122,15 @@ cairo_scaled_font_t* MakeFont(const LOGFONTA& description, double emHeight) {
     return font;
 }
 
-int Ceil(double value) { return static_cast<int>(std::ceil(value)); }
+int Ceil(double value) {
+    return static_cast<int>(std::ceil(value));
+}
 
 // A font whose em square has the height asked for, or whose cell does.
 cairo_scaled_font_t* MakeFontOfHeight(const LOGFONTA& description) {
     LONG height = description.lfHeight == 0 ? kDefaultHeight : description.lfHeight;
     height = std::clamp(height, -kMaxFontHeight, kMaxFontHeight);
-    if (height < 0)
-        return MakeFont(description, -height);
+    if (height < 0) return MakeFont(description, -height);
     cairo_scaled_font_t* probe = MakeFont(description, kMaxFontHeight);
     cairo_font_extents_t extents;
     cairo_scaled_font_extents(probe, &extents);
@@ -141,8 +143,7 @@ cairo_scaled_font_t* MakeFontOfHeight(const LOGFONTA& description) {
 double Measure(cairo_scaled_font_t* font, std::string_view text, cairo_text_extents_t* bounds) {
     cairo_text_extents_t extents;
     cairo_scaled_font_text_extents(font, DrawableText(text).c_str(), &extents);
-    if (bounds != nullptr)
-        *bounds = extents;
+    if (bounds != nullptr) *bounds = extents;
     return extents.x_advance;
 }
 
@@ -150,13 +151,11 @@ double Measure(cairo_scaled_font_t* font, std::string_view text, cairo_text_exte
 
 FontFace::~FontFace() {
     LayerGuard guard(TextLock());
-    if (font_ != nullptr)
-        cairo_scaled_font_destroy(font_);
+    if (font_ != nullptr) cairo_scaled_font_destroy(font_);
 }
 
 void FontFace::Load() const {
-    if (font_ != nullptr)
-        return;
+    if (font_ != nullptr) return;
     const LibraryMemory libraryMemory;
     font_ = MakeFontOfHeight(description_);
     cairo_font_extents_t extents;
@@ -193,8 +192,7 @@ TextMask FontFace::Draw(std::string_view text) const {
     mask.y = std::min(0, metrics_.ascent + static_cast<int>(std::floor(ink.y_bearing)));
     mask.width = std::min(std::max(advance, Ceil(ink.x_bearing + ink.width)) - mask.x + 1, kMaxTextPixels);
     mask.height = std::max(metrics_.Height(), metrics_.ascent + Ceil(ink.y_bearing + ink.height)) - mask.y + 1;
-    if (text.empty() || mask.width <= 0 || mask.height <= 0 || mask.height > kMaxTextPixels)
-        return {};
+    if (text.empty() || mask.width <= 0 || mask.height <= 0 || mask.height > kMaxTextPixels) return {};
 
     const SurfacePtr surface(cairo_image_surface_create(CAIRO_FORMAT_A8, mask.width, mask.height));
     const ContextPtr context(cairo_create(surface.get()));
@@ -203,15 +201,13 @@ TextMask FontFace::Draw(std::string_view text) const {
     cairo_move_to(context.get(), -mask.x, baseLine);
     cairo_show_text(context.get(), DrawableText(text).c_str());
     const double thickness = std::max(1, metrics_.ascent / 12);
-    if (description_.lfUnderline != 0)
-        cairo_rectangle(context.get(), -mask.x, baseLine + 1, advance, thickness);
+    if (description_.lfUnderline != 0) cairo_rectangle(context.get(), -mask.x, baseLine + 1, advance, thickness);
     if (description_.lfStrikeOut != 0)
         cairo_rectangle(context.get(), -mask.x, baseLine - metrics_.ascent / 3, advance, thickness);
     cairo_fill(context.get());
     cairo_surface_flush(surface.get());
     const uint8_t* pixels = cairo_image_surface_get_data(surface.get());
-    if (pixels == nullptr)
-        return {};
+    if (pixels == nullptr) return {};
     const int stride = cairo_image_surface_get_stride(surface.get());
     mask.coverage.resize(static_cast<size_t>(mask.width) * static_cast<size_t>(mask.height));
     for (int y = 0; y < mask.height; ++y) {

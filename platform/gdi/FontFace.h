@@ -15,7 +15,7 @@ namespace tdkp {
 struct FontMetrics {
     int ascent = 0;
     int descent = 0;
-    int leading = 0;      // room inside of the cell for accents
+    int leading = 0;  // room inside of the cell for accents
     int lineGap = 0;
     int averageWidth = 0;  // of the letters A to Z and a to z, as dialog units are counted
     int maxWidth = 0;

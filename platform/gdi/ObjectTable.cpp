@@ -30,8 +30,7 @@ HGDIOBJ ObjectTable::Add(std::shared_ptr<GdiObject> object) {
     {
         LayerGuard guard(mutex_);
         if (freeSlots_.empty()) {
-            if (slots_.size() == kMaxSlots)
-                return nullptr;
+            if (slots_.size() == kMaxSlots) return nullptr;
             freeSlots_.push_back(static_cast<uint32_t>(slots_.size()));
             slots_.emplace_back();
         }
@@ -40,16 +39,14 @@ HGDIOBJ ObjectTable::Add(std::shared_ptr<GdiObject> object) {
         slots_[slot].object = std::move(object);
         handle = HandleOf(slot, ++slots_[slot].uses);
     }
-    if (counted)
-        CountGdiObject(1);
+    if (counted) CountGdiObject(1);
     return handle;
 }
 
 ObjectTable::Slot* ObjectTable::SlotOf(HGDIOBJ handle) {
     const uintptr_t value = reinterpret_cast<uintptr_t>(handle);
     const uint32_t slot = static_cast<uint32_t>(value) & (kMaxSlots - 1);
-    if (slot >= slots_.size() || !slots_[slot].object || HandleOf(slot, slots_[slot].uses) != handle)
-        return nullptr;
+    if (slot >= slots_.size() || !slots_[slot].object || HandleOf(slot, slots_[slot].uses) != handle) return nullptr;
     return &slots_[slot];
 }
 
@@ -64,8 +61,7 @@ std::shared_ptr<GdiObject> ObjectTable::Remove(HGDIOBJ handle, bool (*mayRemove)
     {
         LayerGuard guard(mutex_);
         Slot* slot = SlotOf(handle);
-        if (slot == nullptr || slot->object->stock || !mayRemove(*slot->object))
-            return nullptr;
+        if (slot == nullptr || slot->object->stock || !mayRemove(*slot->object)) return nullptr;
         removed = std::move(slot->object);
         freeSlots_.push_back(static_cast<uint32_t>(slot - slots_.data()));
     }

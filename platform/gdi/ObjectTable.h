@@ -23,8 +23,7 @@ public:
     template <typename Object>
     std::shared_ptr<Object> Find(HGDIOBJ handle) {
         std::shared_ptr<GdiObject> object = Find(handle);
-        if (!object || object->kind != Object::kKind)
-            return nullptr;
+        if (!object || object->kind != Object::kKind) return nullptr;
         return std::static_pointer_cast<Object>(std::move(object));
     }
     // Takes the handle out of use and gives what it stood for; null if it is unknown, of a stock object, or
@@ -59,6 +58,8 @@ private:
 };
 
 // The device context behind a handle; false as a condition if there is none.
-inline ContextRef FindContext(HDC dc) { return ContextRef(dc); }
+inline ContextRef FindContext(HDC dc) {
+    return ContextRef(dc);
+}
 
 }  // namespace tdkp

@@ -18,12 +18,9 @@ bool MayDelete(GdiObject& object) {
 }
 
 HGDIOBJ SelectBitmap(DeviceContext& dc, HGDIOBJ handle, std::shared_ptr<Bitmap> bitmap) {
-    if (dc.ground != DeviceContext::Ground::kMemory)
-        return nullptr;
-    if (handle == dc.bitmapHandle)
-        return handle;
-    if (!bitmap->stock && bitmap->selected.exchange(true))
-        return nullptr;
+    if (dc.ground != DeviceContext::Ground::kMemory) return nullptr;
+    if (handle == dc.bitmapHandle) return handle;
+    if (!bitmap->stock && bitmap->selected.exchange(true)) return nullptr;
     dc.bitmap->selected = false;
     dc.bitmap = std::move(bitmap);
     return std::exchange(dc.bitmapHandle, handle);
@@ -43,8 +40,7 @@ INT WidthBytes(const Bitmap& bitmap) {
 }
 
 DIBSECTION Describe(const Bitmap& bitmap) {
-    if (bitmap.isSection)
-        return bitmap.section;
+    if (bitmap.isSection) return bitmap.section;
     DIBSECTION section = {};
     section.dsBm.bmWidth = bitmap.raster.width;
     section.dsBm.bmHeight = bitmap.raster.height;
@@ -58,10 +54,8 @@ DIBSECTION Describe(const Bitmap& bitmap) {
 template <typename Description>
 INT Answer(const Description& description, INT size, LPVOID out) {
     constexpr INT kSize = sizeof(Description);
-    if (out == nullptr)
-        return kSize;
-    if (size < kSize)
-        return 0;
+    if (out == nullptr) return kSize;
+    if (size < kSize) return 0;
     std::memcpy(out, &description, sizeof(description));
     return kSize;
 }
@@ -86,14 +80,18 @@ using namespace tdkp;
 TDKP_API HGDIOBJ SelectObject(HDC dc, HGDIOBJ handle) {
     const auto context = FindContext(dc);
     const std::shared_ptr<GdiObject> object = ObjectTable::Instance().Find(handle);
-    if (!context || !object)
-        return nullptr;
+    if (!context || !object) return nullptr;
     switch (object->kind) {
-        case GdiKind::kBitmap: return SelectBitmap(*context, handle, std::static_pointer_cast<Bitmap>(object));
-        case GdiKind::kBrush: return Select(&context->brush, &context->brushHandle, handle, object);
-        case GdiKind::kPen: return Select(&context->pen, &context->penHandle, handle, object);
-        case GdiKind::kFont: return Select(&context->font, &context->fontHandle, handle, object);
-        case GdiKind::kContext: break;
+        case GdiKind::kBitmap:
+            return SelectBitmap(*context, handle, std::static_pointer_cast<Bitmap>(object));
+        case GdiKind::kBrush:
+            return Select(&context->brush, &context->brushHandle, handle, object);
+        case GdiKind::kPen:
+            return Select(&context->pen, &context->penHandle, handle, object);
+        case GdiKind::kFont:
+            return Select(&context->font, &context->fontHandle, handle, object);
+        case GdiKind::kContext:
+            break;
     }
     return nullptr;
 }
@@ -108,24 +106,26 @@ TDKP_API BOOL DeleteObject(HGDIOBJ handle) {
 
 TDKP_API HGDIOBJ GetCurrentObject(HDC dc, UINT kind) {
     const auto context = FindContext(dc);
-    if (!context)
-        return nullptr;
+    if (!context) return nullptr;
     switch (kind) {
-        case OBJ_PEN: return context->penHandle;
-        case OBJ_BRUSH: return context->brushHandle;
-        case OBJ_FONT: return context->fontHandle;
-        case OBJ_BITMAP: return context->bitmapHandle;
-        default: return nullptr;
+        case OBJ_PEN:
+            return context->penHandle;
+        case OBJ_BRUSH:
+            return context->brushHandle;
+        case OBJ_FONT:
+            return context->fontHandle;
+        case OBJ_BITMAP:
+            return context->bitmapHandle;
+        default:
+            return nullptr;
     }
 }
 
 TDKP_API DWORD GetObjectType(HGDIOBJ handle) {
     const TerminationDeferral deferral;
     const auto object = ObjectTable::Instance().Find(handle);
-    if (!object)
-        return 0;
-    if (object->kind == GdiKind::kContext &&
-        As<DeviceContext>(object.get())->ground == DeviceContext::Ground::kMemory)
+    if (!object) return 0;
+    if (object->kind == GdiKind::kContext && As<DeviceContext>(object.get())->ground == DeviceContext::Ground::kMemory)
         return OBJ_MEMDC;
     return static_cast<DWORD>(object->kind);
 }
@@ -133,11 +133,12 @@ TDKP_API DWORD GetObjectType(HGDIOBJ handle) {
 TDKP_API INT GetObjectA(HANDLE handle, INT size, LPVOID out) {
     const TerminationDeferral deferral;
     const auto object = ObjectTable::Instance().Find(handle);
-    if (!object)
-        return 0;
+    if (!object) return 0;
     switch (object->kind) {
-        case GdiKind::kBitmap: return AnswerBitmap(*As<Bitmap>(object.get()), size, out);
-        case GdiKind::kFont: return Answer(As<Font>(object.get())->logFont, size, out);
+        case GdiKind::kBitmap:
+            return AnswerBitmap(*As<Bitmap>(object.get()), size, out);
+        case GdiKind::kFont:
+            return Answer(As<Font>(object.get())->logFont, size, out);
         case GdiKind::kPen: {
             const Pen& pen = *As<Pen>(object.get());
             return Answer(LOGPEN{pen.style, {pen.width, 0}, pen.color}, size, out);
@@ -146,7 +147,8 @@ TDKP_API INT GetObjectA(HANDLE handle, INT size, LPVOID out) {
             const Brush& brush = *As<Brush>(object.get());
             return Answer(LOGBRUSH{brush.hollow ? UINT{BS_HOLLOW} : UINT{BS_SOLID}, brush.color, 0}, size, out);
         }
-        case GdiKind::kContext: break;
+        case GdiKind::kContext:
+            break;
     }
     return 0;
 }
@@ -158,8 +160,7 @@ TDKP_API HBRUSH CreateSolidBrush(COLORREF color) {
 
 TDKP_API HBRUSH CreateBrushIndirect(const LOGBRUSH* description) {
     const TerminationDeferral deferral;
-    if (description == nullptr || description->lbStyle > BS_HOLLOW)
-        return nullptr;
+    if (description == nullptr || description->lbStyle > BS_HOLLOW) return nullptr;
     auto brush = std::make_shared<Brush>();
     brush->hollow = description->lbStyle == BS_HOLLOW;
     brush->color = description->lbColor & kColorMask;
@@ -177,8 +178,7 @@ TDKP_API HPEN CreatePen(INT style, INT width, COLORREF color) {
 
 TDKP_API HFONT CreateFontIndirectA(const LOGFONTA* description) {
     const TerminationDeferral deferral;
-    if (description == nullptr)
-        return nullptr;
+    if (description == nullptr) return nullptr;
     return static_cast<HFONT>(ObjectTable::Instance().Add(std::make_shared<Font>(*description)));
 }
 
@@ -199,7 +199,6 @@ TDKP_API HFONT CreateFontA(INT height, INT width, INT escapement, INT orientatio
     description.lfClipPrecision = static_cast<BYTE>(clipPrecision);
     description.lfQuality = static_cast<BYTE>(quality);
     description.lfPitchAndFamily = static_cast<BYTE>(pitchAndFamily);
-    if (faceName != nullptr)
-        std::strncpy(description.lfFaceName, faceName, LF_FACESIZE - 1);
+    if (faceName != nullptr) std::strncpy(description.lfFaceName, faceName, LF_FACESIZE - 1);
     return CreateFontIndirectA(&description);
 }

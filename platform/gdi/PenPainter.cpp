@@ -19,17 +19,16 @@ struct DashPattern {
 };
 
 constexpr DashPattern kPatterns[] = {
-    {{1, 0}, 2, 1},                // PS_SOLID
-    {{18, 6}, 2, 24},              // PS_DASH
-    {{3, 3}, 2, 6},                // PS_DOT
-    {{9, 6, 3, 6}, 4, 24},         // PS_DASHDOT
-    {{9, 3, 3, 3, 3, 3}, 6, 24},   // PS_DASHDOTDOT
+    {{1, 0}, 2, 1},               // PS_SOLID
+    {{18, 6}, 2, 24},             // PS_DASH
+    {{3, 3}, 2, 6},               // PS_DOT
+    {{9, 6, 3, 6}, 4, 24},        // PS_DASHDOT
+    {{9, 3, 3, 3, 3, 3}, 6, 24},  // PS_DASHDOTDOT
 };
 
 bool IsStroke(const DashPattern& pattern, int at) {
     for (int i = 0; i < pattern.count; ++i) {
-        if (at < pattern.lengths[i])
-            return i % 2 == 0;
+        if (at < pattern.lengths[i]) return i % 2 == 0;
         at -= pattern.lengths[i];
     }
     return true;
@@ -46,8 +45,7 @@ PenPainter::PenPainter(const DeviceContext& dc, DrawTarget& target, int stylePha
       opaque_(dc.bkMode == OPAQUE),
       hull_(target.ClipHull()),
       phase_(stylePhase) {
-    if (!draws_)
-        return;
+    if (!draws_) return;
     color_ = EncodeColor(target.Pixels(), ColorFromRef(dc.pen->color));
     gapColor_ = EncodeColor(target.Pixels(), ColorFromRef(dc.bkColor));
 }
@@ -62,15 +60,13 @@ RECT PenPainter::Dots(const RECT& area) const {
 
 void PenPainter::Plot(POINT point, uint32_t raw) {
     if (width_ == 1) {
-        if (target_.IsVisible(point.x, point.y))
-            WriteRaw(target_.Pixels(), point.x, point.y, raw);
+        if (target_.IsVisible(point.x, point.y)) WriteRaw(target_.Pixels(), point.x, point.y, raw);
         return;
     }
     const RECT dot = Dots({point.x, point.y, point.x + 1, point.y + 1});
     for (int i = 0; i < target_.ClipCount(); ++i) {
         const RECT visible = Intersect(dot, target_.Clips()[i]);
-        if (!IsEmpty(visible))
-            FillPixels(target_.Pixels(), visible, raw);
+        if (!IsEmpty(visible)) FillPixels(target_.Pixels(), visible, raw);
     }
 }
 
@@ -83,8 +79,7 @@ void PenPainter::PlotStyled(POINT point, int64_t at) {
 }
 
 void PenPainter::Line(POINT from, POINT to) {
-    if (!draws_)
-        return;
+    if (!draws_) return;
     const LinePath path(from, to);
     int64_t first, last;
     path.Range(Grow(hull_, width_), &first, &last);
@@ -94,12 +89,11 @@ void PenPainter::Line(POINT from, POINT to) {
         else
             PlotStyled(path.At(i), i);
     }
-    if (width_ > 1)
-        Plot(to, color_);
+    if (width_ > 1) Plot(to, color_);
     phase_ = static_cast<int>((path.Count() + phase_) % kPatterns[style_].total);
     const RECT ends = Ordered({from.x, from.y, to.x, to.y});
-    target_.Damage(Dots({ends.left, ends.top, ClampToLong(int64_t{ends.right} + 1),
-                         ClampToLong(int64_t{ends.bottom} + 1)}));
+    target_.Damage(
+        Dots({ends.left, ends.top, ClampToLong(int64_t{ends.right} + 1), ClampToLong(int64_t{ends.bottom} + 1)}));
 }
 
 }  // namespace tdkp

@@ -9,14 +9,22 @@ namespace {
 template <typename Function>
 uint32_t WithCodec(PixelFormat format, Function function) {
     switch (format) {
-        case PixelFormat::kNone: return 0;
-        case PixelFormat::kMono: return function(PixelCodec<PixelFormat::kMono>());
-        case PixelFormat::kIndexed8: return function(PixelCodec<PixelFormat::kIndexed8>());
-        case PixelFormat::kRgb555: return function(PixelCodec<PixelFormat::kRgb555>());
-        case PixelFormat::kRgb565: return function(PixelCodec<PixelFormat::kRgb565>());
-        case PixelFormat::kRgb24: return function(PixelCodec<PixelFormat::kRgb24>());
-        case PixelFormat::kRgb32: return function(PixelCodec<PixelFormat::kRgb32>());
-        case PixelFormat::kBgr32: return function(PixelCodec<PixelFormat::kBgr32>());
+        case PixelFormat::kNone:
+            return 0;
+        case PixelFormat::kMono:
+            return function(PixelCodec<PixelFormat::kMono>());
+        case PixelFormat::kIndexed8:
+            return function(PixelCodec<PixelFormat::kIndexed8>());
+        case PixelFormat::kRgb555:
+            return function(PixelCodec<PixelFormat::kRgb555>());
+        case PixelFormat::kRgb565:
+            return function(PixelCodec<PixelFormat::kRgb565>());
+        case PixelFormat::kRgb24:
+            return function(PixelCodec<PixelFormat::kRgb24>());
+        case PixelFormat::kRgb32:
+            return function(PixelCodec<PixelFormat::kRgb32>());
+        case PixelFormat::kBgr32:
+            return function(PixelCodec<PixelFormat::kBgr32>());
     }
     return 0;
 }
@@ -44,9 +52,8 @@ uint32_t NearestEntry(const uint32_t* palette, int entries, uint32_t color) {
 }
 
 uint32_t ReadColor(const Raster& raster, int x, int y) {
-    return WithCodec(raster.format, [&](auto codec) {
-        return codec.Decode(codec.ReadRaw(RowOf(raster, y), x), raster.palette);
-    });
+    return WithCodec(raster.format,
+                     [&](auto codec) { return codec.Decode(codec.ReadRaw(RowOf(raster, y), x), raster.palette); });
 }
 
 void WriteRaw(const Raster& raster, int x, int y, uint32_t raw) {

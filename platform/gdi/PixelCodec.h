@@ -17,14 +17,20 @@ constexpr uint32_t kColorMask = 0x00FFFFFF;
 
 constexpr int BitsPerPixel(PixelFormat format) {
     switch (format) {
-        case PixelFormat::kNone: return 0;
-        case PixelFormat::kMono: return 1;
-        case PixelFormat::kIndexed8: return 8;
+        case PixelFormat::kNone:
+            return 0;
+        case PixelFormat::kMono:
+            return 1;
+        case PixelFormat::kIndexed8:
+            return 8;
         case PixelFormat::kRgb555:
-        case PixelFormat::kRgb565: return 16;
-        case PixelFormat::kRgb24: return 24;
+        case PixelFormat::kRgb565:
+            return 16;
+        case PixelFormat::kRgb24:
+            return 24;
         case PixelFormat::kRgb32:
-        case PixelFormat::kBgr32: return 32;
+        case PixelFormat::kBgr32:
+            return 32;
     }
     return 0;
 }
@@ -123,9 +129,7 @@ struct PixelCodec {
     }
 
 private:
-    static constexpr uint32_t Widen5(uint32_t channel) {
-        return ((channel & 0x1F) << 3) | ((channel & 0x1F) >> 2);
-    }
+    static constexpr uint32_t Widen5(uint32_t channel) { return ((channel & 0x1F) << 3) | ((channel & 0x1F) >> 2); }
 };
 
 // The same for one pixel of a raster; the place must lie inside of it.

@@ -10,7 +10,9 @@
 namespace tdkp {
 namespace {
 
-int Width(const RECT& rect) { return rect.right - rect.left; }
+int Width(const RECT& rect) {
+    return rect.right - rect.left;
+}
 
 // Room for one row of the target.
 uint8_t* Scratch(std::vector<uint8_t>& buffer, PixelFormat format, int width) {
@@ -60,8 +62,8 @@ private:
     void CombineBits(const uint8_t* pattern, const uint8_t* source, uint8_t* to, int toX, int count) const {
         using Codec = PixelCodec<PixelFormat::kMono>;
         for (int i = 0; i < count; ++i) {
-            const uint64_t bit = tdkp::Combine(rop_, Codec::ReadRaw(pattern, i), Codec::ReadRaw(source, i),
-                                               Codec::ReadRaw(to, toX + i));
+            const uint64_t bit =
+                tdkp::Combine(rop_, Codec::ReadRaw(pattern, i), Codec::ReadRaw(source, i), Codec::ReadRaw(to, toX + i));
             Codec::WriteRaw(to, toX + i, static_cast<uint32_t>(bit & 1));
         }
     }
@@ -78,10 +80,8 @@ class AxisMap {
 public:
     AxisMap(int toLow, int toHigh, int fromLow, int fromHigh, bool mirror, int limit, LONG* first, LONG* last)
         : toLow_(toLow), fromLow_(fromLow), fromHigh_(fromHigh), mirror_(mirror), toSize_(int64_t{toHigh} - toLow) {
-        while (*first < *last && !Inside(*first, limit))
-            ++*first;
-        while (*first < *last && !Inside(*last - 1, limit))
-            --*last;
+        while (*first < *last && !Inside(*first, limit)) ++*first;
+        while (*first < *last && !Inside(*last - 1, limit)) --*last;
     }
 
     int64_t At(int to) const {
@@ -117,10 +117,18 @@ struct Pixel24 {
 
 void GatherRow(PixelFormat format, const uint8_t* from, const std::vector<int>& columns, uint8_t* to) {
     switch (BitsPerPixel(format)) {
-        case 8: Gather<uint8_t>(from, columns, to); break;
-        case 16: Gather<uint16_t>(from, columns, to); break;
-        case 24: Gather<Pixel24>(from, columns, to); break;
-        case 32: Gather<uint32_t>(from, columns, to); break;
+        case 8:
+            Gather<uint8_t>(from, columns, to);
+            break;
+        case 16:
+            Gather<uint16_t>(from, columns, to);
+            break;
+        case 24:
+            Gather<Pixel24>(from, columns, to);
+            break;
+        case 32:
+            Gather<uint32_t>(from, columns, to);
+            break;
         default:
             for (size_t i = 0; i < columns.size(); ++i) {
                 using Codec = PixelCodec<PixelFormat::kMono>;
@@ -138,16 +146,14 @@ public:
           visible_(visible),
           columns_(job.toRect.left, job.toRect.right, job.fromRect.left, job.fromRect.right, job.mirrorX,
                    job.from.width, &visible_.left, &visible_.right),
-          rows_(job.toRect.top, job.toRect.bottom, job.fromRect.top, job.fromRect.bottom, job.mirrorY,
-                job.from.height, &visible_.top, &visible_.bottom) {}
+          rows_(job.toRect.top, job.toRect.bottom, job.fromRect.top, job.fromRect.bottom, job.mirrorY, job.from.height,
+                &visible_.top, &visible_.bottom) {}
 
     const RECT& Visible() const { return visible_; }
 
     void Run() {
-        if (IsEmpty(visible_))
-            return;
-        if (!columns_.Straight())
-            MapColumns();
+        if (IsEmpty(visible_)) return;
+        if (!columns_.Straight()) MapColumns();
         if (job_.rop == kRopCopySource)
             CopyRows();
         else
@@ -157,8 +163,7 @@ public:
 private:
     void MapColumns() {
         map_.reserve(static_cast<size_t>(Width(visible_)));
-        for (int x = visible_.left; x < visible_.right; ++x)
-            map_.push_back(static_cast<int>(columns_.At(x)));
+        for (int x = visible_.left; x < visible_.right; ++x) map_.push_back(static_cast<int>(columns_.At(x)));
     }
 
     // Puts the source row for the target row `y` at pixel `toX` of `to`, in the target's format.
@@ -223,8 +228,7 @@ RECT RunWithoutSource(const BlitJob& job, const RECT* clips, int clipCount) {
     const RECT whole = Intersect(job.toRect, BoundsOf(job.to));
     for (int i = 0; i < clipCount; ++i) {
         const RECT visible = Intersect(clips[i], whole);
-        if (IsEmpty(visible))
-            continue;
+        if (IsEmpty(visible)) continue;
         changed = Hull(changed, visible);
         if (job.rop == kRopCopyPattern || !RopUsesDestination(job.rop)) {
             const uint64_t raw = Combine(job.rop, job.pattern, 0, 0);
@@ -277,8 +281,7 @@ RECT RunWithSource(const BlitJob& job, const RECT* clips, int clipCount) {
     const RECT whole = Intersect(safe.toRect, BoundsOf(safe.to));
     for (int i = 0; i < clipCount; ++i) {
         const RECT visible = Intersect(clips[i], whole);
-        if (IsEmpty(visible))
-            continue;
+        if (IsEmpty(visible)) continue;
         ClippedBlit blit(safe, converter, visible);
         blit.Run();
         changed = Hull(changed, blit.Visible());
@@ -289,8 +292,7 @@ RECT RunWithSource(const BlitJob& job, const RECT* clips, int clipCount) {
 template <typename Pixel>
 void FillRow(uint8_t* row, int x, int count, Pixel pixel) {
     row += static_cast<ptrdiff_t>(x) * static_cast<ptrdiff_t>(sizeof(Pixel));
-    for (int i = 0; i < count; ++i)
-        std::memcpy(row + static_cast<size_t>(i) * sizeof(Pixel), &pixel, sizeof(Pixel));
+    for (int i = 0; i < count; ++i) std::memcpy(row + static_cast<size_t>(i) * sizeof(Pixel), &pixel, sizeof(Pixel));
 }
 
 }  // namespace
@@ -301,29 +303,32 @@ void FillPixels(const Raster& to, const RECT& rect, uint32_t raw) {
         uint8_t* row = RowOf(to, y);
         switch (BitsPerPixel(to.format)) {
             case 1:
-                for (int x = rect.left; x < rect.right; ++x)
-                    PixelCodec<PixelFormat::kMono>::WriteRaw(row, x, raw);
+                for (int x = rect.left; x < rect.right; ++x) PixelCodec<PixelFormat::kMono>::WriteRaw(row, x, raw);
                 break;
-            case 8: std::memset(row + rect.left, static_cast<int>(raw), static_cast<size_t>(count)); break;
-            case 16: FillRow(row, rect.left, count, static_cast<uint16_t>(raw)); break;
+            case 8:
+                std::memset(row + rect.left, static_cast<int>(raw), static_cast<size_t>(count));
+                break;
+            case 16:
+                FillRow(row, rect.left, count, static_cast<uint16_t>(raw));
+                break;
             case 24:
                 FillRow(row, rect.left, count,
                         Pixel24{{static_cast<uint8_t>(raw), static_cast<uint8_t>(raw >> 8),
                                  static_cast<uint8_t>(raw >> 16)}});
                 break;
-            case 32: FillRow(row, rect.left, count, raw); break;
-            default: break;
+            case 32:
+                FillRow(row, rect.left, count, raw);
+                break;
+            default:
+                break;
         }
     }
 }
 
 RECT RunBlit(const BlitJob& job, const RECT* clips, int clipCount) {
-    if (job.to.topRow == nullptr || IsEmpty(job.toRect))
-        return {};
-    if (!RopUsesSource(job.rop))
-        return RunWithoutSource(job, clips, clipCount);
-    if (job.from.topRow == nullptr || IsEmpty(job.fromRect))
-        return {};
+    if (job.to.topRow == nullptr || IsEmpty(job.toRect)) return {};
+    if (!RopUsesSource(job.rop)) return RunWithoutSource(job, clips, clipCount);
+    if (job.from.topRow == nullptr || IsEmpty(job.fromRect)) return {};
     return RunWithSource(job, clips, clipCount);
 }
 

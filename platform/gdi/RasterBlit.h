@@ -14,10 +14,18 @@ namespace tdkp {
 constexpr uint8_t kRopCopySource = 0xCC;
 constexpr uint8_t kRopCopyPattern = 0xF0;
 
-constexpr uint8_t RopOf(DWORD operation) { return static_cast<uint8_t>(operation >> 16); }
-constexpr bool RopUsesSource(uint8_t rop) { return ((rop >> 2) & 0x33) != (rop & 0x33); }
-constexpr bool RopUsesPattern(uint8_t rop) { return (rop >> 4) != (rop & 0x0F); }
-constexpr bool RopUsesDestination(uint8_t rop) { return ((rop >> 1) & 0x55) != (rop & 0x55); }
+constexpr uint8_t RopOf(DWORD operation) {
+    return static_cast<uint8_t>(operation >> 16);
+}
+constexpr bool RopUsesSource(uint8_t rop) {
+    return ((rop >> 2) & 0x33) != (rop & 0x33);
+}
+constexpr bool RopUsesPattern(uint8_t rop) {
+    return (rop >> 4) != (rop & 0x0F);
+}
+constexpr bool RopUsesDestination(uint8_t rop) {
+    return ((rop >> 1) & 0x55) != (rop & 0x55);
+}
 
 // One job. The pixel at distance d from the left edge of `toRect` takes the source pixel at distance
 // floor(d x source width / target width) from the left edge of `fromRect`, or from its right edge if mirrored;

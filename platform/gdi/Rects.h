@@ -26,10 +26,8 @@ constexpr RECT Intersect(const RECT& a, const RECT& b) {
 }
 
 constexpr RECT Hull(const RECT& a, const RECT& b) {
-    if (IsEmpty(a))
-        return b;
-    if (IsEmpty(b))
-        return a;
+    if (IsEmpty(a)) return b;
+    if (IsEmpty(b)) return a;
     return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right), std::max(a.bottom, b.bottom)};
 }
 

@@ -14,20 +14,17 @@ bool SamePalette(const Raster& a, const Raster& b) {
 }
 
 bool SameBits(const Raster& from, const Raster& to) {
-    if (from.format != to.format)
-        return false;
+    if (from.format != to.format) return false;
     return BitsPerPixel(from.format) > 8 || SamePalette(from, to);
 }
 
 void CopyMonoRow(const uint8_t* from, int fromX, uint8_t* to, int toX, int count) {
     using Codec = PixelCodec<PixelFormat::kMono>;
     if (from == to && fromX < toX) {
-        for (int i = count - 1; i >= 0; --i)
-            Codec::WriteRaw(to, toX + i, Codec::ReadRaw(from, fromX + i));
+        for (int i = count - 1; i >= 0; --i) Codec::WriteRaw(to, toX + i, Codec::ReadRaw(from, fromX + i));
         return;
     }
-    for (int i = 0; i < count; ++i)
-        Codec::WriteRaw(to, toX + i, Codec::ReadRaw(from, fromX + i));
+    for (int i = 0; i < count; ++i) Codec::WriteRaw(to, toX + i, Codec::ReadRaw(from, fromX + i));
 }
 
 }  // namespace
@@ -76,36 +73,51 @@ void RowConverter::Row(RowConverter& self, const uint8_t* from, int fromX, uint8
 uint32_t RowConverter::FindIndex(uint32_t color) {
     // Neighbouring colours of a picture differ in low bits, so those choose the entry.
     Entry& entry = entries_[(color ^ (color >> 5) ^ (color >> 11)) % kEntries];
-    if (entry.color != color)
-        entry = {color, NearestEntry(toPalette_, kPaletteEntries, color)};
+    if (entry.color != color) entry = {color, NearestEntry(toPalette_, kPaletteEntries, color)};
     return entry.index;
 }
 
 template <PixelFormat kFrom>
 RowConverter::RowFunction RowConverter::ChooseTarget(PixelFormat to) {
     switch (to) {
-        case PixelFormat::kNone: break;
-        case PixelFormat::kMono: return &Row<kFrom, PixelFormat::kMono>;
-        case PixelFormat::kIndexed8: return &Row<kFrom, PixelFormat::kIndexed8>;
-        case PixelFormat::kRgb555: return &Row<kFrom, PixelFormat::kRgb555>;
-        case PixelFormat::kRgb565: return &Row<kFrom, PixelFormat::kRgb565>;
-        case PixelFormat::kRgb24: return &Row<kFrom, PixelFormat::kRgb24>;
-        case PixelFormat::kRgb32: return &Row<kFrom, PixelFormat::kRgb32>;
-        case PixelFormat::kBgr32: return &Row<kFrom, PixelFormat::kBgr32>;
+        case PixelFormat::kNone:
+            break;
+        case PixelFormat::kMono:
+            return &Row<kFrom, PixelFormat::kMono>;
+        case PixelFormat::kIndexed8:
+            return &Row<kFrom, PixelFormat::kIndexed8>;
+        case PixelFormat::kRgb555:
+            return &Row<kFrom, PixelFormat::kRgb555>;
+        case PixelFormat::kRgb565:
+            return &Row<kFrom, PixelFormat::kRgb565>;
+        case PixelFormat::kRgb24:
+            return &Row<kFrom, PixelFormat::kRgb24>;
+        case PixelFormat::kRgb32:
+            return &Row<kFrom, PixelFormat::kRgb32>;
+        case PixelFormat::kBgr32:
+            return &Row<kFrom, PixelFormat::kBgr32>;
     }
     return [](RowConverter&, const uint8_t*, int, uint8_t*, int, int) {};
 }
 
 RowConverter::RowFunction RowConverter::Choose(PixelFormat from, PixelFormat to) {
     switch (from) {
-        case PixelFormat::kNone: break;
-        case PixelFormat::kMono: return ChooseTarget<PixelFormat::kMono>(to);
-        case PixelFormat::kIndexed8: return ChooseTarget<PixelFormat::kIndexed8>(to);
-        case PixelFormat::kRgb555: return ChooseTarget<PixelFormat::kRgb555>(to);
-        case PixelFormat::kRgb565: return ChooseTarget<PixelFormat::kRgb565>(to);
-        case PixelFormat::kRgb24: return ChooseTarget<PixelFormat::kRgb24>(to);
-        case PixelFormat::kRgb32: return ChooseTarget<PixelFormat::kRgb32>(to);
-        case PixelFormat::kBgr32: return ChooseTarget<PixelFormat::kBgr32>(to);
+        case PixelFormat::kNone:
+            break;
+        case PixelFormat::kMono:
+            return ChooseTarget<PixelFormat::kMono>(to);
+        case PixelFormat::kIndexed8:
+            return ChooseTarget<PixelFormat::kIndexed8>(to);
+        case PixelFormat::kRgb555:
+            return ChooseTarget<PixelFormat::kRgb555>(to);
+        case PixelFormat::kRgb565:
+            return ChooseTarget<PixelFormat::kRgb565>(to);
+        case PixelFormat::kRgb24:
+            return ChooseTarget<PixelFormat::kRgb24>(to);
+        case PixelFormat::kRgb32:
+            return ChooseTarget<PixelFormat::kRgb32>(to);
+        case PixelFormat::kBgr32:
+            return ChooseTarget<PixelFormat::kBgr32>(to);
     }
     return ChooseTarget<PixelFormat::kNone>(PixelFormat::kNone);
 }

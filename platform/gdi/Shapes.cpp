@@ -14,8 +14,7 @@ namespace tdkp {
 namespace {
 
 void FillWithBrush(const DeviceContext& dc, DrawTarget& target, const RECT& rect) {
-    if (dc.brush->hollow || target.ClipCount() == 0)
-        return;
+    if (dc.brush->hollow || target.ClipCount() == 0) return;
     BlitJob job;
     job.to = target.Pixels();
     job.toRect = rect;
@@ -46,8 +45,7 @@ void DrawOutline(PenPainter& pen, const RECT& rect) {
                              {rect.left, rect.top}};
     // Each side begins at a corner; a rectangle of one pixel has no sides.
     pen.Dot(rect.left, rect.top);
-    for (int i = 0; i + 1 < 5; ++i)
-        pen.Line(corners[i], corners[i + 1]);
+    for (int i = 0; i + 1 < 5; ++i) pen.Line(corners[i], corners[i + 1]);
 }
 
 // The rows of an ellipse: the pixels whose middle lies inside of it.
@@ -66,8 +64,7 @@ public:
           radiusY_((static_cast<double>(rect.bottom) - rect.top) / 2) {}
 
     Span At(LONG y) const {
-        if (y < rect_.top || y >= rect_.bottom)
-            return {0, 0};
+        if (y < rect_.top || y >= rect_.bottom) return {0, 0};
         const double height = (y + 0.5 - centreY_) / radiusY_;
         const double half = radiusX_ * std::sqrt(std::max(0.0, 1 - height * height));
         return {static_cast<LONG>(std::ceil(centreX_ - half - 0.5)),
@@ -84,8 +81,7 @@ void DrawRim(PenPainter& pen, const EllipseRows& rows, LONG y, const RECT& reach
     const EllipseRows::Span above = rows.At(y - 1), span = rows.At(y), below = rows.At(y + 1);
     const LONG last = std::min(span.right, reach.right);
     for (LONG x = std::max(span.left, reach.left); x < last; ++x) {
-        if (x == span.left || x == span.right - 1 || !above.Has(x) || !below.Has(x))
-            pen.Dot(x, y);
+        if (x == span.left || x == span.right - 1 || !above.Has(x) || !below.Has(x)) pen.Dot(x, y);
     }
 }
 
@@ -96,10 +92,8 @@ using namespace tdkp;
 
 TDKP_API BOOL MoveToEx(HDC dc, INT x, INT y, POINT* former) {
     const auto context = FindContext(dc);
-    if (!context)
-        return FALSE;
-    if (former != nullptr)
-        *former = context->position;
+    if (!context) return FALSE;
+    if (former != nullptr) *former = context->position;
     context->position = {x, y};
     context->stylePhase = 0;
     return TRUE;
@@ -107,8 +101,7 @@ TDKP_API BOOL MoveToEx(HDC dc, INT x, INT y, POINT* former) {
 
 TDKP_API BOOL LineTo(HDC dc, INT x, INT y) {
     const auto context = FindContext(dc);
-    if (!context)
-        return FALSE;
+    if (!context) return FALSE;
     DrawTarget target(*context);
     PenPainter pen(*context, target, context->stylePhase);
     pen.Line(context->position, {x, y});
@@ -119,22 +112,18 @@ TDKP_API BOOL LineTo(HDC dc, INT x, INT y) {
 
 TDKP_API BOOL Polyline(HDC dc, const POINT* points, INT count) {
     const auto context = FindContext(dc);
-    if (!context || points == nullptr || count < 2)
-        return FALSE;
+    if (!context || points == nullptr || count < 2) return FALSE;
     DrawTarget target(*context);
     PenPainter pen(*context, target, 0);
-    for (INT i = 1; i < count; ++i)
-        pen.Line(points[i - 1], points[i]);
+    for (INT i = 1; i < count; ++i) pen.Line(points[i - 1], points[i]);
     return TRUE;
 }
 
 TDKP_API BOOL Rectangle(HDC dc, INT left, INT top, INT right, INT bottom) {
     const auto context = FindContext(dc);
-    if (!context)
-        return FALSE;
+    if (!context) return FALSE;
     const RECT rect = ShapeRect(*context, left, top, right, bottom);
-    if (IsEmpty(rect))
-        return TRUE;
+    if (IsEmpty(rect)) return TRUE;
     DrawTarget target(*context);
     PenPainter pen(*context, target, 0);
     FillWithBrush(*context, target, pen.Draws() ? Inside(rect) : rect);
@@ -147,11 +136,9 @@ TDKP_API BOOL Rectangle(HDC dc, INT left, INT top, INT right, INT bottom) {
 
 TDKP_API BOOL Ellipse(HDC dc, INT left, INT top, INT right, INT bottom) {
     const auto context = FindContext(dc);
-    if (!context)
-        return FALSE;
+    if (!context) return FALSE;
     const RECT rect = ShapeRect(*context, left, top, right, bottom);
-    if (IsEmpty(rect))
-        return TRUE;
+    if (IsEmpty(rect)) return TRUE;
     DrawTarget target(*context);
     PenPainter pen(*context, target, 0);
     const EllipseRows rows(rect);
@@ -160,8 +147,7 @@ TDKP_API BOOL Ellipse(HDC dc, INT left, INT top, INT right, INT bottom) {
         const EllipseRows::Span span = rows.At(y);
         FillWithBrush(*context, target, {span.left, y, span.right, y + 1});
     }
-    for (LONG y = reach.top; pen.Draws() && y < reach.bottom; ++y)
-        DrawRim(pen, rows, y, reach);
+    for (LONG y = reach.top; pen.Draws() && y < reach.bottom; ++y) DrawRim(pen, rows, y, reach);
     target.Damage(Grow(rect, context->pen->width));
     return TRUE;
 }

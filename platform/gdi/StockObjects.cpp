@@ -88,8 +88,7 @@ HBRUSH MakeStockBrush(COLORREF color) {
 
 std::shared_ptr<Brush> FindBrush(HBRUSH handle) {
     const uintptr_t value = reinterpret_cast<uintptr_t>(handle);
-    if (value == 0 || value > kLastColorHandle)
-        return ObjectTable::Instance().Find<Brush>(handle);
+    if (value == 0 || value > kLastColorHandle) return ObjectTable::Instance().Find<Brush>(handle);
     auto brush = std::make_shared<Brush>();
     brush->color = GetSysColor(static_cast<INT>(value - 1));
     return brush;

@@ -32,8 +32,7 @@ int Aligned(int low, int high, int size, bool middle, bool end) {
 
 // Where the first line begins.
 int TopOf(const RECT& rect, int height, UINT format) {
-    if ((format & DT_SINGLELINE) == 0)
-        return rect.top;
+    if ((format & DT_SINGLELINE) == 0) return rect.top;
     return Aligned(rect.top, rect.bottom, height, (format & DT_VCENTER) != 0, (format & DT_BOTTOM) != 0);
 }
 
@@ -64,16 +63,13 @@ using namespace tdkp;
 
 TDKP_API BOOL TextOutA(HDC dc, INT x, INT y, LPCSTR text, INT length) {
     const auto context = FindContext(dc);
-    if (!context || text == nullptr || length < 0)
-        return FALSE;
+    if (!context || text == nullptr || length < 0) return FALSE;
     const std::string_view drawn = TextOf(text, length);
     const FontFace& face = context->font->face;
     const UINT horizontal = context->textAlign & kHorizontalAlign;
-    if (horizontal != TA_LEFT)
-        x -= horizontal == TA_CENTER ? face.Advance(drawn) / 2 : face.Advance(drawn);
+    if (horizontal != TA_LEFT) x -= horizontal == TA_CENTER ? face.Advance(drawn) / 2 : face.Advance(drawn);
     const UINT vertical = context->textAlign & kVerticalAlign;
-    if (vertical != TA_TOP)
-        y -= vertical == TA_BASELINE ? face.Metrics().ascent : face.Metrics().Height();
+    if (vertical != TA_TOP) y -= vertical == TA_BASELINE ? face.Metrics().ascent : face.Metrics().Height();
     DrawTarget target(*context);
     TextPainter(*context, target).Draw(x, y, drawn, kEverywhere);
     return TRUE;
@@ -81,8 +77,7 @@ TDKP_API BOOL TextOutA(HDC dc, INT x, INT y, LPCSTR text, INT length) {
 
 TDKP_API BOOL GetTextExtentPoint32A(HDC dc, LPCSTR text, INT length, SIZE* size) {
     const auto context = FindContext(dc);
-    if (!context || text == nullptr || length < 0 || size == nullptr)
-        return FALSE;
+    if (!context || text == nullptr || length < 0 || size == nullptr) return FALSE;
     const FontFace& face = context->font->face;
     *size = {face.Advance(TextOf(text, length)), face.Metrics().Height()};
     return TRUE;
@@ -90,8 +85,7 @@ TDKP_API BOOL GetTextExtentPoint32A(HDC dc, LPCSTR text, INT length, SIZE* size)
 
 TDKP_API BOOL GetTextMetricsA(HDC dc, TEXTMETRICA* metrics) {
     const auto context = FindContext(dc);
-    if (!context || metrics == nullptr)
-        return FALSE;
+    if (!context || metrics == nullptr) return FALSE;
     const FontMetrics face = context->font->face.Metrics();
     const LOGFONTA& description = context->font->logFont;
     *metrics = {};
@@ -117,8 +111,7 @@ TDKP_API BOOL GetTextMetricsA(HDC dc, TEXTMETRICA* metrics) {
 
 TDKP_API INT DrawTextA(HDC dc, LPCSTR text, INT length, RECT* rect, UINT format) {
     const auto context = FindContext(dc);
-    if (!context || text == nullptr || rect == nullptr)
-        return 0;
+    if (!context || text == nullptr || rect == nullptr) return 0;
     const FontFace& face = context->font->face;
     const int width = ClampToLong(int64_t{rect->right} - rect->left);
     const std::vector<TextLine> lines = LayOutText(face, TextOf(text, length), format, width);
@@ -128,8 +121,7 @@ TDKP_API INT DrawTextA(HDC dc, LPCSTR text, INT length, RECT* rect, UINT format)
         return TopOf(*rect, height, format) - rect->top + height;
     }
     int widest = 0;
-    for (const TextLine& line : lines)
-        widest = std::max(widest, line.width);
+    for (const TextLine& line : lines) widest = std::max(widest, line.width);
     rect->right = ClampToLong(int64_t{rect->left} + widest);
     rect->bottom = ClampToLong(int64_t{rect->top} + height);
     return height;

@@ -10,7 +10,9 @@ namespace {
 constexpr const char* kEllipsis = "...";
 constexpr int kTabColumns = 8;
 
-bool IsContinuation(char byte) { return (static_cast<uint8_t>(byte) & 0xC0) == 0x80; }
+bool IsContinuation(char byte) {
+    return (static_cast<uint8_t>(byte) & 0xC0) == 0x80;
+}
 
 // One line up to a line end, which is taken off `rest`. With DT_SINGLELINE line ends count as blanks.
 std::string_view TakeLine(std::string_view* rest, bool single) {
@@ -30,10 +32,8 @@ TextLine WithoutPrefixes(std::string_view text, UINT format) {
     TextLine line;
     for (size_t i = 0; i < text.size(); ++i) {
         if (text[i] == '&' && (format & DT_NOPREFIX) == 0) {
-            if (++i == text.size())
-                break;
-            if (text[i] != '&')
-                line.underlined = line.text.size();
+            if (++i == text.size()) break;
+            if (text[i] != '&') line.underlined = line.text.size();
         }
         if (text[i] == '\t' && (format & DT_EXPANDTABS) != 0)
             line.text.append(kTabColumns - line.text.size() % kTabColumns, ' ');
@@ -45,20 +45,16 @@ TextLine WithoutPrefixes(std::string_view text, UINT format) {
 
 // The longest beginning that fits together with an ellipsis, but at least one character.
 void Shorten(const FontFace& face, int width, TextLine& line) {
-    if (face.Advance(line.text) <= width)
-        return;
+    if (face.Advance(line.text) <= width) return;
     const int room = width - face.Advance(kEllipsis);
     size_t kept = line.text.size();
     while (kept > 0 && face.Advance(std::string_view(line.text).substr(0, kept)) > room) {
-        do
-            --kept;
+        do --kept;
         while (kept > 0 && IsContinuation(line.text[kept]));
     }
-    if (kept == 0 && !line.text.empty())
-        kept = CharacterLength(line.text, 0);
+    if (kept == 0 && !line.text.empty()) kept = CharacterLength(line.text, 0);
     line.text.resize(kept);
-    if (line.underlined != TextLine::kNone && line.underlined >= kept)
-        line.underlined = TextLine::kNone;
+    if (line.underlined != TextLine::kNone && line.underlined >= kept) line.underlined = TextLine::kNone;
     line.text += kEllipsis;
 }
 
@@ -67,11 +63,9 @@ size_t BreakAt(const FontFace& face, std::string_view text, int width) {
     size_t fits = 0;
     for (size_t blank = text.find(' ');; blank = text.find(' ', blank + 1)) {
         const size_t end = std::min(blank, text.size());
-        if (fits != 0 && face.Advance(text.substr(0, end)) > width)
-            return fits;
+        if (fits != 0 && face.Advance(text.substr(0, end)) > width) return fits;
         fits = end;
-        if (blank == std::string_view::npos)
-            return fits;
+        if (blank == std::string_view::npos) return fits;
     }
 }
 
@@ -86,8 +80,7 @@ void AppendWrapped(const FontFace& face, const TextLine& whole, int width, std::
             line.underlined = whole.underlined - start;
         lines->push_back(std::move(line));
         start += length;
-        while (start < whole.text.size() && whole.text[start] == ' ')
-            ++start;
+        while (start < whole.text.size() && whole.text[start] == ' ') ++start;
     } while (start < whole.text.size());
 }
 
@@ -95,8 +88,7 @@ void AppendWrapped(const FontFace& face, const TextLine& whole, int width, std::
 
 size_t CharacterLength(std::string_view text, size_t at) {
     size_t end = at + 1;
-    while (end < text.size() && IsContinuation(text[end]))
-        ++end;
+    while (end < text.size() && IsContinuation(text[end])) ++end;
     return end - at;
 }
 
@@ -111,8 +103,7 @@ std::vector<TextLine> LayOutText(const FontFace& face, std::string_view text, UI
             lines.push_back(std::move(line));
     } while (!text.empty());
     for (TextLine& line : lines) {
-        if ((format & DT_END_ELLIPSIS) != 0)
-            Shorten(face, width, line);
+        if ((format & DT_END_ELLIPSIS) != 0) Shorten(face, width, line);
         line.width = face.Advance(line.text);
     }
     return lines;

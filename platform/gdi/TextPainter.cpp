@@ -34,8 +34,7 @@ void TextPainter::Fill(const RECT& rect, COLORREF color, const RECT& limit) {
 void TextPainter::BlendRow(const uint8_t* coverage, int x, int y, int count, uint32_t color) {
     const Raster& raster = target_.Pixels();
     for (int i = 0; i < count; ++i) {
-        if (coverage[i] == 0)
-            continue;
+        if (coverage[i] == 0) continue;
         const uint32_t mixed = coverage[i] == kFull ? color : Mix(ReadColor(raster, x + i, y), color, coverage[i]);
         WriteRaw(raster, x + i, y, EncodeColor(raster, mixed));
     }
@@ -47,8 +46,8 @@ void TextPainter::Blend(const TextMask& mask, int x, int y, const RECT& limit) {
     for (int i = 0; i < target_.ClipCount(); ++i) {
         const RECT visible = Intersect(all, target_.Clips()[i]);
         for (LONG row = visible.top; row < visible.bottom && !IsEmpty(visible); ++row) {
-            const size_t at = static_cast<size_t>(row - y) * static_cast<size_t>(mask.width) +
-                              static_cast<size_t>(visible.left - x);
+            const size_t at =
+                static_cast<size_t>(row - y) * static_cast<size_t>(mask.width) + static_cast<size_t>(visible.left - x);
             BlendRow(mask.coverage.data() + at, visible.left, row, visible.right - visible.left, color);
         }
     }
@@ -56,19 +55,16 @@ void TextPainter::Blend(const TextMask& mask, int x, int y, const RECT& limit) {
 }
 
 void TextPainter::Draw(int x, int y, std::string_view text, const RECT& limit) {
-    if (text.empty() || target_.ClipCount() == 0)
-        return;
+    if (text.empty() || target_.ClipCount() == 0) return;
     const FontFace& face = dc_.font->face;
     if (dc_.bkMode == OPAQUE)
         Fill(Shift({0, 0, face.Advance(text), face.Metrics().Height()}, x, y), dc_.bkColor, limit);
     const TextMask mask = face.Draw(text);
-    if (!mask.coverage.empty())
-        Blend(mask, ClampToLong(int64_t{x} + mask.x), ClampToLong(int64_t{y} + mask.y), limit);
+    if (!mask.coverage.empty()) Blend(mask, ClampToLong(int64_t{x} + mask.x), ClampToLong(int64_t{y} + mask.y), limit);
 }
 
 void TextPainter::Underline(int x, int y, int width, const RECT& limit) {
-    if (target_.ClipCount() == 0)
-        return;
+    if (target_.ClipCount() == 0) return;
     const int below = dc_.font->face.Metrics().ascent + 1;
     Fill(Shift({0, below, width, below + 1}, x, y), dc_.textColor, limit);
 }

@@ -22,8 +22,12 @@ using REFCLSID = const CLSID&;
 
 #ifndef _SYS_GUID_OPERATORS_
 #define _SYS_GUID_OPERATORS_
-inline bool operator==(const GUID& a, const GUID& b) { return __builtin_memcmp(&a, &b, sizeof(GUID)) == 0; }
-inline bool operator!=(const GUID& a, const GUID& b) { return !(a == b); }
+inline bool operator==(const GUID& a, const GUID& b) {
+    return __builtin_memcmp(&a, &b, sizeof(GUID)) == 0;
+}
+inline bool operator!=(const GUID& a, const GUID& b) {
+    return !(a == b);
+}
 #endif
 
 #ifndef S_OK

@@ -97,13 +97,27 @@ using LPRECT = RECT*;
 using LPPOINT = POINT*;
 using LPSIZE = SIZE*;
 
-constexpr WORD LOWORD(DWORD_PTR value) { return static_cast<WORD>(value & 0xFFFF); }
-constexpr WORD HIWORD(DWORD_PTR value) { return static_cast<WORD>((value >> 16) & 0xFFFF); }
-constexpr BYTE LOBYTE(DWORD_PTR value) { return static_cast<BYTE>(value & 0xFF); }
-constexpr BYTE HIBYTE(DWORD_PTR value) { return static_cast<BYTE>((value >> 8) & 0xFF); }
-constexpr LONG MAKELONG(WORD low, WORD high) { return static_cast<LONG>(low | (static_cast<DWORD>(high) << 16)); }
-constexpr WPARAM MAKEWPARAM(WORD low, WORD high) { return static_cast<DWORD>(MAKELONG(low, high)); }
-constexpr LPARAM MAKELPARAM(WORD low, WORD high) { return static_cast<DWORD>(MAKELONG(low, high)); }
+constexpr WORD LOWORD(DWORD_PTR value) {
+    return static_cast<WORD>(value & 0xFFFF);
+}
+constexpr WORD HIWORD(DWORD_PTR value) {
+    return static_cast<WORD>((value >> 16) & 0xFFFF);
+}
+constexpr BYTE LOBYTE(DWORD_PTR value) {
+    return static_cast<BYTE>(value & 0xFF);
+}
+constexpr BYTE HIBYTE(DWORD_PTR value) {
+    return static_cast<BYTE>((value >> 8) & 0xFF);
+}
+constexpr LONG MAKELONG(WORD low, WORD high) {
+    return static_cast<LONG>(low | (static_cast<DWORD>(high) << 16));
+}
+constexpr WPARAM MAKEWPARAM(WORD low, WORD high) {
+    return static_cast<DWORD>(MAKELONG(low, high));
+}
+constexpr LPARAM MAKELPARAM(WORD low, WORD high) {
+    return static_cast<DWORD>(MAKELONG(low, high));
+}
 
 // Marks what the layer's one library exports; everything else in it is hidden.
 #define TDKP_API extern "C" __attribute__((visibility("default")))

@@ -12,9 +12,15 @@
 constexpr COLORREF RGB(DWORD red, DWORD green, DWORD blue) {
     return (red & 0xFF) | ((green & 0xFF) << 8) | ((blue & 0xFF) << 16);
 }
-constexpr BYTE GetRValue(COLORREF color) { return static_cast<BYTE>(color & 0xFF); }
-constexpr BYTE GetGValue(COLORREF color) { return static_cast<BYTE>((color >> 8) & 0xFF); }
-constexpr BYTE GetBValue(COLORREF color) { return static_cast<BYTE>((color >> 16) & 0xFF); }
+constexpr BYTE GetRValue(COLORREF color) {
+    return static_cast<BYTE>(color & 0xFF);
+}
+constexpr BYTE GetGValue(COLORREF color) {
+    return static_cast<BYTE>((color >> 8) & 0xFF);
+}
+constexpr BYTE GetBValue(COLORREF color) {
+    return static_cast<BYTE>((color >> 16) & 0xFF);
+}
 #define CLR_INVALID 0xFFFFFFFFu
 #define GDI_ERROR 0xFFFFFFFFu
 

@@ -63,9 +63,13 @@ std::string ImmutableName(const std::string& fileName) {
 
 }  // namespace
 
-void Database::StatementCloser::operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+void Database::StatementCloser::operator()(sqlite3_stmt* statement) const {
+    sqlite3_finalize(statement);
+}
 
-Database::~Database() { Close(); }
+Database::~Database() {
+    Close();
+}
 
 void Database::Close() {
     insertKey_.reset();
@@ -80,13 +84,17 @@ DatabaseResult Database::ResultOf(int code) const {
     switch (code & 0xFF) {
         case SQLITE_OK:
         case SQLITE_ROW:
-        case SQLITE_DONE: return DatabaseResult::kDone;
+        case SQLITE_DONE:
+            return DatabaseResult::kDone;
         case SQLITE_CORRUPT:
-        case SQLITE_NOTADB: return DatabaseResult::kDamaged;
+        case SQLITE_NOTADB:
+            return DatabaseResult::kDamaged;
         case SQLITE_READONLY:
         case SQLITE_CANTOPEN:
-        case SQLITE_PERM: return DatabaseResult::kUnwritable;
-        default: return DatabaseResult::kFailed;
+        case SQLITE_PERM:
+            return DatabaseResult::kUnwritable;
+        default:
+            return DatabaseResult::kFailed;
     }
 }
 
@@ -95,8 +103,7 @@ DatabaseResult Database::Run(const char* sql) {
 }
 
 DatabaseResult Database::Prepare(Statement& statement, const char* sql) {
-    if (statement)
-        return DatabaseResult::kDone;
+    if (statement) return DatabaseResult::kDone;
     sqlite3_stmt* made = nullptr;
     const DatabaseResult result = ResultOf(sqlite3_prepare_v2(connection_, sql, -1, &made, nullptr));
     statement.reset(made);
@@ -124,43 +131,34 @@ DatabaseResult Database::Open(const std::string& name, int flags) {
 
 DatabaseResult Database::Load(Snapshot* snapshot) {
     *snapshot = Snapshot();
-    if (connection_ != nullptr)
-        return LoadOpened(snapshot);
-    if (!Exists(fileName_))
-        return DatabaseResult::kDone;
+    if (connection_ != nullptr) return LoadOpened(snapshot);
+    if (!Exists(fileName_)) return DatabaseResult::kDone;
     // For writing even here, since a journal that a killed process left has to be rolled back. SQLite itself
     // falls back to reading.
     DatabaseResult result = Open(fileName_, SQLITE_OPEN_READWRITE);
-    if (result == DatabaseResult::kDone)
-        result = LoadOpened(snapshot);
-    if (result != DatabaseResult::kUnwritable)
-        return result;
+    if (result == DatabaseResult::kDone) result = LoadOpened(snapshot);
+    if (result != DatabaseResult::kUnwritable) return result;
     *snapshot = Snapshot();
     result = Open(ImmutableName(fileName_), SQLITE_OPEN_READONLY);
-    if (result == DatabaseResult::kDone)
-        result = LoadOpened(snapshot);
+    if (result == DatabaseResult::kDone) result = LoadOpened(snapshot);
     Close();
     return result;
 }
 
 DatabaseResult Database::LoadOpened(Snapshot* snapshot) {
     DatabaseResult result = Run("BEGIN");
-    if (result != DatabaseResult::kDone)
-        return result;
+    if (result != DatabaseResult::kDone) return result;
     bool empty = false;
     const auto forEach = [&](const char* sql, auto take) {
         Statement statement;
-        if (result == DatabaseResult::kDone && !empty)
-            result = Prepare(statement, sql);
+        if (result == DatabaseResult::kDone && !empty) result = Prepare(statement, sql);
         int code = SQLITE_ROW;
         while (result == DatabaseResult::kDone && !empty && (code = sqlite3_step(statement.get())) == SQLITE_ROW)
             take(statement.get());
-        if (result == DatabaseResult::kDone)
-            result = ResultOf(code);
+        if (result == DatabaseResult::kDone) result = ResultOf(code);
     };
     // A file that was made and never written has no tables.
-    forEach("SELECT count(*) FROM sqlite_master",
-            [&](sqlite3_stmt* row) { empty = sqlite3_column_int(row, 0) == 0; });
+    forEach("SELECT count(*) FROM sqlite_master", [&](sqlite3_stmt* row) { empty = sqlite3_column_int(row, 0) == 0; });
     forEach(kAllKeys, [&](sqlite3_stmt* row) { snapshot->Add(ColumnBytes(row, 0)); });
     forEach(kAllValues, [&](sqlite3_stmt* row) {
         const std::string name(ColumnBytes(row, 1));
@@ -174,19 +172,15 @@ DatabaseResult Database::LoadOpened(Snapshot* snapshot) {
 // ---- Writing ----
 
 DatabaseResult Database::OpenForWriting() {
-    if (writable_)
-        return DatabaseResult::kDone;
+    if (writable_) return DatabaseResult::kDone;
     std::error_code ignored;
     const std::filesystem::path folder = std::filesystem::path(fileName_).parent_path();
-    if (!folder.empty())
-        std::filesystem::create_directories(folder, ignored);
+    if (!folder.empty()) std::filesystem::create_directories(folder, ignored);
     DatabaseResult result = Open(fileName_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
-    if (result == DatabaseResult::kDone)
-        result = Run(kJournal);
+    if (result == DatabaseResult::kDone) result = Run(kJournal);
     if (result == DatabaseResult::kDone && sqlite3_db_readonly(connection_, "main") != 0)
         result = DatabaseResult::kUnwritable;
-    if (result != DatabaseResult::kDone)
-        Close();
+    if (result != DatabaseResult::kDone) Close();
     writable_ = result == DatabaseResult::kDone;
     return result;
 }
@@ -194,10 +188,8 @@ DatabaseResult Database::OpenForWriting() {
 template <typename Work>
 DatabaseResult Database::Transact(Work work) {
     DatabaseResult result = OpenForWriting();
-    if (result == DatabaseResult::kDone)
-        result = Run("BEGIN IMMEDIATE");
-    if (result != DatabaseResult::kDone)
-        return result;
+    if (result == DatabaseResult::kDone) result = Run("BEGIN IMMEDIATE");
+    if (result != DatabaseResult::kDone) return result;
     Statement version;
     result = Prepare(version, "PRAGMA user_version");
     if (result == DatabaseResult::kDone) {
@@ -205,15 +197,11 @@ DatabaseResult Database::Transact(Work work) {
         result = ResultOf(code);
         const bool fresh = code == SQLITE_ROW && sqlite3_column_int(version.get(), 0) == 0;
         version.reset();
-        if (fresh)
-            result = Run(kSchema);
+        if (fresh) result = Run(kSchema);
     }
-    if (result == DatabaseResult::kDone)
-        result = work();
-    if (result == DatabaseResult::kDone)
-        result = Run("COMMIT");
-    if (sqlite3_get_autocommit(connection_) == 0)
-        Run("ROLLBACK");
+    if (result == DatabaseResult::kDone) result = work();
+    if (result == DatabaseResult::kDone) result = Run("COMMIT");
+    if (sqlite3_get_autocommit(connection_) == 0) Run("ROLLBACK");
     return result;
 }
 
@@ -223,8 +211,7 @@ DatabaseResult Database::InsertKey(std::string_view path) {
         BindText(insertKey_.get(), 1, path);
         result = Step(insertKey_);
         // What was there already has its parents.
-        if (sqlite3_changes(connection_) == 0)
-            break;
+        if (sqlite3_changes(connection_) == 0) break;
     }
     return result;
 }
@@ -236,10 +223,8 @@ DatabaseResult Database::CreateKey(std::string_view path) {
 DatabaseResult Database::SetValue(std::string_view path, std::string_view name, uint32_t type, std::string_view data) {
     return Transact([&] {
         DatabaseResult result = InsertKey(path);
-        if (result == DatabaseResult::kDone)
-            result = Prepare(setValue_, kSetValue);
-        if (result != DatabaseResult::kDone)
-            return result;
+        if (result == DatabaseResult::kDone) result = Prepare(setValue_, kSetValue);
+        if (result != DatabaseResult::kDone) return result;
         BindText(setValue_.get(), 1, path);
         BindText(setValue_.get(), 2, name);
         sqlite3_bind_int64(setValue_.get(), 3, type);
@@ -252,8 +237,7 @@ DatabaseResult Database::SetValue(std::string_view path, std::string_view name, 
 DatabaseResult Database::DeleteValue(std::string_view path, std::string_view name) {
     return Transact([&] {
         const DatabaseResult result = Prepare(deleteValue_, kDeleteValue);
-        if (result != DatabaseResult::kDone)
-            return result;
+        if (result != DatabaseResult::kDone) return result;
         BindText(deleteValue_.get(), 1, path);
         BindText(deleteValue_.get(), 2, name);
         return Step(deleteValue_);
@@ -271,12 +255,10 @@ DatabaseResult Database::DeleteTree(std::string_view path, bool keepKey) {
         };
         DatabaseResult result = DatabaseResult::kDone;
         for (const char* sql : kDeletes) {
-            if (result != DatabaseResult::kDone || (keepKey && sql == std::end(kDeletes)[-1]))
-                break;
+            if (result != DatabaseResult::kDone || (keepKey && sql == std::end(kDeletes)[-1])) break;
             Statement statement;
             result = Prepare(statement, sql);
-            if (result != DatabaseResult::kDone)
-                break;
+            if (result != DatabaseResult::kDone) break;
             BindText(statement.get(), 1, path);
             result = Step(statement);
         }

@@ -20,14 +20,12 @@ std::string Variable(const char* name) {
 
 std::string HomeFolder() {
     const std::string home = Variable("HOME");
-    if (!home.empty())
-        return home;
+    if (!home.empty()) return home;
     constexpr size_t kRecordSize = 4096;
     char buffer[kRecordSize];
     passwd record;
     passwd* found = nullptr;
-    if (getpwuid_r(geteuid(), &record, buffer, sizeof(buffer), &found) != 0 || found == nullptr)
-        return "";
+    if (getpwuid_r(geteuid(), &record, buffer, sizeof(buffer), &found) != 0 || found == nullptr) return "";
     return found->pw_dir;
 }
 
@@ -36,21 +34,16 @@ std::string HomeFolder() {
 std::string FoldCase(std::string_view name) {
     std::string folded(name);
     for (char& letter : folded) {
-        if (letter >= 'A' && letter <= 'Z')
-            letter = static_cast<char>(letter - 'A' + 'a');
+        if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
     }
     return folded;
 }
 
 std::string_view RootName(HKEY key) {
-    if (key == HKEY_CURRENT_USER)
-        return "HKEY_CURRENT_USER";
-    if (key == HKEY_LOCAL_MACHINE)
-        return "HKEY_LOCAL_MACHINE";
-    if (key == HKEY_CLASSES_ROOT)
-        return "HKEY_CLASSES_ROOT";
-    if (key == HKEY_USERS)
-        return "HKEY_USERS";
+    if (key == HKEY_CURRENT_USER) return "HKEY_CURRENT_USER";
+    if (key == HKEY_LOCAL_MACHINE) return "HKEY_LOCAL_MACHINE";
+    if (key == HKEY_CLASSES_ROOT) return "HKEY_CLASSES_ROOT";
+    if (key == HKEY_USERS) return "HKEY_USERS";
     return "";
 }
 
@@ -76,12 +69,10 @@ std::string_view ParentOf(std::string_view path) {
 
 std::string RegistryFileName() {
     const std::string named = Variable(kFileVariable);
-    if (!named.empty())
-        return named;
+    if (!named.empty()) return named;
     const std::string config = Variable("XDG_CONFIG_HOME");
     // A relative path there is to be ignored.
-    if (!config.empty() && config.front() == '/')
-        return config + kFileBelowConfig;
+    if (!config.empty() && config.front() == '/') return config + kFileBelowConfig;
     const std::string home = HomeFolder();
     return home.empty() ? "" : home + "/.config" + kFileBelowConfig;
 }

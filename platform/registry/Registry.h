@@ -56,8 +56,7 @@ public:
     LSTATUS Write(DatabaseResult (Database::*operation)(Parameters...), Arguments&&... arguments) {
         UseFile();
         DatabaseResult result = (database_.get()->*operation)(arguments...);
-        if (result == DatabaseResult::kDamaged && BeginAnew())
-            result = (database_.get()->*operation)(arguments...);
+        if (result == DatabaseResult::kDamaged && BeginAnew()) result = (database_.get()->*operation)(arguments...);
         return CodeOf(result);
     }
 

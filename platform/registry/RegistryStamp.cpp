@@ -20,8 +20,7 @@ public:
     explicit Descriptor(const std::string& fileName)
         : value_(open(fileName.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {}
     ~Descriptor() {
-        if (value_ >= 0)
-            close(value_);
+        if (value_ >= 0) close(value_);
     }
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
@@ -41,8 +40,7 @@ RegistryStamp RegistryStamp::Of(const std::string& fileName) {
         return stamp;
     }
     struct stat status;
-    if (fstat(file.Get(), &status) != 0)
-        return stamp;
+    if (fstat(file.Get(), &status) != 0) return stamp;
     stamp.device_ = status.st_dev;
     stamp.inode_ = status.st_ino;
     stamp.size_ = status.st_size;
@@ -59,8 +57,7 @@ bool SetDamagedFileAside(const std::string& fileName) {
     const Descriptor file(fileName);
     struct stat opened, named;
     // Of two processes that found the damage at once, the second sees here that the name means another file now.
-    if (file.Get() < 0 || flock(file.Get(), LOCK_EX) != 0 || fstat(file.Get(), &opened) != 0)
-        return false;
+    if (file.Get() < 0 || flock(file.Get(), LOCK_EX) != 0 || fstat(file.Get(), &opened) != 0) return false;
     if (stat(fileName.c_str(), &named) != 0 || named.st_ino != opened.st_ino || named.st_dev != opened.st_dev)
         return true;
     for (int number = 1; number <= kMaxSetAside; ++number) {
@@ -70,8 +67,7 @@ bool SetDamagedFileAside(const std::string& fileName) {
             std::rename((fileName + "-journal").c_str(), (aside + "-journal").c_str());
             return true;
         }
-        if (errno != EEXIST)
-            return false;
+        if (errno != EEXIST) return false;
     }
     return false;
 }

@@ -9,8 +9,7 @@ RegistryKeyContents& Snapshot::Add(std::string_view path) {
     if (added) {
         place->second.path = path;
         const std::string_view parent = ParentOf(path);
-        if (!parent.empty())
-            Add(parent);
+        if (!parent.empty()) Add(parent);
     }
     return place->second;
 }
@@ -22,8 +21,7 @@ const RegistryKeyContents* Snapshot::Find(std::string_view path) const {
 
 const RegistryValue* Snapshot::FindValue(std::string_view path, std::string_view name) const {
     const RegistryKeyContents* key = Find(path);
-    if (key == nullptr)
-        return nullptr;
+    if (key == nullptr) return nullptr;
     const auto place = key->values.find(FoldCase(name));
     return place != key->values.end() ? &place->second : nullptr;
 }

@@ -13,14 +13,15 @@ constexpr LONG_PTR kPushed = BST_PUSHED;
 constexpr LONG_PTR kHeldByKey = 0x100;
 constexpr LONG_PTR kHeldByMouse = 0x200;
 
-LONG_PTR StateOf(HWND button) { return GetWindowLongPtrA(button, kStateOffset); }
+LONG_PTR StateOf(HWND button) {
+    return GetWindowLongPtrA(button, kStateOffset);
+}
 
 void ChangeState(HWND button, LONG_PTR set, LONG_PTR clear) {
     const LONG_PTR former = StateOf(button);
     const LONG_PTR state = (former & ~clear) | set;
     SetWindowLongPtrA(button, kStateOffset, state);
-    if (((former ^ state) & kPushed) != 0)
-        InvalidateRect(button, nullptr, FALSE);
+    if (((former ^ state) & kPushed) != 0) InvalidateRect(button, nullptr, FALSE);
 }
 
 bool IsOver(HWND button, LPARAM position) {
@@ -40,13 +41,10 @@ void Click(HWND button) {
 // Ends a press; clicks if the button was down at the end.
 void Release(HWND button, LONG_PTR holder, bool clicks) {
     const LONG_PTR state = StateOf(button);
-    if ((state & holder) == 0)
-        return;
+    if ((state & holder) == 0) return;
     ChangeState(button, 0, kPushed | holder);
-    if (holder == kHeldByMouse && GetCapture() == button)
-        ReleaseCapture();
-    if (clicks && (state & kPushed) != 0)
-        Click(button);
+    if (holder == kHeldByMouse && GetCapture() == button) ReleaseCapture();
+    if (clicks && (state & kPushed) != 0) Click(button);
 }
 
 void Press(HWND button) {
@@ -99,8 +97,7 @@ void DrawLabel(HWND button, HDC dc, RECT box, bool pushed) {
     std::string text(static_cast<size_t>(length) + 1, '\0');
     GetWindowTextA(button, text.data(), length + 1);
     const UINT format = DT_CENTER | DT_VCENTER | DT_SINGLELINE;
-    if (pushed)
-        OffsetRect(&box, 1, 1);
+    if (pushed) OffsetRect(&box, 1, 1);
     SetBkMode(dc, TRANSPARENT);
     if (!IsWindowEnabled(button)) {
         RECT shadow = box;
@@ -135,8 +132,7 @@ LRESULT Paint(HWND button) {
 }
 
 LRESULT OnKey(HWND button, bool down, WPARAM key) {
-    if (key != VK_SPACE)
-        return 0;
+    if (key != VK_SPACE) return 0;
     if (down && (StateOf(button) & (kHeldByKey | kHeldByMouse)) == 0)
         ChangeState(button, kPushed | kHeldByKey, 0);
     else if (!down)

@@ -35,8 +35,7 @@ ATOM Append(Classes& classes, const WNDCLASSA& info, LPCSTR name, bool builtIn) 
 // The classes that every process has. New controls get their line here.
 Classes& TheClasses() {
     Classes& classes = Immortal<Classes>();
-    if (classes.list.empty())
-        Append(classes, ButtonClass(), "Button", true);
+    if (classes.list.empty()) Append(classes, ButtonClass(), "Button", true);
     return classes;
 }
 
@@ -87,8 +86,7 @@ TDKP_API BOOL UnregisterClassA(LPCSTR className, HINSTANCE instance) {
     {
         DispatcherGuard guard(DispatcherLock());
         tdkp::Classes& classes = tdkp::TheClasses();
-        const auto found =
-            className != nullptr ? tdkp::FindOwn(classes, className, instance) : classes.list.end();
+        const auto found = className != nullptr ? tdkp::FindOwn(classes, className, instance) : classes.list.end();
         const bool exists = found != classes.list.end() && !(*found)->builtIn;
         if (!exists || (*found)->windows > 0) {
             SetLastError(exists ? ERROR_CLASS_HAS_WINDOWS : ERROR_CLASS_DOES_NOT_EXIST);
@@ -98,8 +96,7 @@ TDKP_API BOOL UnregisterClassA(LPCSTR className, HINSTANCE instance) {
         classes.list.erase(found);
     }
     // The brush came with the class and goes with it.
-    if (!tdkp::IsSystemBrush(brush))
-        DeleteObject(brush);
+    if (!tdkp::IsSystemBrush(brush)) DeleteObject(brush);
     return TRUE;
 }
 
@@ -119,8 +116,7 @@ TDKP_API BOOL GetClassInfoA(HINSTANCE instance, LPCSTR className, WNDCLASSA* win
 }
 
 TDKP_API INT GetClassNameA(HWND window, LPSTR text, INT size) {
-    if (text == nullptr || size <= 0)
-        return 0;
+    if (text == nullptr || size <= 0) return 0;
     DispatcherGuard guard(DispatcherLock());
     const tdkp::Window* state = tdkp::FindWindowState(guard, window);
     if (state == nullptr) {

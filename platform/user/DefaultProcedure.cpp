@@ -14,20 +14,16 @@ LRESULT SetText(HWND window, LPCSTR text) {
     {
         DispatcherGuard guard(DispatcherLock());
         Window* state = FindWindowState(guard, window);
-        if (state == nullptr)
-            return FALSE;
+        if (state == nullptr) return FALSE;
         state->title = title;
-        if (state->TopLevel())
-            display = state->display;
+        if (state->TopLevel()) display = state->display;
     }
-    if (display != nullptr)
-        display->SetTitle(IdOf(window), title);
+    if (display != nullptr) display->SetTitle(IdOf(window), title);
     return TRUE;
 }
 
 LRESULT GetText(HWND window, WPARAM size, LPSTR text) {
-    if (size == 0 || text == nullptr)
-        return 0;
+    if (size == 0 || text == nullptr) return 0;
     DispatcherGuard guard(DispatcherLock());
     const Window* state = FindWindowState(guard, window);
     const size_t length = state != nullptr ? state->title.copy(text, size - 1) : 0;
@@ -48,15 +44,12 @@ LRESULT ChooseCursor(HWND window, WPARAM wParam, LPARAM lParam) {
     {
         DispatcherGuard guard(DispatcherLock());
         const Window* state = FindWindowState(guard, window);
-        if (state == nullptr)
-            return FALSE;
+        if (state == nullptr) return FALSE;
         parent = state->parent;
         cursor = state->windowClass->info.hCursor;
     }
-    if (parent != nullptr && SendMessageA(parent, WM_SETCURSOR, wParam, lParam) != 0)
-        return TRUE;
-    if (cursor != nullptr)
-        SetCursor(cursor);
+    if (parent != nullptr && SendMessageA(parent, WM_SETCURSOR, wParam, lParam) != 0) return TRUE;
+    if (cursor != nullptr) SetCursor(cursor);
     return FALSE;
 }
 
@@ -64,15 +57,13 @@ LRESULT PassToParent(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     HWND parent = nullptr;
     {
         DispatcherGuard guard(DispatcherLock());
-        if (const Window* state = FindWindowState(guard, window))
-            parent = state->parent;
+        if (const Window* state = FindWindowState(guard, window)) parent = state->parent;
     }
     return parent != nullptr ? SendMessageA(parent, message, wParam, lParam) : 0;
 }
 
 LRESULT OnActivate(HWND window, WPARAM state) {
-    if (LOWORD(state) != WA_INACTIVE && !IsChild(window, GetFocus()))
-        SetFocus(window);
+    if (LOWORD(state) != WA_INACTIVE && !IsChild(window, GetFocus())) SetFocus(window);
     return 0;
 }
 

@@ -26,8 +26,7 @@ DisplayUse::DisplayUse() {
 DisplayUse::~DisplayUse() {
     TerminationDeferral deferral;
     DispatcherGuard guard(DispatcherLock());
-    if (--users > 0 || AnyWindow(guard))
-        return;
+    if (--users > 0 || AnyWindow(guard)) return;
     closing = true;
     guard.unlock();
     CloseDisplay();

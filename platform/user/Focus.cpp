@@ -19,13 +19,11 @@ HWND MoveFocus(uint32_t thread, HWND window) {
     {
         DispatcherGuard guard(DispatcherLock());
         MessageQueue* queue = FindQueue(guard, thread);
-        if (queue == nullptr || queue->focus == window)
-            return window;
+        if (queue == nullptr || queue->focus == window) return window;
         former = queue->focus;
         queue->focus = window;
     }
-    if (former != nullptr)
-        CallProcedure(former, WM_KILLFOCUS, reinterpret_cast<WPARAM>(window), 0);
+    if (former != nullptr) CallProcedure(former, WM_KILLFOCUS, reinterpret_cast<WPARAM>(window), 0);
     if (window != nullptr && GetFocus() == window)
         CallProcedure(window, WM_SETFOCUS, reinterpret_cast<WPARAM>(former), 0);
     return former;
@@ -38,25 +36,19 @@ HWND MoveCapture(uint32_t thread, HWND window) {
     {
         DispatcherGuard guard(DispatcherLock());
         MessageQueue* queue = FindQueue(guard, thread);
-        if (queue == nullptr)
-            return nullptr;
+        if (queue == nullptr) return nullptr;
         const Window* state = FindWindowState(guard, window);
-        if (window != nullptr && (state == nullptr || state->thread != thread))
-            return nullptr;
+        if (window != nullptr && (state == nullptr || state->thread != thread)) return nullptr;
         former = queue->capture;
-        if (former == window)
-            return former;
+        if (former == window) return former;
         queue->capture = window;
         display = state != nullptr ? state->display : nullptr;
         const Window* formerState = FindWindowState(guard, former);
         formerDisplay = formerState != nullptr ? formerState->display : nullptr;
     }
-    if (formerDisplay != nullptr)
-        formerDisplay->SetCapture(IdOf(former), false);
-    if (display != nullptr)
-        display->SetCapture(IdOf(window), true);
-    if (former != nullptr)
-        CallProcedure(former, WM_CAPTURECHANGED, 0, reinterpret_cast<LPARAM>(window));
+    if (formerDisplay != nullptr) formerDisplay->SetCapture(IdOf(former), false);
+    if (display != nullptr) display->SetCapture(IdOf(window), true);
+    if (former != nullptr) CallProcedure(former, WM_CAPTURECHANGED, 0, reinterpret_cast<LPARAM>(window));
     return former;
 }
 
@@ -70,8 +62,7 @@ void Activate(HWND window) {
         DispatcherGuard guard(DispatcherLock());
         MessageQueue* queue = FindQueue(guard, thread);
         const Window* state = FindWindowState(guard, window);
-        if (queue == nullptr || state == nullptr || state->destroying || activeWindow == window)
-            return;
+        if (queue == nullptr || state == nullptr || state->destroying || activeWindow == window) return;
         former = activeWindow;
         const Window* formerState = FindWindowState(guard, former);
         formerThread = formerState != nullptr ? formerState->thread : 0;
@@ -88,10 +79,8 @@ void Activate(HWND window) {
         DispatcherGuard guard(DispatcherLock());
         const Window* state = FindWindowState(guard, window);
         const MessageQueue* queue = FindQueue(guard, thread);
-        if (state == nullptr || queue == nullptr || IsSelfOrInside(guard, window, queue->focus))
-            return;
-        if (FindWindowState(guard, state->lastFocus) != nullptr)
-            focus = state->lastFocus;
+        if (state == nullptr || queue == nullptr || IsSelfOrInside(guard, window, queue->focus)) return;
+        if (FindWindowState(guard, state->lastFocus) != nullptr) focus = state->lastFocus;
     }
     MoveFocus(thread, focus);
 }
@@ -103,18 +92,14 @@ void Deactivate(HWND window) {
         DispatcherGuard guard(DispatcherLock());
         MessageQueue* queue = FindQueue(guard, thread);
         Window* state = FindWindowState(guard, window);
-        if (queue == nullptr || state == nullptr || queue->active != window)
-            return;
+        if (queue == nullptr || state == nullptr || queue->active != window) return;
         queue->active = nullptr;
-        if (activeWindow == window)
-            activeWindow = nullptr;
+        if (activeWindow == window) activeWindow = nullptr;
         hasFocus = IsSelfOrInside(guard, window, queue->focus);
-        if (hasFocus)
-            state->lastFocus = queue->focus;
+        if (hasFocus) state->lastFocus = queue->focus;
     }
     CallProcedure(window, WM_ACTIVATE, WA_INACTIVE, 0);
-    if (hasFocus)
-        MoveFocus(thread, nullptr);
+    if (hasFocus) MoveFocus(thread, nullptr);
 }
 
 void LeaveWindow(HWND window) {
@@ -126,26 +111,21 @@ void LeaveWindow(HWND window) {
         DispatcherGuard guard(DispatcherLock());
         const Window* state = FindWindowState(guard, window);
         const MessageQueue* queue = FindQueue(guard, thread);
-        if (state == nullptr || queue == nullptr)
-            return;
+        if (state == nullptr || queue == nullptr) return;
         const Window* parentState = FindWindowState(guard, state->parent);
         if (parentState != nullptr && parentState->thread == thread && !parentState->destroying)
             parent = parentState->handle;
         hasFocus = IsSelfOrInside(guard, window, queue->focus);
         hasCapture = IsSelfOrInside(guard, window, queue->capture);
     }
-    if (hasCapture)
-        MoveCapture(thread, nullptr);
-    if (hasFocus && parent != nullptr)
-        MoveFocus(thread, parent);
+    if (hasCapture) MoveCapture(thread, nullptr);
+    if (hasFocus && parent != nullptr) MoveFocus(thread, parent);
     Deactivate(window);
-    if (hasFocus && parent == nullptr && GetFocus() != nullptr)
-        MoveFocus(thread, nullptr);
+    if (hasFocus && parent == nullptr && GetFocus() != nullptr) MoveFocus(thread, nullptr);
 }
 
 void ForgetActive(const DispatcherGuard&, HWND window) {
-    if (activeWindow == window)
-        activeWindow = nullptr;
+    if (activeWindow == window) activeWindow = nullptr;
 }
 
 }  // namespace tdkp
@@ -170,8 +150,7 @@ TDKP_API HWND SetFocus(HWND window) {
             SetLastError(ERROR_INVALID_WINDOW_HANDLE);
             return nullptr;
         }
-        if (state != nullptr && (state->style & WS_DISABLED) != 0)
-            return nullptr;
+        if (state != nullptr && (state->style & WS_DISABLED) != 0) return nullptr;
         Window* rootState = state != nullptr ? tdkp::RootOf(guard, *state) : nullptr;
         if (rootState != nullptr && tdkp::activeWindow != rootState->handle && tdkp::IsShown(guard, *state)) {
             rootState->lastFocus = window;
@@ -196,7 +175,9 @@ TDKP_API HWND GetFocus() {
     return queue != nullptr ? queue->focus : nullptr;
 }
 
-TDKP_API HWND SetCapture(HWND window) { return tdkp::MoveCapture(CurrentThreadId(), window); }
+TDKP_API HWND SetCapture(HWND window) {
+    return tdkp::MoveCapture(CurrentThreadId(), window);
+}
 
 TDKP_API HWND GetCapture() {
     const uint32_t thread = CurrentThreadId();
@@ -217,17 +198,16 @@ TDKP_API HWND GetForegroundWindow() {
 
 TDKP_API BOOL SetForegroundWindow(HWND window) {
     return tdkp::RunOnOwner(window, [window] {
-        tdkp::Display* display = nullptr;
-        {
-            DispatcherGuard guard(DispatcherLock());
-            const Window* state = FindWindowState(guard, window);
-            if (state == nullptr || !state->TopLevel() || !tdkp::IsShown(guard, *state))
-                return LRESULT{FALSE};
-            display = state->display;
-        }
-        display->Raise(tdkp::IdOf(window));
-        display->SetFocus(tdkp::IdOf(window));
-        tdkp::Activate(window);
-        return LRESULT{TRUE};
-    }) != 0;
+               tdkp::Display* display = nullptr;
+               {
+                   DispatcherGuard guard(DispatcherLock());
+                   const Window* state = FindWindowState(guard, window);
+                   if (state == nullptr || !state->TopLevel() || !tdkp::IsShown(guard, *state)) return LRESULT{FALSE};
+                   display = state->display;
+               }
+               display->Raise(tdkp::IdOf(window));
+               display->SetFocus(tdkp::IdOf(window));
+               tdkp::Activate(window);
+               return LRESULT{TRUE};
+           }) != 0;
 }

@@ -23,12 +23,13 @@ bool IsButtonDown(UINT message) {
     return message == WM_LBUTTONDOWN || message == WM_RBUTTONDOWN || message == WM_MBUTTONDOWN;
 }
 
-bool IsMouse(UINT message) { return message >= WM_MOUSEFIRST && message <= WM_MOUSELAST; }
+bool IsMouse(UINT message) {
+    return message >= WM_MOUSEFIRST && message <= WM_MOUSELAST;
+}
 
 // Moves the point from the client area of one window into that of another. False if they share no root.
 bool MovePoint(const DispatcherGuard& guard, Window& from, Window& to, POINT* point) {
-    if (RootOf(guard, from) != RootOf(guard, to))
-        return false;
+    if (RootOf(guard, from) != RootOf(guard, to)) return false;
     const POINT fromOffset = OffsetInRoot(guard, from);
     const POINT toOffset = OffsetInRoot(guard, to);
     point->x += fromOffset.x - toOffset.x;
@@ -40,11 +41,9 @@ bool MovePoint(const DispatcherGuard& guard, Window& from, Window& to, POINT* po
 Window* MouseTarget(const DispatcherGuard& guard, Window& window, POINT* point) {
     const MessageQueue* queue = FindQueue(guard, window.thread);
     Window* captor = queue != nullptr ? FindWindowState(guard, queue->capture) : nullptr;
-    if (captor != nullptr && MovePoint(guard, window, *captor, point))
-        return captor;
+    if (captor != nullptr && MovePoint(guard, window, *captor, point)) return captor;
     const Window* root = RootOf(guard, window);
-    if ((root->style & WS_DISABLED) != 0)
-        return nullptr;
+    if ((root->style & WS_DISABLED) != 0) return nullptr;
     Window* target = &window;
     while ((target->style & WS_DISABLED) != 0) {
         point->x += target->bounds.left;
@@ -56,8 +55,7 @@ Window* MouseTarget(const DispatcherGuard& guard, Window& window, POINT* point) 
 
 // The second click of a double click gets its own message in classes that ask for it.
 UINT CountClick(MessageQueue& queue, const Window& window, UINT message, POINT point, DWORD time) {
-    if (!IsButtonDown(message))
-        return message;
+    if (!IsButtonDown(message)) return message;
     const bool again = queue.lastClick == message && queue.lastClickWindow == window.handle &&
                        time - queue.lastClickTime <= kDoubleClickTime &&
                        std::abs(point.x - queue.lastClickPoint.x) <= kDoubleClickReach &&
@@ -76,12 +74,13 @@ POINT ToScreen(const DispatcherGuard& guard, Window& window, POINT point) {
     return POINT{root.left + offset.x + point.x, root.top + offset.y + point.y};
 }
 
-LPARAM Pack(POINT point) { return MAKELPARAM(static_cast<WORD>(point.x), static_cast<WORD>(point.y)); }
+LPARAM Pack(POINT point) {
+    return MAKELPARAM(static_cast<WORD>(point.x), static_cast<WORD>(point.y));
+}
 
 void SetKey(MessageQueue& queue, UINT key, bool down) {
     uint8_t& state = queue.keys[key % kVirtualKeys];
-    if (down && (state & kKeyDown) == 0)
-        state ^= kKeyToggled;
+    if (down && (state & kKeyDown) == 0) state ^= kKeyToggled;
     state = static_cast<uint8_t>(down ? state | kKeyDown : state & ~kKeyDown);
 }
 
@@ -89,20 +88,17 @@ struct ButtonKey {
     WPARAM flag;
     UINT key;
 };
-constexpr ButtonKey kButtonKeys[] = {
-    {MK_LBUTTON, VK_LBUTTON}, {MK_RBUTTON, VK_RBUTTON}, {MK_MBUTTON, VK_MBUTTON}};
+constexpr ButtonKey kButtonKeys[] = {{MK_LBUTTON, VK_LBUTTON}, {MK_RBUTTON, VK_RBUTTON}, {MK_MBUTTON, VK_MBUTTON}};
 
 }  // namespace
 
 void QueueMouse(HWND handle, UINT message, WPARAM keys, POINT point, DWORD time) {
     DispatcherGuard guard(DispatcherLock());
     Window* window = FindWindowState(guard, handle);
-    if (window == nullptr)
-        return;
+    if (window == nullptr) return;
     window = MouseTarget(guard, *window, &point);
     MessageQueue* queue = window != nullptr ? FindQueue(guard, window->thread) : nullptr;
-    if (queue == nullptr || window->destroying)
-        return;
+    if (queue == nullptr || window->destroying) return;
     pointer = ToScreen(guard, *window, point);
     QueuedMessage queued;
     queued.message.hwnd = window->handle;
@@ -125,8 +121,7 @@ void QueueKey(HWND handle, const KeyStroke& stroke) {
     DispatcherGuard guard(DispatcherLock());
     const Window* window = FindWindowState(guard, handle);
     MessageQueue* queue = window != nullptr ? FindQueue(guard, window->thread) : nullptr;
-    if (queue == nullptr)
-        return;
+    if (queue == nullptr) return;
     const HWND target = FindWindowState(guard, queue->focus) != nullptr ? queue->focus : handle;
     QueuedMessage queued;
     queued.text = stroke.down ? stroke.text : 0;
@@ -137,8 +132,7 @@ void QueueKey(HWND handle, const KeyStroke& stroke) {
     queued.message.lParam = kRepeatOnce | (stroke.altDown ? kAltHeld : 0) | (stroke.down ? 0 : kGoesUp | kWasDown);
     queued.message.time = stroke.time;
     queued.message.pt = pointer;
-    if (queue->input.size() < kMaxPosted)
-        queue->input.push_back(queued);
+    if (queue->input.size() < kMaxPosted) queue->input.push_back(queued);
     NoteInput(guard, *queue, QS_KEY);
 }
 
@@ -147,8 +141,7 @@ void NoteTaken(MessageQueue& queue, const QueuedMessage& taken) {
     queue.lastTime = message.time;
     queue.lastPoint = message.pt;
     if (IsMouse(message.message)) {
-        for (const ButtonKey& button : kButtonKeys)
-            SetKey(queue, button.key, (message.wParam & button.flag) != 0);
+        for (const ButtonKey& button : kButtonKeys) SetKey(queue, button.key, (message.wParam & button.flag) != 0);
         queue.cursorWindow = message.hwnd;
         return;
     }
@@ -169,8 +162,7 @@ void NoteTaken(MessageQueue& queue, const QueuedMessage& taken) {
 }
 
 void AskForCursor(const MSG& message) {
-    if (!IsMouse(message.message) || message.message == WM_MOUSEWHEEL || GetCapture() != nullptr)
-        return;
+    if (!IsMouse(message.message) || message.message == WM_MOUSEWHEEL || GetCapture() != nullptr) return;
     CallProcedure(message.hwnd, WM_SETCURSOR, reinterpret_cast<WPARAM>(message.hwnd),
                   MAKELPARAM(HTCLIENT, static_cast<WORD>(message.message)));
 }
@@ -186,8 +178,7 @@ TDKP_API SHORT GetKeyState(INT virtualKey) {
     const uint32_t thread = CurrentThreadId();
     DispatcherGuard guard(DispatcherLock());
     const MessageQueue* queue = tdkp::FindQueue(guard, thread);
-    if (queue == nullptr || virtualKey < 0 || static_cast<size_t>(virtualKey) >= tdkp::kVirtualKeys)
-        return 0;
+    if (queue == nullptr || virtualKey < 0 || static_cast<size_t>(virtualKey) >= tdkp::kVirtualKeys) return 0;
     const uint8_t state = queue->keys[static_cast<size_t>(virtualKey)];
     constexpr int kDownBits = 0xFF80;
     const int down = (state & tdkp::kKeyDown) != 0 ? kDownBits : 0;
@@ -195,14 +186,15 @@ TDKP_API SHORT GetKeyState(INT virtualKey) {
 }
 
 TDKP_API BOOL GetCursorPos(POINT* point) {
-    if (point == nullptr)
-        return FALSE;
+    if (point == nullptr) return FALSE;
     DispatcherGuard guard(DispatcherLock());
     *point = tdkp::pointer;
     return TRUE;
 }
 
-TDKP_API UINT GetDoubleClickTime() { return tdkp::kDoubleClickTime; }
+TDKP_API UINT GetDoubleClickTime() {
+    return tdkp::kDoubleClickTime;
+}
 
 TDKP_API HCURSOR LoadCursorA(HINSTANCE, LPCSTR name) {
     constexpr ULONG_PTR kFirstCursor = 32512;
@@ -222,15 +214,12 @@ TDKP_API HCURSOR SetCursor(HCURSOR cursor) {
         const MessageQueue* queue = tdkp::FindQueue(guard, thread);
         tdkp::Window* window = queue != nullptr ? tdkp::FindWindowState(guard, queue->cursorWindow) : nullptr;
         // A window of the calling thread stays while the thread is in here.
-        if (window == nullptr || window->thread != thread)
-            return nullptr;
+        if (window == nullptr || window->thread != thread) return nullptr;
         handle = window->handle;
         former = window->cursor;
-        if (former != shape)
-            display = window->display;
+        if (former != shape) display = window->display;
         window->cursor = shape;
     }
-    if (display != nullptr)
-        display->SetCursorShape(tdkp::IdOf(handle), shape);
+    if (display != nullptr) display->SetCursorShape(tdkp::IdOf(handle), shape);
     return reinterpret_cast<HCURSOR>(static_cast<uintptr_t>(former));
 }

@@ -13,8 +13,7 @@ constexpr long kMillisecondsPerSecond = 1000;
 constexpr long kNanosecondsPerMillisecond = 1000000;
 
 void CloseIfOpen(int fd) {
-    if (fd >= 0)
-        close(fd);
+    if (fd >= 0) close(fd);
 }
 
 void Watch(int poll, int fd) {
@@ -33,8 +32,7 @@ MessageFd::~MessageFd() {
 }
 
 int MessageFd::Descriptor() {
-    if (poll_ >= 0)
-        return poll_;
+    if (poll_ >= 0) return poll_;
     event_ = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
     timer_ = timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK);
     poll_ = epoll_create1(EPOLL_CLOEXEC);
@@ -51,8 +49,7 @@ int MessageFd::Descriptor() {
 }
 
 void MessageFd::Set(bool readable, uint32_t untilTimer) {
-    if (!IsMade())
-        return;
+    if (!IsMade()) return;
     if (readable != readable_) {
         readable_ = readable;
         uint64_t count = 1;
@@ -63,8 +60,7 @@ void MessageFd::Set(bool readable, uint32_t untilTimer) {
     if (untilTimer != kNever) {
         when.it_value.tv_sec = untilTimer / kMillisecondsPerSecond;
         when.it_value.tv_nsec = (untilTimer % kMillisecondsPerSecond) * kNanosecondsPerMillisecond;
-        if (untilTimer == 0)
-            when.it_value.tv_nsec = 1;  // zero would disarm it
+        if (untilTimer == 0) when.it_value.tv_nsec = 1;  // zero would disarm it
     }
     timerfd_settime(timer_, 0, &when, nullptr);
 }

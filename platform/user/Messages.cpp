@@ -16,8 +16,7 @@ const HWND kThreadMessages = reinterpret_cast<HWND>(static_cast<LONG_PTR>(-1));
 bool CheckFilter(const DispatcherGuard& guard, const MessageFilter& filter) {
     const bool known = filter.window == nullptr || filter.window == kThreadMessages ||
                        FindWindowState(guard, filter.window) != nullptr;
-    if (!known)
-        SetLastError(ERROR_INVALID_WINDOW_HANDLE);
+    if (!known) SetLastError(ERROR_INVALID_WINDOW_HANDLE);
     return known;
 }
 
@@ -33,26 +32,22 @@ int LookForMessage(MSG* message, const MessageFilter& filter, Look look) {
         }
         ServeSentCalls();
         DispatcherGuard guard(DispatcherLock());
-        if (!CheckFilter(guard, filter))
-            return -1;
+        if (!CheckFilter(guard, filter)) return -1;
         MessageQueue& queue = QueueOf(guard, thread);
         const DWORD now = GetTickCount();
         if (TakeMessage(guard, queue, filter, remove, now, &found)) {
-            if (remove)
-                NoteTaken(queue, found);
+            if (remove) NoteTaken(queue, found);
             *message = found.message;
             break;
         }
-        if (look != Look::kWaitAndTake)
-            return 0;
+        if (look != Look::kWaitAndTake) return 0;
         auto ready = [&] {
             QueuedMessage unused;
             return !queue.sent.empty() || TakeMessage(guard, queue, filter, false, GetTickCount(), &unused);
         };
         WaitUntilReady(guard, ready, UntilTimer(queue, now));
     }
-    if (remove)
-        AskForCursor(*message);
+    if (remove) AskForCursor(*message);
     return 1;
 }
 
@@ -65,8 +60,7 @@ bool PostTo(DispatcherGuard& guard, uint32_t thread, const MSG& message) {
     QueuedMessage queued;
     queued.message = message;
     queued.message.pt = queue->lastPoint;
-    if (PostToQueue(guard, *queue, queued))
-        return true;
+    if (PostToQueue(guard, *queue, queued)) return true;
     SetLastError(ERROR_NOT_ENOUGH_QUOTA);
     return false;
 }
@@ -81,8 +75,7 @@ using tdkp::MessageFilter;
 using tdkp::MessageQueue;
 
 TDKP_API BOOL PostMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (window == nullptr)
-        return PostThreadMessageA(CurrentThreadId(), message, wParam, lParam);
+    if (window == nullptr) return PostThreadMessageA(CurrentThreadId(), message, wParam, lParam);
     const DWORD now = GetTickCount();
     DispatcherGuard guard(DispatcherLock());
     const tdkp::Window* state = tdkp::FindWindowState(guard, window);
@@ -117,15 +110,13 @@ TDKP_API LRESULT SendDlgItemMessageA(HWND parent, INT id, UINT message, WPARAM w
 }
 
 TDKP_API BOOL GetMessageA(MSG* message, HWND window, UINT first, UINT last) {
-    if (message == nullptr)
-        return -1;
+    if (message == nullptr) return -1;
     const int found = tdkp::LookForMessage(message, MessageFilter{window, first, last}, tdkp::Look::kWaitAndTake);
     return found < 0 ? -1 : message->message != WM_QUIT;
 }
 
 TDKP_API BOOL PeekMessageA(MSG* message, HWND window, UINT first, UINT last, UINT remove) {
-    if (message == nullptr)
-        return FALSE;
+    if (message == nullptr) return FALSE;
     const tdkp::Look look = (remove & PM_REMOVE) != 0 ? tdkp::Look::kTake : tdkp::Look::kPeek;
     return tdkp::LookForMessage(message, MessageFilter{window, first, last}, look) > 0;
 }
@@ -136,13 +127,11 @@ TDKP_API BOOL WaitMessage() {
 
 TDKP_API BOOL TranslateMessage(const MSG* message) {
     const bool system = message != nullptr && message->message == WM_SYSKEYDOWN;
-    if (message == nullptr || (message->message != WM_KEYDOWN && !system))
-        return FALSE;
+    if (message == nullptr || (message->message != WM_KEYDOWN && !system)) return FALSE;
     const uint32_t thread = CurrentThreadId();
     DispatcherGuard guard(DispatcherLock());
     MessageQueue* queue = tdkp::FindQueue(guard, thread);
-    if (queue == nullptr || queue->lastText == 0 || queue->lastKey != message->wParam)
-        return TRUE;
+    if (queue == nullptr || queue->lastText == 0 || queue->lastKey != message->wParam) return TRUE;
     MSG character = *message;
     character.message = system ? WM_SYSCHAR : WM_CHAR;
     character.wParam = queue->lastText;
@@ -152,8 +141,7 @@ TDKP_API BOOL TranslateMessage(const MSG* message) {
 }
 
 TDKP_API LRESULT DispatchMessageA(const MSG* message) {
-    if (message == nullptr)
-        return 0;
+    if (message == nullptr) return 0;
     if (message->message == WM_TIMER && message->lParam != 0) {
         const auto function = reinterpret_cast<TIMERPROC>(message->lParam);
         function(message->hwnd, WM_TIMER, message->wParam, GetTickCount());
@@ -162,11 +150,9 @@ TDKP_API LRESULT DispatchMessageA(const MSG* message) {
     uint32_t owner = 0;
     {
         DispatcherGuard guard(DispatcherLock());
-        if (const tdkp::Window* state = tdkp::FindWindowState(guard, message->hwnd))
-            owner = state->thread;
+        if (const tdkp::Window* state = tdkp::FindWindowState(guard, message->hwnd)) owner = state->thread;
     }
-    if (owner != CurrentThreadId())
-        return 0;
+    if (owner != CurrentThreadId()) return 0;
     return tdkp::CallProcedure(message->hwnd, message->message, message->wParam, message->lParam);
 }
 

@@ -37,8 +37,7 @@ bool SendErase(HWND window, HDC dc, const RECT& rect) {
     {
         DispatcherGuard guard(DispatcherLock());
         Window* state = FindWindowState(guard, window);
-        if (state == nullptr)
-            return false;
+        if (state == nullptr) return false;
         state->paintRect = rect;
     }
     return CallProcedure(window, WM_ERASEBKGND, reinterpret_cast<WPARAM>(dc), 0) != 0;
@@ -46,7 +45,9 @@ bool SendErase(HWND window, HDC dc, const RECT& rect) {
 
 }  // namespace
 
-bool InsideLayerPaint() { return insideLayerPaint; }
+bool InsideLayerPaint() {
+    return insideLayerPaint;
+}
 
 bool NeedsPaint(const DispatcherGuard& guard, const Window& window) {
     return !IsRectEmpty(&window.update) && !window.destroying && IsShown(guard, window);
@@ -55,13 +56,11 @@ bool NeedsPaint(const DispatcherGuard& guard, const Window& window) {
 void InvalidateState(DispatcherGuard& guard, Window& window, const RECT& rect, bool erase) {
     const RECT client = window.Client();
     RECT added;
-    if (!IsShown(guard, window) || !IntersectRect(&added, &rect, &client))
-        return;
+    if (!IsShown(guard, window) || !IntersectRect(&added, &rect, &client)) return;
     const RECT former = window.update;
     UnionRect(&window.update, &former, &added);
     window.erase = window.erase || erase;
-    if (MessageQueue* queue = FindQueue(guard, window.thread))
-        NoteInput(guard, *queue, QS_PAINT);
+    if (MessageQueue* queue = FindQueue(guard, window.thread)) NoteInput(guard, *queue, QS_PAINT);
 }
 
 void InvalidateTree(DispatcherGuard& guard, HWND window) {
@@ -84,8 +83,7 @@ bool ErasePart(HWND window, const RECT& part) {
     const bool erased = SendErase(window, dc, part);
     ReturnContext(window, dc);
     DispatcherGuard guard(DispatcherLock());
-    if (Window* state = FindWindowState(guard, window))
-        state->paintRect = RECT{0, 0, 0, 0};
+    if (Window* state = FindWindowState(guard, window)) state->paintRect = RECT{0, 0, 0, 0};
     return erased;
 }
 
@@ -94,15 +92,12 @@ void EraseNow(HWND window) {
     {
         DispatcherGuard guard(DispatcherLock());
         const Window* state = FindWindowState(guard, window);
-        if (state == nullptr || !NeedsPaint(guard, *state) || !state->erase)
-            return;
+        if (state == nullptr || !NeedsPaint(guard, *state) || !state->erase) return;
         rect = state->update;
     }
-    if (!ErasePart(window, rect))
-        return;
+    if (!ErasePart(window, rect)) return;
     DispatcherGuard guard(DispatcherLock());
-    if (Window* state = FindWindowState(guard, window))
-        state->erase = false;
+    if (Window* state = FindWindowState(guard, window)) state->erase = false;
 }
 
 LRESULT EraseByDefault(HWND window, HDC dc) {
@@ -111,13 +106,11 @@ LRESULT EraseByDefault(HWND window, HDC dc) {
     {
         DispatcherGuard guard(DispatcherLock());
         const Window* state = FindWindowState(guard, window);
-        if (state == nullptr)
-            return 0;
+        if (state == nullptr) return 0;
         brush = state->windowClass->info.hbrBackground;
         rect = IsRectEmpty(&state->paintRect) ? state->Client() : state->paintRect;
     }
-    if (brush == nullptr)
-        return 0;
+    if (brush == nullptr) return 0;
     FillRect(dc, &rect, BrushOfClass(brush));
     return 1;
 }
@@ -169,21 +162,17 @@ TDKP_API BOOL ValidateRect(HWND window, const RECT* rect) {
         update.left = valid.right;
     else if (high && valid.right >= update.right && valid.left < update.right)
         update.right = valid.left;
-    if (IsRectEmpty(&update))
-        state->erase = false;
-    if (tdkp::MessageQueue* queue = tdkp::FindQueue(guard, state->thread))
-        tdkp::SyncMessageFd(guard, *queue);
+    if (IsRectEmpty(&update)) state->erase = false;
+    if (tdkp::MessageQueue* queue = tdkp::FindQueue(guard, state->thread)) tdkp::SyncMessageFd(guard, *queue);
     return TRUE;
 }
 
 TDKP_API BOOL GetUpdateRect(HWND window, RECT* rect, BOOL erase) {
-    if (erase)
-        tdkp::EraseNow(window);
+    if (erase) tdkp::EraseNow(window);
     DispatcherGuard guard(DispatcherLock());
     const Window* state = FindWindowState(guard, window);
     const bool waits = state != nullptr && tdkp::NeedsPaint(guard, *state);
-    if (rect != nullptr)
-        *rect = waits ? state->update : RECT{0, 0, 0, 0};
+    if (rect != nullptr) *rect = waits ? state->update : RECT{0, 0, 0, 0};
     return waits;
 }
 
@@ -191,18 +180,15 @@ TDKP_API BOOL UpdateWindow(HWND window) {
     {
         DispatcherGuard guard(DispatcherLock());
         const Window* state = FindWindowState(guard, window);
-        if (state == nullptr)
-            return FALSE;
-        if (!tdkp::NeedsPaint(guard, *state))
-            return TRUE;
+        if (state == nullptr) return FALSE;
+        if (!tdkp::NeedsPaint(guard, *state)) return TRUE;
     }
     SendMessageA(window, WM_PAINT, 0, 0);
     return TRUE;
 }
 
 TDKP_API HDC BeginPaint(HWND window, PAINTSTRUCT* paint) {
-    if (paint == nullptr)
-        return nullptr;
+    if (paint == nullptr) return nullptr;
     *paint = PAINTSTRUCT{};
     bool erase = false;
     {
@@ -216,10 +202,8 @@ TDKP_API HDC BeginPaint(HWND window, PAINTSTRUCT* paint) {
         erase = state->erase && !IsRectEmpty(&state->update);
         state->update = RECT{0, 0, 0, 0};
         state->erase = false;
-        if (erase && state->PaintsItself())
-            erase = false;
-        if (tdkp::MessageQueue* queue = tdkp::FindQueue(guard, state->thread))
-            tdkp::SyncMessageFd(guard, *queue);
+        if (erase && state->PaintsItself()) erase = false;
+        if (tdkp::MessageQueue* queue = tdkp::FindQueue(guard, state->thread)) tdkp::SyncMessageFd(guard, *queue);
     }
     paint->hdc = tdkp::TakeContext(window);
     const RECT& clip = paint->rcPaint;
@@ -229,11 +213,9 @@ TDKP_API HDC BeginPaint(HWND window, PAINTSTRUCT* paint) {
 }
 
 TDKP_API BOOL EndPaint(HWND window, const PAINTSTRUCT* paint) {
-    if (paint == nullptr || paint->hdc == nullptr)
-        return TRUE;
+    if (paint == nullptr || paint->hdc == nullptr) return TRUE;
     tdkp::ReturnContext(window, paint->hdc);
     DispatcherGuard guard(DispatcherLock());
-    if (Window* state = FindWindowState(guard, window))
-        state->paintRect = RECT{0, 0, 0, 0};
+    if (Window* state = FindWindowState(guard, window)) state->paintRect = RECT{0, 0, 0, 0};
     return TRUE;
 }

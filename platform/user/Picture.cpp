@@ -10,16 +10,14 @@ namespace {
 
 void CopyRows(const Raster& from, uint8_t* to, int32_t toPitch, int32_t width, int32_t height) {
     const size_t bytes = static_cast<size_t>(width) * static_cast<size_t>(BytesPerPixel(from.format));
-    for (ptrdiff_t row = 0; row < height; ++row)
-        std::memcpy(to + row * toPitch, from.topRow + row * from.pitch, bytes);
+    for (ptrdiff_t row = 0; row < height; ++row) std::memcpy(to + row * toPitch, from.topRow + row * from.pitch, bytes);
 }
 
 // The index of black in the display's palette; 0 in all other formats.
 int BlackPixel(const Raster& raster) {
     constexpr int kColors = 256;
     for (int i = 0; raster.format == PixelFormat::kIndexed8 && raster.palette != nullptr && i < kColors; ++i) {
-        if (raster.palette[i] == 0)
-            return i;
+        if (raster.palette[i] == 0) return i;
     }
     return 0;
 }
@@ -29,10 +27,8 @@ bool MakeLarger(Display& display, HWND window, const RECT& client, const Raster&
     const int32_t height = std::min(old.height, client.bottom);
     const int32_t keptPitch = old.topRow != nullptr ? width * BytesPerPixel(old.format) : 0;
     std::vector<uint8_t> kept(static_cast<size_t>(keptPitch) * static_cast<size_t>(std::max(height, 0)));
-    if (!kept.empty())
-        CopyRows(old, kept.data(), keptPitch, width, height);
-    if (!display.MakePicture(IdOf(window), client.right, client.bottom, made) || made->topRow == nullptr)
-        return false;
+    if (!kept.empty()) CopyRows(old, kept.data(), keptPitch, width, height);
+    if (!display.MakePicture(IdOf(window), client.right, client.bottom, made) || made->topRow == nullptr) return false;
     const size_t rowBytes = static_cast<size_t>(made->width) * static_cast<size_t>(BytesPerPixel(made->format));
     const int black = BlackPixel(*made);
     for (int32_t row = 0; row < made->height; ++row)
@@ -67,8 +63,7 @@ int32_t BytesPerPixel(PixelFormat format) {
 
 bool TryHoldPicture(DispatcherGuard&, Window& window, uint32_t thread) {
     WindowPicture& picture = window.picture;
-    if (picture.depth != 0 && picture.holder != thread)
-        return false;
+    if (picture.depth != 0 && picture.holder != thread) return false;
     picture.holder = thread;
     ++picture.depth;
     return true;
@@ -92,8 +87,7 @@ void LetGoPicture(DispatcherGuard& guard, Window& window) {
         picture.exposed = RECT{0, 0, 0, 0};
         TerminationDeferral deferral;
         guard.unlock();
-        if (!IsRectEmpty(&shown))
-            window.display->PutPicture(IdOf(window.handle), shown);
+        if (!IsRectEmpty(&shown)) window.display->PutPicture(IdOf(window.handle), shown);
         guard.lock();
     }
     if (--picture.depth == 0) {
@@ -106,13 +100,11 @@ void LetGoPicture(DispatcherGuard& guard, Window& window) {
 bool FitPicture(DispatcherGuard& guard, Window& window) {
     WindowPicture& picture = window.picture;
     const RECT client = window.Client();
-    if (IsRectEmpty(&client) || !window.MayHavePicture())
-        return false;
+    if (IsRectEmpty(&client) || !window.MayHavePicture()) return false;
     const bool fits = picture.raster.topRow != nullptr && picture.raster.width == client.right &&
                       picture.raster.height == client.bottom;
     // Inside a nested hold the outer one still draws on the old memory.
-    if (fits || picture.depth > 1)
-        return picture.raster.topRow != nullptr;
+    if (fits || picture.depth > 1) return picture.raster.topRow != nullptr;
     const Raster old = picture.raster;
     Raster made;
     TerminationDeferral deferral;
@@ -124,8 +116,7 @@ bool FitPicture(DispatcherGuard& guard, Window& window) {
 }
 
 void DropHeldPicture(DispatcherGuard& guard, Window& window) {
-    if (window.picture.raster.topRow == nullptr)
-        return;
+    if (window.picture.raster.topRow == nullptr) return;
     window.picture.raster = Raster();
     TerminationDeferral deferral;
     guard.unlock();
@@ -134,8 +125,7 @@ void DropHeldPicture(DispatcherGuard& guard, Window& window) {
 }
 
 void ForgetHolds(WindowPicture& picture, uint32_t thread) {
-    if (picture.depth > 0 && picture.holder == thread)
-        picture.depth = 0;
+    if (picture.depth > 0 && picture.holder == thread) picture.depth = 0;
 }
 
 }  // namespace tdkp

@@ -3,8 +3,7 @@
 #include <algorithm>
 
 TDKP_API BOOL SetRect(RECT* rect, INT left, INT top, INT right, INT bottom) {
-    if (rect == nullptr)
-        return FALSE;
+    if (rect == nullptr) return FALSE;
     *rect = RECT{left, top, right, bottom};
     return TRUE;
 }
@@ -19,22 +18,19 @@ TDKP_API BOOL PtInRect(const RECT* rect, POINT point) {
 }
 
 TDKP_API BOOL OffsetRect(RECT* rect, INT x, INT y) {
-    if (rect == nullptr)
-        return FALSE;
+    if (rect == nullptr) return FALSE;
     *rect = RECT{rect->left + x, rect->top + y, rect->right + x, rect->bottom + y};
     return TRUE;
 }
 
 TDKP_API BOOL InflateRect(RECT* rect, INT x, INT y) {
-    if (rect == nullptr)
-        return FALSE;
+    if (rect == nullptr) return FALSE;
     *rect = RECT{rect->left - x, rect->top - y, rect->right + x, rect->bottom + y};
     return TRUE;
 }
 
 TDKP_API BOOL IntersectRect(RECT* out, const RECT* first, const RECT* second) {
-    if (out == nullptr || first == nullptr || second == nullptr)
-        return FALSE;
+    if (out == nullptr || first == nullptr || second == nullptr) return FALSE;
     const RECT both = {std::max(first->left, second->left), std::max(first->top, second->top),
                        std::min(first->right, second->right), std::min(first->bottom, second->bottom)};
     *out = IsRectEmpty(&both) ? RECT{0, 0, 0, 0} : both;
@@ -42,8 +38,7 @@ TDKP_API BOOL IntersectRect(RECT* out, const RECT* first, const RECT* second) {
 }
 
 TDKP_API BOOL UnionRect(RECT* out, const RECT* first, const RECT* second) {
-    if (out == nullptr || first == nullptr || second == nullptr)
-        return FALSE;
+    if (out == nullptr || first == nullptr || second == nullptr) return FALSE;
     RECT hull = {0, 0, 0, 0};
     if (IsRectEmpty(first))
         hull = IsRectEmpty(second) ? hull : *second;

@@ -54,11 +54,9 @@ public:
         {
             DispatcherGuard guard(DispatcherLock());
             Window* state = FindWindowState(guard, handle);
-            if (state == nullptr)
-                return;
+            if (state == nullptr) return;
             state->displayRect = RECT{x, y, x + width, y + height};
-            if (state->displayRectPending)
-                return;
+            if (state->displayRectPending) return;
             state->displayRectPending = true;
             thread = state->thread;
         }
@@ -69,14 +67,11 @@ public:
         const uint32_t thread = CurrentThreadId();
         DispatcherGuard guard(DispatcherLock());
         Window* state = FindWindowState(guard, HandleOf(window));
-        if (state == nullptr)
-            return;
+        if (state == nullptr) return;
         const RECT former = state->picture.exposed;
         UnionRect(&state->picture.exposed, &former, &rect);
-        if (!TryHoldPicture(guard, *state, thread))
-            return;
-        if (state->picture.raster.topRow == nullptr)
-            InvalidateState(guard, *state, rect, true);
+        if (!TryHoldPicture(guard, *state, thread)) return;
+        if (state->picture.raster.topRow == nullptr) InvalidateState(guard, *state, rect, true);
         LetGoPicture(guard, *state);
     }
 
@@ -92,6 +87,8 @@ struct SinkHolder {
 
 }  // namespace
 
-DisplaySink& TheSink() { return Immortal<SinkHolder>().sink; }
+DisplaySink& TheSink() {
+    return Immortal<SinkHolder>().sink;
+}
 
 }  // namespace tdkp

@@ -55,21 +55,18 @@ void AppendLayers(const DispatcherGuard& guard, const Window& window, Layer laye
     layers->push_back(layer);
     for (auto handle = window.children.rbegin(); handle != window.children.rend(); ++handle) {
         const Window* child = FindWindowState(guard, *handle);
-        if (child == nullptr || (child->style & WS_VISIBLE) == 0)
-            continue;
+        if (child == nullptr || (child->style & WS_VISIBLE) == 0) continue;
         RECT place = child->bounds;
         OffsetRect(&place, layer.origin.x, layer.origin.y);
         Layer inner = {*handle, {place.left, place.top}, {0, 0, 0, 0}};
-        if (IntersectRect(&inner.seen, &place, &layer.seen))
-            AppendLayers(guard, *child, inner, layers);
+        if (IntersectRect(&inner.seen, &place, &layer.seen)) AppendLayers(guard, *child, inner, layers);
     }
 }
 
 void CopyLayer(const Layer& layer, uint32_t thread, DWORD* pixels, int32_t width) {
     DispatcherGuard guard(DispatcherLock());
     Window* window = HoldPicture(guard, layer.window, thread);
-    if (window == nullptr)
-        return;
+    if (window == nullptr) return;
     const Raster raster = window->picture.raster;
     guard.unlock();
     for (LONG y = layer.seen.top; y < layer.seen.bottom; ++y) {
@@ -100,19 +97,14 @@ TDKP_API BOOL TdkpReadWindow(HWND window, DWORD* pixels, int capacity, int* widt
     {
         DispatcherGuard guard(DispatcherLock());
         const tdkp::Window* state = tdkp::FindWindowState(guard, window);
-        if (state == nullptr)
-            return FALSE;
+        if (state == nullptr) return FALSE;
         client = state->Client();
         tdkp::AppendLayers(guard, *state, tdkp::Layer{window, {0, 0}, client}, &layers);
     }
-    if (width != nullptr)
-        *width = client.right;
-    if (height != nullptr)
-        *height = client.bottom;
-    if (pixels == nullptr || int64_t{client.right} * client.bottom > capacity)
-        return FALSE;
-    for (const tdkp::Layer& layer : layers)
-        tdkp::CopyLayer(layer, thread, pixels, client.right);
+    if (width != nullptr) *width = client.right;
+    if (height != nullptr) *height = client.bottom;
+    if (pixels == nullptr || int64_t{client.right} * client.bottom > capacity) return FALSE;
+    for (const tdkp::Layer& layer : layers) tdkp::CopyLayer(layer, thread, pixels, client.right);
     return TRUE;
 }
 
@@ -121,8 +113,7 @@ TDKP_API void TdkpFeedMouse(HWND window, UINT message, WPARAM keys, int x, int y
     {
         DispatcherGuard guard(DispatcherLock());
         tdkp::Window* state = tdkp::FindWindowState(guard, window);
-        if (state == nullptr)
-            return;
+        if (state == nullptr) return;
         window = tdkp::WindowAt(guard, *state, &point);
     }
     tdkp::QueueMouse(window, message, keys, point, GetTickCount());
@@ -133,7 +124,9 @@ TDKP_API void TdkpFeedKey(HWND window, BOOL down, UINT virtualKey, UINT characte
     tdkp::TheSink().OnKey(tdkp::IdOf(window), down != FALSE, virtualKey, character, alt, GetTickCount());
 }
 
-TDKP_API void TdkpFeedClose(HWND window) { tdkp::TheSink().OnCloseRequest(tdkp::IdOf(window)); }
+TDKP_API void TdkpFeedClose(HWND window) {
+    tdkp::TheSink().OnCloseRequest(tdkp::IdOf(window));
+}
 
 TDKP_API uint32_t TdkpDispatchMessages() {
     uint32_t served = 0;

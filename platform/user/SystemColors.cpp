@@ -17,7 +17,7 @@ constexpr COLORREF kInfo = RGB(255, 255, 225);
 
 // By COLOR_ number.
 constexpr std::array<COLORREF, kColors> kTable = {
-    kGray, kTeal, kNavy,     kDarkGray, kGray,  kWhite, kBlack, kBlack, kBlack, kWhite, kGray, kGray, kDarkGray,
+    kGray, kTeal,  kNavy, kDarkGray, kGray,     kWhite, kBlack, kBlack, kBlack, kWhite, kGray,  kGray, kDarkGray,
     kNavy, kWhite, kGray, kDarkGray, kDarkGray, kBlack, kGray,  kWhite, kBlack, kGray,  kBlack, kInfo};
 
 tdkp::LayerMutex brushLock;
@@ -48,26 +48,24 @@ HBRUSH BrushOfClass(HBRUSH brush) {
 }
 
 bool IsSystemBrush(HBRUSH brush) {
-    if (reinterpret_cast<uintptr_t>(brush) <= kColors)
-        return true;
+    if (reinterpret_cast<uintptr_t>(brush) <= kColors) return true;
     LayerGuard guard(brushLock);
     for (const HBRUSH made : madeBrushes) {
-        if (made == brush)
-            return true;
+        if (made == brush) return true;
     }
     return false;
 }
 
 }  // namespace tdkp
 
-TDKP_API DWORD GetSysColor(INT index) { return index >= 0 && index < kColors ? kTable[static_cast<size_t>(index)] : 0; }
+TDKP_API DWORD GetSysColor(INT index) {
+    return index >= 0 && index < kColors ? kTable[static_cast<size_t>(index)] : 0;
+}
 
 TDKP_API HBRUSH GetSysColorBrush(INT index) {
-    if (index < 0 || index >= kColors)
-        return nullptr;
+    if (index < 0 || index >= kColors) return nullptr;
     tdkp::LayerGuard guard(brushLock);
     HBRUSH& brush = madeBrushes[static_cast<size_t>(index)];
-    if (brush == nullptr)
-        brush = MakeBrush(kTable[static_cast<size_t>(index)]);
+    if (brush == nullptr) brush = MakeBrush(kTable[static_cast<size_t>(index)]);
     return brush;
 }

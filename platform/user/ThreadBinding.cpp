@@ -40,8 +40,7 @@ bool HasSentMessage(uint32_t thread) {
 
 void MarkInputSeen(uint32_t thread) {
     DispatcherGuard held(DispatcherLock(), std::adopt_lock);
-    if (MessageQueue* queue = FindQueue(held, thread))
-        queue->changed = 0;
+    if (MessageQueue* queue = FindQueue(held, thread)) queue->changed = 0;
     held.release();
 }
 
@@ -60,14 +59,12 @@ void ForgetThread(uint32_t thread) {
         DispatcherGuard guard(DispatcherLock());
         ForEachWindow(guard, [&](Window& window) {
             ForgetHolds(window.picture, thread);
-            if (window.thread == thread)
-                windows.push_back(window.handle);
+            if (window.thread == thread) windows.push_back(window.handle);
         });
         WakeWaiters(guard);
         EndQueue(guard, thread);
     }
-    for (const HWND window : windows)
-        ForgetWindowTree(window);
+    for (const HWND window : windows) ForgetWindowTree(window);
 }
 
 }  // namespace tdkp

@@ -29,8 +29,7 @@ RECT PlaceOf(const CREATESTRUCTA& create, SIZE screen) {
         width = child ? 0 : screen.cx - 2 * (screen.cx / kDefaultDivisor);
         height = child ? 0 : screen.cy - 2 * (screen.cy / kDefaultDivisor);
     }
-    if (y == CW_USEDEFAULT)
-        y = 0;
+    if (y == CW_USEDEFAULT) y = 0;
     return RECT{x, y, x + std::max(width, 0), y + std::max(height, 0)};
 }
 
@@ -39,8 +38,7 @@ bool ResolveParent(const CREATESTRUCTA& create, Display& display, Window* window
     const HWND parent = create.hwndParent;
     const bool child = (create.style & WS_CHILD) != 0;
     if (parent == nullptr) {
-        if (child)
-            SetLastError(ERROR_TLW_WITH_WSCHILD);
+        if (child) SetLastError(ERROR_TLW_WITH_WSCHILD);
         return !child;
     }
     bool ours = false;
@@ -49,8 +47,7 @@ bool ResolveParent(const CREATESTRUCTA& create, Display& display, Window* window
         DispatcherGuard guard(DispatcherLock());
         Window* state = FindWindowState(guard, parent);
         ours = state != nullptr && !state->destroying;
-        if (ours)
-            root = RootOf(guard, *state)->handle;
+        if (ours) root = RootOf(guard, *state)->handle;
     }
     if (!ours && !display.IsForeign(IdOf(parent))) {
         SetLastError(ERROR_INVALID_WINDOW_HANDLE);
@@ -88,8 +85,7 @@ bool SendCreation(HWND window, CREATESTRUCTA* create) {
             DispatcherGuard guard(DispatcherLock());
             there = FindWindowState(guard, window) != nullptr;
         }
-        if (there)
-            CallProcedure(window, WM_NCDESTROY, 0, 0);
+        if (there) CallProcedure(window, WM_NCDESTROY, 0, 0);
         ForgetWindowTree(window);
         return false;
     }
@@ -128,8 +124,7 @@ HWND MakeWindow(CREATESTRUCTA* create) {
     {
         DispatcherGuard guard(DispatcherLock());
         QueueOf(guard, thread);
-        if (create->lpszClass != nullptr)
-            windowClass = FindClass(guard, create->lpszClass, create->hInstance);
+        if (create->lpszClass != nullptr) windowClass = FindClass(guard, create->lpszClass, create->hInstance);
     }
     if (!windowClass) {
         SetLastError(ERROR_CANNOT_FIND_WND_CLASS);
@@ -139,8 +134,7 @@ HWND MakeWindow(CREATESTRUCTA* create) {
     TerminationDeferral deferral;
     DisplayUse display;
     window->display = &*display;
-    if (!ResolveParent(*create, *display, window.get()))
-        return nullptr;
+    if (!ResolveParent(*create, *display, window.get())) return nullptr;
     window->bounds = PlaceOf(*create, display->ScreenSize());
     window->id = window->TopLevel() ? 0 : reinterpret_cast<LONG_PTR>(create->hMenu);
     create->x = window->bounds.left;
@@ -153,8 +147,7 @@ HWND MakeWindow(CREATESTRUCTA* create) {
         return nullptr;
     }
     window->handle = handle;
-    if (window->TopLevel() && (window->exStyle & WS_EX_TOPMOST) != 0)
-        display->SetAlwaysOnTop(IdOf(handle), true);
+    if (window->TopLevel() && (window->exStyle & WS_EX_TOPMOST) != 0) display->SetAlwaysOnTop(IdOf(handle), true);
     DispatcherGuard guard(DispatcherLock());
     InsertWindow(guard, std::move(window));
     return handle;
@@ -162,14 +155,11 @@ HWND MakeWindow(CREATESTRUCTA* create) {
 
 HWND CreateOnOwner(CREATESTRUCTA create) {
     const HWND window = MakeWindow(&create);
-    if (window == nullptr)
-        return nullptr;
+    if (window == nullptr) return nullptr;
     RaiseSiblings(window);
-    if (!SendCreation(window, &create))
-        return nullptr;
+    if (!SendCreation(window, &create)) return nullptr;
     SendFirstPlace(window, create);
-    if ((static_cast<DWORD>(create.style) & WS_VISIBLE) != 0)
-        ShowWindow(window, SW_SHOW);
+    if ((static_cast<DWORD>(create.style) & WS_VISIBLE) != 0) ShowWindow(window, SW_SHOW);
     return IsWindow(window) ? window : nullptr;
 }
 

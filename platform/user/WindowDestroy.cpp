@@ -24,8 +24,7 @@ Related RelatedTo(HWND window) {
         related.thread = state->thread;
     }
     ForEachWindow(guard, [&](const Window& other) {
-        if (other.owner == window)
-            related.owned.push_back(other.handle);
+        if (other.owner == window) related.owned.push_back(other.handle);
     });
     return related;
 }
@@ -33,8 +32,7 @@ Related RelatedTo(HWND window) {
 bool BeginDestruction(HWND window) {
     DispatcherGuard guard(DispatcherLock());
     Window* state = FindWindowState(guard, window);
-    if (state == nullptr || state->destroying)
-        return false;
+    if (state == nullptr || state->destroying) return false;
     state->destroying = true;
     return true;
 }
@@ -47,11 +45,9 @@ void TakeAway(HWND window) {
     {
         DispatcherGuard guard(DispatcherLock());
         Window* state = HoldPicture(guard, window, thread);
-        if (state == nullptr)
-            return;
+        if (state == nullptr) return;
         DropHeldPicture(guard, *state);
-        if (MessageQueue* queue = FindQueue(guard, state->thread))
-            ForgetWindowInQueue(guard, *queue, window);
+        if (MessageQueue* queue = FindQueue(guard, state->thread)) ForgetWindowInQueue(guard, *queue, window);
         ForgetActive(guard, window);
         RemoveWindow(guard, window);
     }
@@ -62,8 +58,7 @@ void TakeAway(HWND window) {
 void SendDestroy(HWND window) {
     SendMessageA(window, WM_DESTROY, 0, 0);
     for (const HWND child : RelatedTo(window).children) {
-        if (BeginDestruction(child))
-            SendDestroy(child);
+        if (BeginDestruction(child)) SendDestroy(child);
     }
 }
 
@@ -72,9 +67,9 @@ void FreeTree(HWND window) {
     for (const HWND child : RelatedTo(window).children) {
         LRESULT done = 0;
         const uint32_t thread = RelatedTo(child).thread;
-        const bool ran = RunOnThread(thread, [child] { return FreeTree(child), LRESULT{1}; }, &done);
-        if (!ran)
-            ForgetWindowTree(child);
+        const bool ran = RunOnThread(
+            thread, [child] { return FreeTree(child), LRESULT{1}; }, &done);
+        if (!ran) ForgetWindowTree(child);
     }
     LeaveWindow(window);
     CallProcedure(window, WM_NCDESTROY, 0, 0);
@@ -86,8 +81,7 @@ void HideOnDisplay(HWND window) {
     {
         DispatcherGuard guard(DispatcherLock());
         Window* state = FindWindowState(guard, window);
-        if (state == nullptr || (state->style & WS_VISIBLE) == 0)
-            return;
+        if (state == nullptr || (state->style & WS_VISIBLE) == 0) return;
         state->style &= ~WS_VISIBLE;
         display = state->display;
     }
@@ -97,8 +91,7 @@ void HideOnDisplay(HWND window) {
 }  // namespace
 
 bool DestroyOnOwner(HWND window) {
-    if (!BeginDestruction(window))
-        return false;
+    if (!BeginDestruction(window)) return false;
     for (const HWND owned : RelatedTo(window).owned)
         RunOnOwner(owned, [owned] { return LRESULT{DestroyOnOwner(owned)}; });
     LeaveWindow(window);
@@ -116,8 +109,7 @@ void ForgetWindowTree(HWND window) {
         {
             DispatcherGuard guard(DispatcherLock());
             lives = FindQueue(guard, thread) != nullptr;
-            if (Window* state = FindWindowState(guard, child); state != nullptr && lives)
-                state->parent = nullptr;
+            if (Window* state = FindWindowState(guard, child); state != nullptr && lives) state->parent = nullptr;
         }
         if (lives)
             PostWork(thread, [child] { DestroyOnOwner(child); });

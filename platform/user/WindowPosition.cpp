@@ -23,20 +23,17 @@ void EraseTree(HWND window) {
         const uint32_t thread = CurrentThreadId();
         DispatcherGuard guard(DispatcherLock());
         for (const HWND handle : TreeOf(guard, window)) {
-            if (FindWindowState(guard, handle)->thread == thread)
-                windows.push_back(handle);
+            if (FindWindowState(guard, handle)->thread == thread) windows.push_back(handle);
         }
     }
-    for (const HWND handle : windows)
-        EraseNow(handle);
+    for (const HWND handle : windows) EraseNow(handle);
 }
 
 // Sets or clears WS_VISIBLE; false if the window has gone.
 bool MarkVisible(HWND window, bool visible) {
     DispatcherGuard guard(DispatcherLock());
     Window* state = FindWindowState(guard, window);
-    if (state == nullptr)
-        return false;
+    if (state == nullptr) return false;
     state->style = visible ? state->style | WS_VISIBLE : state->style & ~WS_VISIBLE;
     if (!visible) {
         state->update = RECT{0, 0, 0, 0};
@@ -51,17 +48,14 @@ bool ShowOnOwner(HWND window, bool show, bool activate) {
     {
         DispatcherGuard guard(DispatcherLock());
         const Window* state = FindWindowState(guard, window);
-        if (state == nullptr || (show && state->destroying))
-            return false;
+        if (state == nullptr || (show && state->destroying)) return false;
         was = (state->style & WS_VISIBLE) != 0;
         topLevel = state->TopLevel();
     }
     if (was != show) {
         CallProcedure(window, WM_SHOWWINDOW, show, 0);
-        if (!show)
-            LeaveWindow(window);
-        if (!MarkVisible(window, show))
-            return was;
+        if (!show) LeaveWindow(window);
+        if (!MarkVisible(window, show)) return was;
     }
     Display* display = DisplayOf(window);
     if (display != nullptr && (was != show || (show && topLevel && activate)))
@@ -73,8 +67,7 @@ bool ShowOnOwner(HWND window, bool show, bool activate) {
         }
         EraseTree(window);
     }
-    if (show && topLevel && activate)
-        Activate(window);
+    if (show && topLevel && activate) Activate(window);
     return was;
 }
 
@@ -85,8 +78,7 @@ void InvalidateResized(HWND window, const RECT& former) {
     {
         DispatcherGuard guard(DispatcherLock());
         const Window* state = FindWindowState(guard, window);
-        if (state == nullptr)
-            return;
+        if (state == nullptr) return;
         client = state->Client();
         whole = (state->windowClass->info.style & (CS_HREDRAW | CS_VREDRAW)) != 0;
     }
@@ -95,8 +87,7 @@ void InvalidateResized(HWND window, const RECT& former) {
     const RECT right = {keptWidth, 0, client.right, keptHeight};
     const RECT below = {0, keptHeight, client.right, client.bottom};
     RECT uncovered;
-    if (!UnionRect(&uncovered, &right, &below))
-        return;
+    if (!UnionRect(&uncovered, &right, &below)) return;
     const bool rightErased = ErasePart(window, right);
     const bool belowErased = ErasePart(window, below);
     DispatcherGuard guard(DispatcherLock());
@@ -110,8 +101,7 @@ void AnnouncePlace(HWND window, const RECT& former, bool redraw) {
     {
         DispatcherGuard guard(DispatcherLock());
         const Window* state = FindWindowState(guard, window);
-        if (state == nullptr)
-            return;
+        if (state == nullptr) return;
         place = state->bounds;
     }
     const LONG width = place.right - place.left;
@@ -120,10 +110,8 @@ void AnnouncePlace(HWND window, const RECT& former, bool redraw) {
     if (place.left != former.left || place.top != former.top)
         CallProcedure(window, WM_MOVE, 0, MAKELPARAM(static_cast<WORD>(place.left), static_cast<WORD>(place.top)));
     if (sized)
-        CallProcedure(window, WM_SIZE, SIZE_RESTORED,
-                      MAKELPARAM(static_cast<WORD>(width), static_cast<WORD>(height)));
-    if (sized && redraw)
-        InvalidateResized(window, former);
+        CallProcedure(window, WM_SIZE, SIZE_RESTORED, MAKELPARAM(static_cast<WORD>(width), static_cast<WORD>(height)));
+    if (sized && redraw) InvalidateResized(window, former);
 }
 
 bool CoversScreen(const Window& window, const RECT& place, SIZE screen) {
@@ -133,8 +121,7 @@ bool CoversScreen(const Window& window, const RECT& place, SIZE screen) {
 
 bool PlaceOnOwner(HWND window, const RECT& place, bool redraw) {
     Display* display = DisplayOf(window);
-    if (display == nullptr)
-        return false;
+    if (display == nullptr) return false;
     const SIZE screen = display->ScreenSize();
     RECT former;
     bool fullScreen = false;
@@ -147,15 +134,13 @@ bool PlaceOnOwner(HWND window, const RECT& place, bool redraw) {
         fullScreen = state->fullScreen = CoversScreen(*state, place, screen);
         state->bounds = place;
     }
-    if (wasFullScreen != fullScreen)
-        display->SetFullScreen(IdOf(window), fullScreen);
+    if (wasFullScreen != fullScreen) display->SetFullScreen(IdOf(window), fullScreen);
     const bool changed = place.left != former.left || place.top != former.top || place.right != former.right ||
                          place.bottom != former.bottom;
     if (changed)
         display->Move(IdOf(window), place.left, place.top, std::max(place.right - place.left, 1),
                       std::max(place.bottom - place.top, 1));
-    if (changed)
-        AnnouncePlace(window, former, redraw);
+    if (changed) AnnouncePlace(window, former, redraw);
     return true;
 }
 
@@ -165,8 +150,7 @@ void ReorderChild(HWND window, HWND after) {
         DispatcherGuard guard(DispatcherLock());
         const Window* state = FindWindowState(guard, window);
         Window* parent = state != nullptr ? FindWindowState(guard, state->parent) : nullptr;
-        if (parent == nullptr || after == window)
-            return;
+        if (parent == nullptr || after == window) return;
         std::vector<HWND>& order = parent->children;
         std::erase(order, window);
         auto at = order.begin();
@@ -185,8 +169,7 @@ void ReorderOnOwner(HWND window, HWND after) {
     {
         DispatcherGuard guard(DispatcherLock());
         Window* state = FindWindowState(guard, window);
-        if (state == nullptr)
-            return;
+        if (state == nullptr) return;
         topLevel = state->TopLevel();
         foreign = state->foreignParent != nullptr;
         if (topLevel && after == HWND_TOPMOST)
@@ -207,8 +190,7 @@ bool PositionOnOwner(HWND window, HWND after, RECT place, UINT flags) {
     {
         DispatcherGuard guard(DispatcherLock());
         const Window* state = FindWindowState(guard, window);
-        if (state == nullptr)
-            return false;
+        if (state == nullptr) return false;
         const LONG width = (flags & SWP_NOSIZE) != 0 ? state->Width() : std::max(place.right, 0);
         const LONG height = (flags & SWP_NOSIZE) != 0 ? state->Height() : std::max(place.bottom, 0);
         if ((flags & SWP_NOMOVE) != 0) {
@@ -218,8 +200,7 @@ bool PositionOnOwner(HWND window, HWND after, RECT place, UINT flags) {
         place.right = place.left + width;
         place.bottom = place.top + height;
     }
-    if ((flags & SWP_NOZORDER) == 0)
-        ReorderOnOwner(window, after);
+    if ((flags & SWP_NOZORDER) == 0) ReorderOnOwner(window, after);
     if ((flags & (SWP_NOSIZE | SWP_NOMOVE)) != (SWP_NOSIZE | SWP_NOMOVE))
         PlaceOnOwner(window, place, (flags & SWP_NOREDRAW) == 0);
     const bool activate = (flags & (SWP_NOACTIVATE | SWP_NOZORDER)) == 0;
@@ -237,8 +218,7 @@ void TakeDisplayRect(HWND window) {
     {
         DispatcherGuard guard(DispatcherLock());
         Window* state = FindWindowState(guard, window);
-        if (state == nullptr)
-            return;
+        if (state == nullptr) return;
         state->displayRectPending = false;
         former = state->bounds;
         state->bounds = state->displayRect;
@@ -248,8 +228,7 @@ void TakeDisplayRect(HWND window) {
 
 void AnnounceIconified(HWND window, bool iconified) {
     RECT client = {};
-    if (!iconified && !GetClientRect(window, &client))
-        return;
+    if (!iconified && !GetClientRect(window, &client)) return;
     CallProcedure(window, WM_SIZE, iconified ? SIZE_MINIMIZED : SIZE_RESTORED,
                   MAKELPARAM(static_cast<WORD>(client.right), static_cast<WORD>(client.bottom)));
 }
@@ -261,8 +240,7 @@ void RaiseSiblings(HWND window) {
         DispatcherGuard guard(DispatcherLock());
         const Window* state = FindWindowState(guard, window);
         const Window* parent = state != nullptr ? FindWindowState(guard, state->parent) : nullptr;
-        if (parent == nullptr)
-            return;
+        if (parent == nullptr) return;
         display = state->display;
         bool meets = false;
         for (const HWND handle : parent->children) {
@@ -271,11 +249,9 @@ void RaiseSiblings(HWND window) {
             meets = meets || (handle != window && IntersectRect(&common, &sibling->bounds, &state->bounds));
             above.push_back(IdOf(handle));
         }
-        if (!meets)
-            return;
+        if (!meets) return;
     }
-    for (auto id = above.rbegin(); id != above.rend(); ++id)
-        display->Raise(*id);
+    for (auto id = above.rbegin(); id != above.rend(); ++id) display->Raise(*id);
 }
 
 }  // namespace tdkp

@@ -15,8 +15,7 @@ namespace {
 
 // Screen rectangle of a window that the layer didn't make.
 bool ForeignRect(HWND window, RECT* rect) {
-    if (window == nullptr)
-        return false;
+    if (window == nullptr) return false;
     DisplayUse display;
     return display->GetScreenRect(IdOf(window), rect);
 }
@@ -32,8 +31,7 @@ bool ScreenRect(HWND window, RECT* rect) {
             const POINT offset = OffsetInRoot(guard, *state);
             const Window* rootState = RootOf(guard, *state);
             root = rootState->bounds;
-            if (rootState->foreignParent != nullptr)
-                inForeign = rootState->handle;
+            if (rootState->foreignParent != nullptr) inForeign = rootState->handle;
             *rect = RECT{offset.x, offset.y, offset.x + state->Width(), offset.y + state->Height()};
         }
     }
@@ -42,11 +40,9 @@ bool ScreenRect(HWND window, RECT* rect) {
         *rect = RECT{0, 0, screen.cx, screen.cy};
         return true;
     }
-    if (!found)
-        return ForeignRect(window, rect);
+    if (!found) return ForeignRect(window, rect);
     RECT onScreen;
-    if (inForeign != nullptr && ForeignRect(inForeign, &onScreen))
-        root = onScreen;
+    if (inForeign != nullptr && ForeignRect(inForeign, &onScreen)) root = onScreen;
     OffsetRect(rect, root.left, root.top);
     return true;
 }
@@ -58,8 +54,7 @@ bool Fail() {
 
 HWND Sibling(const DispatcherGuard& guard, const Window& window, UINT relation) {
     const Window* parent = FindWindowState(guard, window.parent);
-    if (parent == nullptr)
-        return nullptr;
+    if (parent == nullptr) return nullptr;
     const std::vector<HWND>& order = parent->children;
     const auto self = std::find(order.begin(), order.end(), window.handle);
     switch (relation) {
@@ -85,10 +80,8 @@ using tdkp::Window;
 TDKP_API BOOL IsWindow(HWND window) {
     {
         DispatcherGuard guard(DispatcherLock());
-        if (FindWindowState(guard, window) != nullptr)
-            return TRUE;
-        if (window == nullptr || !tdkp::AnyWindow(guard))
-            return FALSE;
+        if (FindWindowState(guard, window) != nullptr) return TRUE;
+        if (window == nullptr || !tdkp::AnyWindow(guard)) return FALSE;
     }
     return tdkp::DisplayUse()->IsForeign(tdkp::IdOf(window));
 }
@@ -107,21 +100,18 @@ TDKP_API BOOL IsWindowEnabled(HWND window) {
 
 TDKP_API BOOL EnableWindow(HWND window, BOOL enable) {
     return tdkp::RunOnOwner(window, [window, enable] {
-        bool was = false;
-        {
-            DispatcherGuard guard(DispatcherLock());
-            Window* state = FindWindowState(guard, window);
-            if (state == nullptr)
-                return LRESULT{FALSE};
-            was = (state->style & WS_DISABLED) != 0;
-            state->style = enable ? state->style & ~WS_DISABLED : state->style | WS_DISABLED;
-        }
-        if (was == (enable != FALSE))
-            tdkp::CallProcedure(window, WM_ENABLE, enable != FALSE, 0);
-        if (!enable && GetFocus() == window)
-            SetFocus(nullptr);
-        return LRESULT{was};
-    }) != 0;
+               bool was = false;
+               {
+                   DispatcherGuard guard(DispatcherLock());
+                   Window* state = FindWindowState(guard, window);
+                   if (state == nullptr) return LRESULT{FALSE};
+                   was = (state->style & WS_DISABLED) != 0;
+                   state->style = enable ? state->style & ~WS_DISABLED : state->style | WS_DISABLED;
+               }
+               if (was == (enable != FALSE)) tdkp::CallProcedure(window, WM_ENABLE, enable != FALSE, 0);
+               if (!enable && GetFocus() == window) SetFocus(nullptr);
+               return LRESULT{was};
+           }) != 0;
 }
 
 TDKP_API BOOL IsChild(HWND parent, HWND window) {
@@ -132,8 +122,7 @@ TDKP_API BOOL IsChild(HWND parent, HWND window) {
 TDKP_API HWND GetParent(HWND window) {
     DispatcherGuard guard(DispatcherLock());
     const Window* state = FindWindowState(guard, window);
-    if (state == nullptr)
-        return tdkp::Fail(), nullptr;
+    if (state == nullptr) return tdkp::Fail(), nullptr;
     if (state->parent != nullptr || state->foreignParent != nullptr)
         return state->parent != nullptr ? state->parent : state->foreignParent;
     return (state->style & WS_POPUP) != 0 ? state->owner : nullptr;
@@ -142,41 +131,39 @@ TDKP_API HWND GetParent(HWND window) {
 TDKP_API HWND GetWindow(HWND window, UINT relation) {
     DispatcherGuard guard(DispatcherLock());
     const Window* state = FindWindowState(guard, window);
-    if (state == nullptr)
-        return tdkp::Fail(), nullptr;
-    if (relation == GW_CHILD)
-        return state->children.empty() ? nullptr : state->children.front();
+    if (state == nullptr) return tdkp::Fail(), nullptr;
+    if (relation == GW_CHILD) return state->children.empty() ? nullptr : state->children.front();
     return relation == GW_OWNER ? state->owner : tdkp::Sibling(guard, *state, relation);
 }
 
 // No window of the display; its number is never one of a window.
-TDKP_API HWND GetDesktopWindow() { return tdkp::HandleOf(0x10010); }
+TDKP_API HWND GetDesktopWindow() {
+    return tdkp::HandleOf(0x10010);
+}
 
 TDKP_API HWND GetDlgItem(HWND parent, INT id) {
     DispatcherGuard guard(DispatcherLock());
     const Window* state = FindWindowState(guard, parent);
     for (const HWND child : state != nullptr ? state->children : std::vector<HWND>()) {
-        if (static_cast<INT>(FindWindowState(guard, child)->id) == id)
-            return child;
+        if (static_cast<INT>(FindWindowState(guard, child)->id) == id) return child;
     }
     return tdkp::Fail(), nullptr;
 }
 
-TDKP_API INT GetDlgCtrlID(HWND window) { return static_cast<INT>(GetWindowLongPtrA(window, GWLP_ID)); }
+TDKP_API INT GetDlgCtrlID(HWND window) {
+    return static_cast<INT>(GetWindowLongPtrA(window, GWLP_ID));
+}
 
 TDKP_API DWORD GetWindowThreadProcessId(HWND window, DWORD* process) {
     DispatcherGuard guard(DispatcherLock());
     const Window* state = FindWindowState(guard, window);
-    if (state == nullptr)
-        return tdkp::Fail(), 0;
-    if (process != nullptr)
-        *process = static_cast<DWORD>(getpid());
+    if (state == nullptr) return tdkp::Fail(), 0;
+    if (process != nullptr) *process = static_cast<DWORD>(getpid());
     return state->thread;
 }
 
 TDKP_API BOOL GetClientRect(HWND window, RECT* rect) {
-    if (rect == nullptr)
-        return FALSE;
+    if (rect == nullptr) return FALSE;
     {
         DispatcherGuard guard(DispatcherLock());
         if (const Window* state = FindWindowState(guard, window)) {
@@ -184,8 +171,7 @@ TDKP_API BOOL GetClientRect(HWND window, RECT* rect) {
             return TRUE;
         }
     }
-    if (!tdkp::ScreenRect(window, rect))
-        return tdkp::Fail();
+    if (!tdkp::ScreenRect(window, rect)) return tdkp::Fail();
     OffsetRect(rect, -rect->left, -rect->top);
     return TRUE;
 }
@@ -194,21 +180,23 @@ TDKP_API BOOL GetWindowRect(HWND window, RECT* rect) {
     return rect != nullptr && (tdkp::ScreenRect(window, rect) || tdkp::Fail());
 }
 
-TDKP_API BOOL AdjustWindowRectEx(RECT* rect, DWORD, BOOL, DWORD) { return rect != nullptr; }
-TDKP_API BOOL AdjustWindowRect(RECT* rect, DWORD, BOOL) { return rect != nullptr; }
+TDKP_API BOOL AdjustWindowRectEx(RECT* rect, DWORD, BOOL, DWORD) {
+    return rect != nullptr;
+}
+TDKP_API BOOL AdjustWindowRect(RECT* rect, DWORD, BOOL) {
+    return rect != nullptr;
+}
 
 TDKP_API BOOL ClientToScreen(HWND window, POINT* point) {
     RECT rect;
-    if (point == nullptr || !GetWindowRect(window, &rect))
-        return FALSE;
+    if (point == nullptr || !GetWindowRect(window, &rect)) return FALSE;
     *point = POINT{point->x + rect.left, point->y + rect.top};
     return TRUE;
 }
 
 TDKP_API BOOL ScreenToClient(HWND window, POINT* point) {
     RECT rect;
-    if (point == nullptr || !GetWindowRect(window, &rect))
-        return FALSE;
+    if (point == nullptr || !GetWindowRect(window, &rect)) return FALSE;
     *point = POINT{point->x - rect.left, point->y - rect.top};
     return TRUE;
 }

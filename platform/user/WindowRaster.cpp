@@ -23,8 +23,7 @@ int Subtract(const RECT& piece, const RECT& hole, RECT* parts) {
                            {piece.left, common.bottom, piece.right, piece.bottom}};
     int count = 0;
     for (const RECT& part : around) {
-        if (!IsRectEmpty(&part))
-            parts[count++] = part;
+        if (!IsRectEmpty(&part)) parts[count++] = part;
     }
     return count;
 }
@@ -36,15 +35,13 @@ int ClipOf(const DispatcherGuard& guard, const Window& window, const RECT& all, 
     if ((window.style & WS_CLIPCHILDREN) != 0) {
         for (const HWND handle : window.children) {
             const Window* child = FindWindowState(guard, handle);
-            if (child == nullptr || (child->style & WS_VISIBLE) == 0)
-                continue;
+            if (child == nullptr || (child->style & WS_VISIBLE) == 0) continue;
             std::vector<RECT> next;
             for (const RECT& piece : pieces) {
                 RECT parts[kMaxParts];
                 next.insert(next.end(), parts, parts + Subtract(piece, child->bounds, parts));
             }
-            if (next.size() > WindowRasterLock::kMaxClip)
-                break;
+            if (next.size() > WindowRasterLock::kMaxClip) break;
             pieces.swap(next);
         }
     }
@@ -58,8 +55,7 @@ WindowRasterLock::WindowRasterLock(HWND window) : window_(window) {
     const uint32_t thread = CurrentThreadId();
     DispatcherGuard guard(DispatcherLock());
     Window* state = HoldPicture(guard, window, thread);
-    if (state == nullptr)
-        return;
+    if (state == nullptr) return;
     if (!FitPicture(guard, *state)) {
         LetGoPicture(guard, *state);
         return;
@@ -70,8 +66,7 @@ WindowRasterLock::WindowRasterLock(HWND window) : window_(window) {
 }
 
 WindowRasterLock::~WindowRasterLock() {
-    if (state_ == nullptr)
-        return;
+    if (state_ == nullptr) return;
     Window& state = *static_cast<Window*>(state_);
     const RECT all = {0, 0, raster.width, raster.height};
     RECT damaged;
@@ -91,8 +86,7 @@ void WindowRasterLock::Damage(const RECT& rect) {
 void WindowContextTaken(HWND window) {
     DispatcherGuard guard(DispatcherLock());
     Window* state = FindWindowState(guard, window);
-    if (state == nullptr)
-        return;
+    if (state == nullptr) return;
     if (InsideLayerPaint()) {
         ++state->layerContexts;
         return;
@@ -105,21 +99,21 @@ void WindowContextReturned(HWND window) {
     const uint32_t thread = CurrentThreadId();
     DispatcherGuard guard(DispatcherLock());
     Window* state = FindWindowState(guard, window);
-    if (state == nullptr)
-        return;
+    if (state == nullptr) return;
     int32_t& count = InsideLayerPaint() ? state->layerContexts : state->contexts;
     count = std::max(count - 1, 0);
-    if (state->MayHavePicture() || state->picture.raster.topRow == nullptr)
-        return;
+    if (state->MayHavePicture() || state->picture.raster.topRow == nullptr) return;
     state = HoldPicture(guard, window, thread);
-    if (state == nullptr)
-        return;
-    if (!state->MayHavePicture())
-        DropHeldPicture(guard, *state);
+    if (state == nullptr) return;
+    if (!state->MayHavePicture()) DropHeldPicture(guard, *state);
     LetGoPicture(guard, *state);
 }
 
-PixelFormat DisplayPixelFormat() { return DisplayUse()->Format(); }
-SIZE DisplaySize() { return DisplayUse()->ScreenSize(); }
+PixelFormat DisplayPixelFormat() {
+    return DisplayUse()->Format();
+}
+SIZE DisplaySize() {
+    return DisplayUse()->ScreenSize();
+}
 
 }  // namespace tdkp

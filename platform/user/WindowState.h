@@ -44,9 +44,9 @@ struct Window {
     Display* display = nullptr;
     std::shared_ptr<WindowClass> windowClass;
     uint32_t thread = 0;
-    HWND parent = nullptr;        // of a child inside another window of the layer
+    HWND parent = nullptr;         // of a child inside another window of the layer
     HWND foreignParent = nullptr;  // of a child inside a window that the layer didn't make
-    HWND owner = nullptr;         // of a top-level window
+    HWND owner = nullptr;          // of a top-level window
 
     WNDPROC procedure = nullptr;
     HINSTANCE instance = nullptr;
@@ -71,8 +71,8 @@ struct Window {
     bool hadContext = false;
 
     // Input.
-    uint32_t cursor = 0;           // shape on the display, 0: hidden
-    HWND lastFocus = nullptr;      // of a root: had the focus when the root lost it
+    uint32_t cursor = 0;              // shape on the display, 0: hidden
+    HWND lastFocus = nullptr;         // of a root: had the focus when the root lost it
     RECT displayRect = {0, 0, 0, 0};  // of a top level: what the display reported last
     bool displayRectPending = false;
 
@@ -86,7 +86,11 @@ struct Window {
     RECT Client() const { return RECT{0, 0, Width(), Height()}; }
 };
 
-inline WindowId IdOf(HWND window) { return static_cast<WindowId>(reinterpret_cast<uintptr_t>(window)); }
-inline HWND HandleOf(WindowId id) { return reinterpret_cast<HWND>(static_cast<uintptr_t>(id)); }
+inline WindowId IdOf(HWND window) {
+    return static_cast<WindowId>(reinterpret_cast<uintptr_t>(window));
+}
+inline HWND HandleOf(WindowId id) {
+    return reinterpret_cast<HWND>(static_cast<uintptr_t>(id));
+}
 
 }  // namespace tdkp

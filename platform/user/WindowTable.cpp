@@ -11,12 +11,13 @@ namespace {
 
 struct Table : std::map<HWND, std::unique_ptr<Window>> {};
 
-Table& TheTable() { return Immortal<Table>(); }
+Table& TheTable() {
+    return Immortal<Table>();
+}
 
 void AppendTree(const DispatcherGuard& guard, HWND handle, std::vector<HWND>* list) {
     const Window* window = FindWindowState(guard, handle);
-    if (window == nullptr)
-        return;
+    if (window == nullptr) return;
     list->push_back(handle);
     for (auto child = window->children.rbegin(); child != window->children.rend(); ++child)
         AppendTree(guard, *child, list);
@@ -33,8 +34,7 @@ Window* FindWindowState(const DispatcherGuard&, HWND window) {
 Window* InsertWindow(DispatcherGuard& guard, std::unique_ptr<Window> window) {
     Window* inserted = window.get();
     inserted->windowClass->windows++;
-    if (Window* parent = FindWindowState(guard, inserted->parent))
-        parent->children.push_back(inserted->handle);
+    if (Window* parent = FindWindowState(guard, inserted->parent)) parent->children.push_back(inserted->handle);
     TheTable()[inserted->handle] = std::move(window);
     CountWindow(1);
     return inserted;
@@ -42,10 +42,8 @@ Window* InsertWindow(DispatcherGuard& guard, std::unique_ptr<Window> window) {
 
 void RemoveWindow(DispatcherGuard& guard, HWND handle) {
     Window* window = FindWindowState(guard, handle);
-    if (window == nullptr)
-        return;
-    if (Window* parent = FindWindowState(guard, window->parent))
-        std::erase(parent->children, handle);
+    if (window == nullptr) return;
+    if (Window* parent = FindWindowState(guard, window->parent)) std::erase(parent->children, handle);
     window->windowClass->windows--;
     TheTable().erase(handle);
     CountWindow(-1);
@@ -53,14 +51,12 @@ void RemoveWindow(DispatcherGuard& guard, HWND handle) {
 }
 
 void ForEachWindow(const DispatcherGuard&, const std::function<void(Window&)>& visit) {
-    for (auto& entry : TheTable())
-        visit(*entry.second);
+    for (auto& entry : TheTable()) visit(*entry.second);
 }
 
 Window* RootOf(const DispatcherGuard& guard, Window& window) {
     Window* root = &window;
-    while (Window* parent = FindWindowState(guard, root->parent))
-        root = parent;
+    while (Window* parent = FindWindowState(guard, root->parent)) root = parent;
     return root;
 }
 
@@ -77,16 +73,14 @@ POINT OffsetInRoot(const DispatcherGuard& guard, const Window& window) {
 
 bool IsShown(const DispatcherGuard& guard, const Window& window) {
     const Window* walk = &window;
-    while (walk != nullptr && (walk->style & WS_VISIBLE) != 0)
-        walk = FindWindowState(guard, walk->parent);
+    while (walk != nullptr && (walk->style & WS_VISIBLE) != 0) walk = FindWindowState(guard, walk->parent);
     return walk == nullptr;
 }
 
 bool IsInside(const DispatcherGuard& guard, HWND parent, HWND window) {
     for (const Window* walk = FindWindowState(guard, window); walk != nullptr && walk->parent != nullptr;
          walk = FindWindowState(guard, walk->parent)) {
-        if (walk->parent == parent)
-            return true;
+        if (walk->parent == parent) return true;
     }
     return false;
 }
@@ -94,8 +88,7 @@ bool IsInside(const DispatcherGuard& guard, HWND parent, HWND window) {
 HWND WindowAt(const DispatcherGuard& guard, Window& window, POINT* point) {
     for (const HWND handle : window.children) {
         Window* child = FindWindowState(guard, handle);
-        if (child == nullptr || (child->style & WS_VISIBLE) == 0 || !PtInRect(&child->bounds, *point))
-            continue;
+        if (child == nullptr || (child->style & WS_VISIBLE) == 0 || !PtInRect(&child->bounds, *point)) continue;
         point->x -= child->bounds.left;
         point->y -= child->bounds.top;
         return WindowAt(guard, *child, point);
@@ -109,6 +102,8 @@ std::vector<HWND> TreeOf(const DispatcherGuard& guard, HWND window) {
     return list;
 }
 
-bool AnyWindow(const DispatcherGuard&) { return !TheTable().empty(); }
+bool AnyWindow(const DispatcherGuard&) {
+    return !TheTable().empty();
+}
 
 }  // namespace tdkp

@@ -10,23 +10,20 @@ namespace {
 
 LONG_PTR SwapWord(LONG_PTR* field, const LONG_PTR* value) {
     const LONG_PTR former = *field;
-    if (value != nullptr)
-        *field = *value;
+    if (value != nullptr) *field = *value;
     return former;
 }
 
 LONG_PTR SwapStyle(DWORD* field, const LONG_PTR* value, DWORD kept) {
     const DWORD former = *field;
-    if (value != nullptr)
-        *field = (static_cast<DWORD>(*value) & ~kept) | (former & kept);
+    if (value != nullptr) *field = (static_cast<DWORD>(*value) & ~kept) | (former & kept);
     return static_cast<LONG_PTR>(former);
 }
 
 template <typename Pointer>
 LONG_PTR SwapPointer(Pointer* field, const LONG_PTR* value) {
     const auto former = reinterpret_cast<LONG_PTR>(*field);
-    if (value != nullptr)
-        *field = reinterpret_cast<Pointer>(*value);
+    if (value != nullptr) *field = reinterpret_cast<Pointer>(*value);
     return former;
 }
 
@@ -44,8 +41,7 @@ LONG_PTR SwapExtra(std::vector<uint8_t>& extra, INT offset, const LONG_PTR* valu
     } else {
         std::memcpy(&former, word, size);
     }
-    if (value != nullptr)
-        std::memcpy(word, value, size);
+    if (value != nullptr) std::memcpy(word, value, size);
     return former;
 }
 
@@ -103,8 +99,7 @@ TDKP_API BOOL SetWindowTextA(HWND window, LPCSTR text) {
 }
 
 TDKP_API INT GetWindowTextA(HWND window, LPSTR text, INT size) {
-    if (text == nullptr || size <= 0)
-        return 0;
+    if (text == nullptr || size <= 0) return 0;
     *text = '\0';
     const auto out = reinterpret_cast<LPARAM>(text);
     return static_cast<INT>(SendMessageA(window, WM_GETTEXT, static_cast<WPARAM>(size), out));
@@ -114,4 +109,6 @@ TDKP_API INT GetWindowTextLengthA(HWND window) {
     return static_cast<INT>(SendMessageA(window, WM_GETTEXTLENGTH, 0, 0));
 }
 
-TDKP_API BOOL SetDlgItemTextA(HWND parent, INT id, LPCSTR text) { return SetWindowTextA(GetDlgItem(parent, id), text); }
+TDKP_API BOOL SetDlgItemTextA(HWND parent, INT id, LPCSTR text) {
+    return SetWindowTextA(GetDlgItem(parent, id), text);
+}

@@ -116,9 +116,9 @@ bool CViz::MakeRotateButton(int32_t width, int32_t height) {
         SetWindowPos(standing, nullptr, x, y, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
         return true;
     }
-    const HWND button =
-        CreateWindowExA(0, "button", "Rotate", WS_CHILD | WS_VISIBLE, x, y, kRotateButtonWidth, kRotateButtonHeight, ParentWindow,
-                        reinterpret_cast<HMENU>(static_cast<uintptr_t>(kRotateButtonId)), Module, nullptr);
+    const HWND button = CreateWindowExA(
+        0, "button", "Rotate", WS_CHILD | WS_VISIBLE, x, y, kRotateButtonWidth, kRotateButtonHeight, ParentWindow,
+        reinterpret_cast<HMENU>(static_cast<uintptr_t>(kRotateButtonId)), Module, nullptr);
     RotateButton = button;
     if (!button) return false;
     // The parent gets the button's WM_COMMAND and finds the view here.

@@ -42,7 +42,10 @@ protected:
     ~VizOwner() = default;
 };
 
-class CViz final : public IMPAVizWindow, public IVizClickReceiver, public IVizRightClickReceiver, public PluginUnloader {
+class CViz final : public IMPAVizWindow,
+                   public IVizClickReceiver,
+                   public IVizRightClickReceiver,
+                   public PluginUnloader {
 public:
     CViz(HMODULE module, VizOwner* owner, PluginList* plugins, VizEffectParams* effects, HWND parent);
 
@@ -117,12 +120,12 @@ private:
     void UnloadWaitingPlugins(HWND window);
 
     Relaxed<CVizWindow*> Window;  // owned; published and withdrawn under StateLock
-    Relaxed<VizOwner*> Owner;  // null once the manager has gone
+    Relaxed<VizOwner*> Owner;     // null once the manager has gone
     const HWND ParentWindow;
     const HMODULE Module;
     ReceiverQueue ClickQueue;       // guarded by StateLock
     ReceiverQueue RightClickQueue;  // guarded by StateLock
-    Relaxed<PluginList*> Plugins;  // null once the manager has gone
+    Relaxed<PluginList*> Plugins;   // null once the manager has gone
     Relaxed<CVizPlugin*> CurrentPlugin;
     RefCount References;
     Relaxed<uint32_t> Flags = 0u;
@@ -133,9 +136,9 @@ private:
     Relaxed<bool> Active = false;
     Relaxed<bool> NeedsWindow = true;
     Relaxed<bool> NeedsDestroy = false;
-    bool ShowPending = false;   // guarded by StateLock
-    int32_t PendingWidth = 0;   // guarded by StateLock
-    int32_t PendingHeight = 0;  // guarded by StateLock
+    bool ShowPending = false;                  // guarded by StateLock
+    int32_t PendingWidth = 0;                  // guarded by StateLock
+    int32_t PendingHeight = 0;                 // guarded by StateLock
     const std::shared_ptr<Handle> OutputGone;  // manual-reset
     mutable KVAWinMutex StateLock;
 };

@@ -188,12 +188,12 @@ private:
     Relaxed<uint32_t> RandomSeed = 0u;
     CPluginRetrieverSet Retrievers;
     const HMODULE Module;
-    CNQMapPtrToPtr ConfigReceivers;    // guarded by ReceiversLock
-    CNQMapPtrToPtr Views;              // guarded by ViewsLock; holds the first reference of each view
-    Relaxed<PluginList*> Plugins;      // of the first retriever; null until EnsurePluginList
+    CNQMapPtrToPtr ConfigReceivers;  // guarded by ReceiversLock
+    CNQMapPtrToPtr Views;            // guarded by ViewsLock; holds the first reference of each view
+    Relaxed<PluginList*> Plugins;    // of the first retriever; null until EnsurePluginList
     Relaxed<bool> PluginListReady = false;
-    CNQMapPtrToPtr ListReceivers;      // guarded by ReceiversLock
-    CNQMapStringToPtr PluginsByPath;   // guarded by Mutex
+    CNQMapPtrToPtr ListReceivers;     // guarded by ReceiversLock
+    CNQMapStringToPtr PluginsByPath;  // guarded by Mutex
     Relaxed<uint32_t> FramePeriod = 50u;
     Relaxed<uint32_t> FrameRate = 20u;
     Relaxed<bool> EffectsOn = false;
@@ -202,9 +202,9 @@ private:
     CNQString CurrentPluginPath;       // guarded by pathLock_
     ManagerOwner* const Owner;
 
-    bool listBuilding_ = false;         // guarded by listLock_
-    ViewList retired_;                  // guarded by ViewsLock; views whose windows the worker still has to destroy
-    ViewList frameViews_;               // the worker's own
+    bool listBuilding_ = false;  // guarded by listLock_
+    ViewList retired_;           // guarded by ViewsLock; views whose windows the worker still has to destroy
+    ViewList frameViews_;        // the worker's own
     // Cleared by a frame that finds no visible view, so that a hidden view costs no frames. In order with
     // CViz::Visible, hence not relaxed.
     std::atomic<bool> somethingToShow_{false};

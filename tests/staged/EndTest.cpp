@@ -60,6 +60,7 @@ TEST(End, SizesThatNoWindowCanHaveAreCut) {
     ASSERT_TRUE(view);
     host.StartDevice(100, 441);
     host.SetState(kEngineStatePlaying);
+    host.Advance(20);
     const HWND window = FindWindowExA(host.Parent(), nullptr, "TDVisualizationClass", nullptr);
     const struct {
         int width, height;
