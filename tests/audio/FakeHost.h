@@ -1,31 +1,15 @@
 // A host as small as the audio room needs it: context, player, engine with delay, hook service, buffers.
 #pragma once
 
-#include <atomic>
 #include <cstdint>
-#include <cstring>
 #include <functional>
 #include <vector>
 
 #include <tdkviz/host.h>
 
+#include "tests/support/TestObjects.h"
+
 namespace tdkviz::test {
-
-// Lives on the test's stack; counts references for the checks only.
-template <typename Interface>
-struct StackObject : Interface {
-    HRESULT QueryInterface(const GUID& id, void** out) override {
-        *out = Find(id);
-        if (!*out) return E_NOINTERFACE;
-        static_cast<IUnknown*>(*out)->AddRef();
-        return S_OK;
-    }
-    ULONG AddRef() override { return static_cast<ULONG>(++References); }
-    ULONG Release() override { return static_cast<ULONG>(--References); }
-    virtual IUnknown* Find(const GUID&) { return nullptr; }
-
-    std::atomic<int> References{0};
-};
 
 struct FakeDelay : StackObject<IKVAAudioDelay> {
     HRESULT GetConfiguredDelay(uint32_t* milliseconds) override {
@@ -93,22 +77,6 @@ struct FakeContext : StackObject<IUnknown> {
     bool HasAudioService = true;
     FakeAudioService AudioService;
     FakePlayer Player;
-};
-
-// A view of bytes that the test owns.
-struct FakeBuffer : StackObject<IKVABuffer> {
-    FakeBuffer(const void* data, size_t size) : Data(const_cast<void*>(data)), Size(static_cast<uint32_t>(size)) {}
-    HRESULT GetContents(void** data, uint32_t* size) override {
-        *data = Data;
-        *size = Size;
-        return S_OK;
-    }
-    HRESULT SetContents(const void*, uint32_t) override { return E_FAIL; }
-    HRESULT SetSize(uint32_t) override { return E_FAIL; }
-    uint32_t GetSize() override { return Size; }
-    void* GetBuffer() override { return Data; }
-    void* Data;
-    uint32_t Size;
 };
 
 inline void Deliver(IKVAAudioHook& hook, const void* data, size_t size) {

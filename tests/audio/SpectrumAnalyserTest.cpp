@@ -80,10 +80,6 @@ TEST(SpectrumAnalyser, LoudnessScale) {
     const std::pair<float, int> cases[] = {{0.0F, 0},   {1.0F, 0},    {3162.0F, 0},  {10000.0F, 20},
                                            {1e8F, 180}, {1e10F, 255}, {7.9e9F, 255}, {4e12F, 255}};
     for (const auto& [energy, loudness] : cases) EXPECT_EQ(LoudnessOfEnergy(energy), loudness) << energy;
-    for (double energy = 1; energy < 1e10; energy *= 1.013) {
-        const int expected = std::clamp(static_cast<int>(2 * (20 * std::log10(energy) - 70)), 0, 255);
-        EXPECT_NEAR(LoudnessOfEnergy(static_cast<float>(energy)), expected, 2) << energy;
-    }
 }
 
 TEST(SpectrumAnalyser, AnySplitIntoCallsGivesTheSamePairs) {
@@ -124,16 +120,6 @@ TEST(SpectrumAnalyser, RestartsOnAnyChangeAndForgetsThePartialBlock) {
     EXPECT_TRUE(isSilent());
     analyser.Analyse(loud.data(), 256, kRate + 1);
     EXPECT_FALSE(isSilent());
-    SetAnalysisFrameRate(kDefaultFrameRate);
-}
-
-TEST(FrameRate, IsLimited) {
-    const std::pair<uint32_t, uint32_t> cases[] = {{0, 10}, {5, 10}, {10, 10}, {24, 24}, {30, 30}, {31, 30}, {~0u, 30}};
-    EXPECT_EQ(GetAnalysisFrameRate(), 20u);
-    for (const auto& [set, stored] : cases) {
-        SetAnalysisFrameRate(set);
-        EXPECT_EQ(GetAnalysisFrameRate(), stored);
-    }
     SetAnalysisFrameRate(kDefaultFrameRate);
 }
 

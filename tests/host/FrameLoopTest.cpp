@@ -99,15 +99,5 @@ TEST_F(FrameLoop, HangingFrameIsFollowedByOne) {
     EXPECT_EQ(Frames(), (Times{50, 5060, 5100})) << "the frame that stayed requested, then the schedule";
 }
 
-TEST_F(FrameLoop, WorkerStopsAndStartsAgain) {
-    EXPECT_EQ(worker_.Start(), S_OK);
-    EXPECT_TRUE(worker_.IsRunning());
-    EXPECT_TRUE(worker_.Stop());
-    EXPECT_FALSE(worker_.IsRunning());
-    EXPECT_EQ(worker_.Start(), S_OK);
-    worker_.RunFrameAndWait();
-    EXPECT_EQ(Frames().size(), 1u);
-}
-
 }  // namespace
 }  // namespace tdkviz

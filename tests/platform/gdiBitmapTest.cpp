@@ -27,26 +27,6 @@ TEST(Bitmap, PositiveHeightIsBottomUp) {
     }
 }
 
-TEST(Bitmap, RowsAreAsLongAsTheirKindSays) {
-    struct Case {
-        Form form;
-        int width, bytes;
-    };
-    for (const Case& one : {Case{k8, 5, 8}, Case{k24, 5, 16}, Case{k565, 3, 8}, Case{k555, 4, 8}}) {
-        Surface surface(one.form, one.width, 2);
-        BITMAP description;
-        ASSERT_EQ(static_cast<int>(sizeof(description)), GetObjectA(surface.bitmap, sizeof(description), &description));
-        EXPECT_EQ(one.bytes, description.bmWidthBytes) << one.form;
-    }
-    const HBITMAP bitmap = CreateBitmap(5, 2, 1, 8, nullptr);
-    BITMAP description;
-    EXPECT_EQ(static_cast<int>(sizeof(description)), GetObjectA(bitmap, 0, nullptr));
-    GetObjectA(bitmap, sizeof(description), &description);
-    EXPECT_EQ(6, description.bmWidthBytes);
-    EXPECT_EQ(nullptr, description.bmBits);
-    DeleteObject(bitmap);
-}
-
 TEST(Bitmap, SectionsShareTheBytesOfTheirMapping) {
     const HANDLE mapping = CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 20000, nullptr);
     ASSERT_NE(nullptr, mapping);
@@ -54,12 +34,10 @@ TEST(Bitmap, SectionsShareTheBytesOfTheirMapping) {
     void *first = nullptr, *second = nullptr;
     const HBITMAP whole = CreateDIBSection(nullptr, info.Info(), DIB_RGB_COLORS, &first, mapping, 0);
     const HBITMAP shifted = CreateDIBSection(nullptr, info.Info(), DIB_RGB_COLORS, &second, mapping, 8);
-    ASSERT_NE(nullptr, whole);
-    ASSERT_NE(nullptr, shifted);
     // An offset behind the first page, and the last bytes of the mapping.
     void* distant = nullptr;
     const HBITMAP last = CreateDIBSection(nullptr, info.Info(), DIB_RGB_COLORS, &distant, mapping, 20000 - 64);
-    EXPECT_NE(nullptr, last);
+    ASSERT_TRUE(whole && shifted && last);
     static_cast<uint32_t*>(distant)[15] = 5;
     static_cast<uint32_t*>(first)[3] = 0x123456;
     EXPECT_EQ(0x123456u, static_cast<uint32_t*>(second)[1]);
@@ -79,9 +57,7 @@ TEST(Bitmap, SectionsShareTheBytesOfTheirMapping) {
     CloseHandle(mapping);
     static_cast<uint32_t*>(first)[3] = 7;
     EXPECT_EQ(7u, static_cast<uint32_t*>(second)[1]);
-    DeleteObject(whole);
-    DeleteObject(shifted);
-    DeleteObject(last);
+    for (const HBITMAP bitmap : {whole, shifted, last}) EXPECT_TRUE(DeleteObject(bitmap));
     DeleteDC(dc);
 }
 
@@ -110,35 +86,9 @@ TEST(Bitmap, HeadersThatDescribeNothingAreRefused) {
     EXPECT_EQ(nullptr, CreateBitmap(-1, 4, 1, 32, nullptr));
 }
 
-TEST(Bitmap, GetDIBitsConvertsAndTurnsOver) {
-    const HDC screen = GetDC(nullptr);
-    for (const Form& form : kForms) {
-        Surface from(form, 5, -4);
-        from.FillWithNoise(8);
-        SelectObject(from.dc, CreateBitmap(1, 1, 1, 1, nullptr));
-        for (const Form& toForm : {k32, k24, k555}) {
-            for (const int height : {4, -4}) {
-                Surface model(toForm, 5, height), to(toForm, 5, height);
-                for (int y = 0; y < 4; ++y) {
-                    for (int x = 0; x < 5; ++x)
-                        model.SetRaw(x, y, toForm.name == form.name ? from.Raw(x, y) : model.RawOf(from.Color(x, y)));
-                }
-                Header info = MakeHeader(toForm, 5, height);
-                BITMAP description;
-                GetObjectA(to.bitmap, sizeof(description), &description);
-                EXPECT_EQ(4, GetDIBits(screen, from.bitmap, 0, 4, description.bmBits, info.Info(), DIB_RGB_COLORS));
-                EXPECT_EQ("", FirstDifference(to, model.Picture())) << form << " to " << toForm << " " << height;
-            }
-        }
-        DeleteObject(SelectObject(from.dc, from.bitmap));
-    }
-    ReleaseDC(nullptr, screen);
-}
-
 TEST(Bitmap, GetDIBitsGivesTheLinesAskedFor) {
     Surface from(k32, 2, 6);
-    for (int y = 0; y < 6; ++y)
-        from.SetRaw(0, y, static_cast<uint32_t>(y));
+    for (int y = 0; y < 6; ++y) from.SetRaw(0, y, static_cast<uint32_t>(y));
     Header info = MakeHeader(k32, 2, 6);
     uint32_t lines[2 * 6] = {};
     // Line 0 is the bottom one.
@@ -149,18 +99,6 @@ TEST(Bitmap, GetDIBitsGivesTheLinesAskedFor) {
     EXPECT_EQ(2, GetDIBits(from.dc, from.bitmap, 4, 100, lines, info.Info(), DIB_RGB_COLORS));
     EXPECT_EQ(0, GetDIBits(from.dc, from.bitmap, 6, 1, lines, info.Info(), DIB_RGB_COLORS));
     EXPECT_EQ(0, GetDIBits(from.dc, nullptr, 0, 1, lines, info.Info(), DIB_RGB_COLORS));
-}
-
-TEST(Bitmap, ColourTablesCanBeReadAndChanged) {
-    Surface surface(k8, 4, 1);
-    surface.SetRaw(2, 0, 17);
-    const RGBQUAD blue = {200, 0, 0, 0};
-    EXPECT_EQ(1u, SetDIBColorTable(surface.dc, 17, 1, &blue));
-    EXPECT_EQ(RGB(0, 0, 200), GetPixel(surface.dc, 2, 0));
-    RGBQUAD colors[256];
-    EXPECT_EQ(256u, GetDIBColorTable(surface.dc, 0, 300, colors));
-    EXPECT_EQ(200, colors[17].rgbBlue);
-    EXPECT_EQ(0u, GetDIBColorTable(surface.dc, 256, 1, colors));
 }
 
 TEST(Handles, ABitmapIsInOneContextAndStaysWhileItIs) {
@@ -192,17 +130,6 @@ TEST(Handles, OldHandlesDontMeanNewObjects) {
     EXPECT_EQ(static_cast<int>(sizeof(description)), GetObjectA(second, sizeof(description), &description));
     EXPECT_EQ(2u, description.lbColor);
     DeleteObject(second);
-}
-
-TEST(Handles, StockObjectsAreAlwaysTheSameAndStay) {
-    for (const int index : {WHITE_BRUSH, BLACK_BRUSH, NULL_BRUSH, BLACK_PEN, NULL_PEN, SYSTEM_FONT, DEFAULT_GUI_FONT}) {
-        const HGDIOBJ object = GetStockObject(index);
-        ASSERT_NE(nullptr, object) << index;
-        DeleteObject(object);
-        EXPECT_EQ(object, GetStockObject(index));
-        EXPECT_NE(0, GetObjectA(object, 0, nullptr)) << index;
-    }
-    EXPECT_EQ(nullptr, GetStockObject(99));
 }
 
 TEST(Handles, SomethingSelectedWorksAfterItsDeletion) {

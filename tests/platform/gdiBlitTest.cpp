@@ -32,15 +32,12 @@ std::vector<uint32_t> ModelCopy(const Surface& to, const Rect& toRect, const Sur
     std::vector<uint32_t> picture = to.Picture();
     for (int y = 0; y < to.height; ++y) {
         for (int x = 0; x < to.width; ++x) {
-            if (!Covers(x, toRect.x, toRect.width) || !Covers(y, toRect.y, toRect.height))
-                continue;
+            if (!Covers(x, toRect.x, toRect.width) || !Covers(y, toRect.y, toRect.height)) continue;
             const int sx = SourceOf(x, toRect.x, toRect.width, fromRect.x, fromRect.width);
             const int sy = SourceOf(y, toRect.y, toRect.height, fromRect.y, fromRect.height);
-            if (sx < 0 || sy < 0 || sx >= from.width || sy >= from.height)
-                continue;
+            if (sx < 0 || sy < 0 || sx >= from.width || sy >= from.height) continue;
             uint32_t raw = to.RawOf(from.Color(sx, sy));
-            if (to.form.name == from.form.name)
-                raw = from.Raw(sx, sy);
+            if (to.form.name == from.form.name) raw = from.Raw(sx, sy);
             picture[static_cast<size_t>(y * to.width + x)] = raw;
         }
     }
@@ -68,8 +65,8 @@ TEST_P(BetweenForms, EveryPixelArrivesAndNoOther) {
         to.FillWithNoise(2);
         const std::vector<uint32_t> expected = ModelCopy(to, toRect, from, fromRect);
         SetStretchBltMode(to.dc, COLORONCOLOR);
-        EXPECT_TRUE(StretchBlt(to.dc, toRect.x, toRect.y, toRect.width, toRect.height, from.dc, fromRect.x,
-                               fromRect.y, fromRect.width, fromRect.height, SRCCOPY));
+        EXPECT_TRUE(StretchBlt(to.dc, toRect.x, toRect.y, toRect.width, toRect.height, from.dc, fromRect.x, fromRect.y,
+                               fromRect.width, fromRect.height, SRCCOPY));
         EXPECT_EQ("", FirstDifference(to, expected)) << toRect.x << " " << toRect.width << " " << fromRect.width;
     }
 }
@@ -109,8 +106,7 @@ TEST(Blit, RasterOperationsFollowTheirTruthTable) {
             const uint32_t mask = static_cast<uint32_t>((uint64_t{1} << form.bits) - 1);
             std::vector<uint32_t> expected = to.Picture();
             for (int x = 2; x < 15; ++x)
-                expected[static_cast<size_t>(17 + x)] =
-                    one.model(pattern, from.Raw(x - 1, 2), to.Raw(x, 1)) & mask;
+                expected[static_cast<size_t>(17 + x)] = one.model(pattern, from.Raw(x - 1, 2), to.Raw(x, 1)) & mask;
             EXPECT_TRUE(BitBlt(to.dc, 2, 1, 13, 1, from.dc, 1, 2, one.operation));
             EXPECT_EQ("", FirstDifference(to, expected)) << form << " " << std::hex << one.operation;
             SelectObject(to.dc, former);
@@ -155,50 +151,6 @@ TEST(Blit, NothingComesOfExtentsThatReachNowhere) {
     EXPECT_EQ("", FirstDifference(to, before));
     EXPECT_FALSE(BitBlt(nullptr, 0, 0, 4, 4, from.dc, 0, 0, SRCCOPY));
     EXPECT_FALSE(BitBlt(to.dc, 0, 0, 4, 4, nullptr, 0, 0, SRCCOPY));
-}
-
-TEST(Blit, OneBitTakesTheContextsColours) {
-    Surface to(k32, 16, 1), from(k32, 16, 1);
-    const uint8_t bits[] = {0xA5, 0x0F};
-    const HDC monoDc = CreateCompatibleDC(nullptr);
-    const HBITMAP mono = CreateBitmap(16, 1, 1, 1, bits);
-    const HGDIOBJ former = SelectObject(monoDc, mono);
-    SetTextColor(to.dc, RGB(1, 2, 3));
-    SetBkColor(to.dc, RGB(200, 100, 50));
-    BitBlt(to.dc, 0, 0, 16, 1, monoDc, 0, 0, SRCCOPY);
-    for (int x = 0; x < 16; ++x)
-        EXPECT_EQ((bits[x / 8] >> (7 - x % 8) & 1) != 0 ? 0xC86432u : 0x010203u, to.Color(x, 0)) << x;
-    // Back again: the background colour of the source's context is what gives a set bit.
-    from.FillWithNoise(3);
-    from.SetRaw(5, 0, 0x00FF00);
-    SetBkColor(from.dc, RGB(0, 255, 0));
-    BitBlt(monoDc, 0, 0, 16, 1, from.dc, 0, 0, SRCCOPY);
-    for (int x = 0; x < 16; ++x)
-        EXPECT_EQ(x == 5 ? RGB(255, 255, 255) : RGB(0, 0, 0), GetPixel(monoDc, x, 0)) << x;
-    SelectObject(monoDc, former);
-    DeleteObject(mono);
-    DeleteDC(monoDc);
-}
-
-TEST(Blit, MemoryOfTheCallerAsSource) {
-    for (const Form& form : kForms) {
-        for (const int signedHeight : {6, -6}) {
-            Surface from(form, 7, signedHeight), to(k32, 20, 20);
-            from.FillWithNoise(4);
-            Header info = MakeHeader(form, 7, signedHeight);
-            BITMAP description;
-            GetObjectA(from.bitmap, sizeof(description), &description);
-            // The y of a bottom-up source counts from its bottom row.
-            const int top = 1, fromY = signedHeight > 0 ? 6 - (top + 4) : top;
-            std::vector<uint32_t> expected = ModelCopy(to, {2, 3, 10, 8}, from, {1, top, 5, 4});
-            StretchDIBits(to.dc, 2, 3, 10, 8, 1, fromY, 5, 4, description.bmBits, info.Info(), DIB_RGB_COLORS,
-                          SRCCOPY);
-            EXPECT_EQ("", FirstDifference(to, expected)) << form << signedHeight;
-            expected = ModelCopy(to, {12, 12, 5, 4}, from, {1, top, 5, 4});
-            SetDIBitsToDevice(to.dc, 12, 12, 5, 4, 1, fromY, 0, 6, description.bmBits, info.Info(), DIB_RGB_COLORS);
-            EXPECT_EQ("", FirstDifference(to, expected)) << form << signedHeight;
-        }
-    }
 }
 
 }  // namespace

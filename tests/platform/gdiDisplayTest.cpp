@@ -1,12 +1,11 @@
 // Drawing and the display: what its depth makes of answers and pictures. On displays in memory of every depth.
 #include <gtest/gtest.h>
-#include <tdkplatform.h>
 #include <windows.h>
 
 #include <cstring>
-#include <vector>
 
 #include "tests/platform/gdiSupport.h"
+#include "tests/support/Picture.h"
 
 namespace {
 
@@ -48,13 +47,7 @@ public:
     Window(const Window&) = delete;
     Window& operator=(const Window&) = delete;
 
-    uint32_t Seen(int x, int y) const {
-        std::vector<DWORD> pixels(40 * 30);
-        int width = 0, height = 0;
-        if (!TdkpReadWindow(handle, pixels.data(), static_cast<int>(pixels.size()), &width, &height) || x >= width)
-            return 0xFFFFFFFF;
-        return pixels[static_cast<size_t>(y * width + x)];
-    }
+    uint32_t Seen(int x, int y) const { return tdkviz::test::Picture(handle).At(x, y); }
 
     HWND handle;
     HDC dc;
@@ -80,8 +73,7 @@ TEST_P(OnDisplay, TellsItsFormat) {
     EXPECT_EQ(GetParam().compression, info.header.biCompression);
     EXPECT_EQ(1, info.header.biWidth);
     EXPECT_EQ(1, info.header.biHeight);
-    for (int i = 0; i < 3 && GetParam().compression == BI_BITFIELDS; ++i)
-        EXPECT_EQ(GetParam().masks[i], info.masks[i]);
+    for (int i = 0; i < 3 && GetParam().compression == BI_BITFIELDS; ++i) EXPECT_EQ(GetParam().masks[i], info.masks[i]);
     DeleteObject(bitmap);
     DeleteDC(screen);
 }
@@ -92,8 +84,7 @@ TEST_P(OnDisplay, ShowsWhatIsBlittedToAWindow) {
     picture.FillWithNoise(3);
     // Colours that every depth can show.
     const COLORREF colors[] = {RGB(0, 0, 0), RGB(255, 255, 255), RGB(255, 0, 0), RGB(0, 255, 0), RGB(0, 0, 255)};
-    for (int i = 0; i < 5; ++i)
-        SetPixel(picture.dc, 10 + i, 7, colors[i]);
+    for (int i = 0; i < 5; ++i) SetPixel(picture.dc, 10 + i, 7, colors[i]);
     EXPECT_TRUE(BitBlt(window.dc, 0, 0, 40, 30, picture.dc, 0, 0, SRCCOPY));
     for (int i = 0; i < 5; ++i) {
         EXPECT_EQ(picture.Color(10 + i, 7), window.Seen(10 + i, 7)) << i;
@@ -102,24 +93,7 @@ TEST_P(OnDisplay, ShowsWhatIsBlittedToAWindow) {
     EXPECT_EQ(CLR_INVALID, GetPixel(window.dc, 40, 7));
     // Part of the window to another place of it, the old and the new one overlapping.
     EXPECT_TRUE(BitBlt(window.dc, 12, 8, 20, 20, window.dc, 10, 7, SRCCOPY));
-    for (int i = 0; i < 5; ++i)
-        EXPECT_EQ(picture.Color(10 + i, 7), window.Seen(12 + i, 8)) << i;
-}
-
-TEST_P(OnDisplay, CompatibleBitmapsKeepTheWindowsColours) {
-    Window window;
-    const HDC memory = CreateCompatibleDC(window.dc);
-    const HBITMAP bitmap = CreateCompatibleBitmap(window.dc, 40, 30);
-    const HGDIOBJ former = SelectObject(memory, bitmap);
-    const RECT all = {0, 0, 40, 30};
-    const HBRUSH brush = CreateSolidBrush(RGB(200, 120, 40));
-    FillRect(memory, &all, brush);
-    BitBlt(window.dc, 0, 0, 40, 30, memory, 0, 0, SRCCOPY);
-    EXPECT_EQ(GetPixel(memory, 3, 3), GetPixel(window.dc, 3, 3));
-    DeleteObject(brush);
-    SelectObject(memory, former);
-    DeleteObject(bitmap);
-    DeleteDC(memory);
+    for (int i = 0; i < 5; ++i) EXPECT_EQ(picture.Color(10 + i, 7), window.Seen(12 + i, 8)) << i;
 }
 
 INSTANTIATE_TEST_SUITE_P(Depths, OnDisplay,
@@ -164,23 +138,6 @@ TEST(WindowContext, OutlivesItsWindowWithoutDrawing) {
     EXPECT_EQ(CLR_INVALID, SetPixel(dc, 0, 0, 1));
     EXPECT_EQ(1, ReleaseDC(other, dc));
     EXPECT_EQ(nullptr, GetDC(other));
-}
-
-TEST(WindowContext, EverythingThatIsMadeIsCountedUntilItGoes) {
-    TdkpCounts before, during, after;
-    GetStockObject(BLACK_BRUSH);
-    TdkpCount(&before);
-    {
-        Surface surface(k32, 4, 4);
-        const HPEN pen = CreatePen(PS_SOLID, 1, 0);
-        const HDC screen = GetDC(nullptr);
-        TdkpCount(&during);
-        ReleaseDC(nullptr, screen);
-        DeleteObject(pen);
-    }
-    TdkpCount(&after);
-    EXPECT_EQ(before.gdiObjects + 4, during.gdiObjects);
-    EXPECT_EQ(before.gdiObjects, after.gdiObjects);
 }
 
 }  // namespace

@@ -20,7 +20,9 @@ struct Form {
     DWORD masks[3];
 };
 
-inline std::ostream& operator<<(std::ostream& out, const Form& form) { return out << form.name; }
+inline std::ostream& operator<<(std::ostream& out, const Form& form) {
+    return out << form.name;
+}
 
 constexpr Form k8{"8", 8, BI_RGB, {}};
 constexpr Form k555{"555", 16, BI_RGB, {}};
@@ -49,8 +51,7 @@ inline Header MakeHeader(const Form& form, int width, int height) {
     info.header.biPlanes = 1;
     info.header.biBitCount = static_cast<WORD>(form.bits);
     info.header.biCompression = form.compression;
-    if (form.compression == BI_BITFIELDS)
-        std::memcpy(info.masks, form.masks, sizeof(form.masks));
+    if (form.compression == BI_BITFIELDS) std::memcpy(info.masks, form.masks, sizeof(form.masks));
     // Colours that no arithmetic order follows.
     for (int i = 0; form.bits == 8 && i < 256; ++i)
         info.colors[i] = {static_cast<BYTE>(i * 7), static_cast<BYTE>(i * 77), static_cast<BYTE>(i * 151), 0};
@@ -92,25 +93,18 @@ public:
     uint32_t Color(int x, int y) const { return ColorOf(Raw(x, y)); }
     uint32_t ColorOf(uint32_t raw) const {
         const auto five = [&](int shift) { return (raw >> shift & 31) << 3 | (raw >> shift & 31) >> 2; };
-        if (form.bits == 8)
-            return PaletteColor(raw);
-        if (form.bits == 16 && form.compression == BI_RGB)
-            return five(10) << 16 | five(5) << 8 | five(0);
-        if (form.bits == 16)
-            return five(11) << 16 | ((raw >> 5 & 63) << 2 | (raw >> 5 & 63) >> 4) << 8 | five(0);
-        if (form.compression == BI_BITFIELDS)
-            return (raw & 0xFF) << 16 | (raw & 0xFF00) | (raw >> 16 & 0xFF);
+        if (form.bits == 8) return PaletteColor(raw);
+        if (form.bits == 16 && form.compression == BI_RGB) return five(10) << 16 | five(5) << 8 | five(0);
+        if (form.bits == 16) return five(11) << 16 | ((raw >> 5 & 63) << 2 | (raw >> 5 & 63) >> 4) << 8 | five(0);
+        if (form.compression == BI_BITFIELDS) return (raw & 0xFF) << 16 | (raw & 0xFF00) | (raw >> 16 & 0xFF);
         return raw & 0xFFFFFF;
     }
     // What a colour is stored as.
     uint32_t RawOf(uint32_t color) const {
         const uint32_t red = color >> 16 & 0xFF, green = color >> 8 & 0xFF, blue = color & 0xFF;
-        if (form.bits == 8)
-            return Nearest(color);
-        if (form.bits == 16 && form.compression == BI_RGB)
-            return red >> 3 << 10 | green >> 3 << 5 | blue >> 3;
-        if (form.bits == 16)
-            return red >> 3 << 11 | green >> 2 << 5 | blue >> 3;
+        if (form.bits == 8) return Nearest(color);
+        if (form.bits == 16 && form.compression == BI_RGB) return red >> 3 << 10 | green >> 3 << 5 | blue >> 3;
+        if (form.bits == 16) return red >> 3 << 11 | green >> 2 << 5 | blue >> 3;
         return form.compression == BI_BITFIELDS ? blue << 16 | green << 8 | red : color;
     }
 
@@ -126,8 +120,7 @@ public:
     std::vector<uint32_t> Picture() const {
         std::vector<uint32_t> all;
         for (int y = 0; y < height; ++y) {
-            for (int x = 0; x < width; ++x)
-                all.push_back(Raw(x, y));
+            for (int x = 0; x < width; ++x) all.push_back(Raw(x, y));
         }
         return all;
     }

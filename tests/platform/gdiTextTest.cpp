@@ -29,8 +29,7 @@ public:
         for (int y = 0; y < height; ++y) {
             for (int x = 0; x < width; ++x) {
                 const size_t i = static_cast<size_t>(y * width + x);
-                if (picture[i] == empty_[i])
-                    continue;
+                if (picture[i] == empty_[i]) continue;
                 ink = {std::min<LONG>(ink.left, x), std::min<LONG>(ink.top, y), std::max<LONG>(ink.right, x + 1),
                        std::max<LONG>(ink.bottom, y + 1)};
             }
@@ -65,23 +64,6 @@ TEST(Text, HasItsInkInsideOfWhatItMeasures) {
     }
 }
 
-TEST(Text, MetricsFitTheFontAskedFor) {
-    Page page;
-    for (const int height : {-30, -12, 40}) {
-        const HFONT font = CreateFontA(height, 0, 0, 0, FW_NORMAL, 0, 0, 0, DEFAULT_CHARSET, 0, 0, 0, 0, "");
-        const HGDIOBJ former = SelectObject(page.dc, font);
-        TEXTMETRICA metrics;
-        ASSERT_TRUE(GetTextMetricsA(page.dc, &metrics));
-        EXPECT_EQ(metrics.tmHeight, metrics.tmAscent + metrics.tmDescent);
-        EXPECT_EQ(metrics.tmHeight, page.Measure("x").cy);
-        const int measured = height < 0 ? metrics.tmHeight - metrics.tmInternalLeading : metrics.tmHeight;
-        EXPECT_NEAR(std::abs(height), measured, 1);
-        EXPECT_GT(metrics.tmAveCharWidth, 0);
-        SelectObject(page.dc, former);
-        DeleteObject(font);
-    }
-}
-
 TEST(Text, StandsWhereDrawTextIsToldTo) {
     struct Case {
         const char* name;
@@ -109,47 +91,6 @@ TEST(Text, StandsWhereDrawTextIsToldTo) {
     }
 }
 
-TEST(Text, IsCutAtTheRectangleUnlessToldNotTo) {
-    Page clipped, free;
-    RECT rect = {10, 10, 30, 16};
-    DrawTextA(clipped.dc, "wide text", -1, &rect, DT_SINGLELINE);
-    DrawTextA(free.dc, "wide text", -1, &rect, DT_SINGLELINE | DT_NOCLIP);
-    EXPECT_LE(clipped.Ink().right, 30);
-    EXPECT_LE(clipped.Ink().bottom, 16);
-    EXPECT_GT(free.Ink().right, 30);
-    EXPECT_GT(free.Ink().bottom, 16);
-}
-
-TEST(Text, EllipsisStandsForWhatDoesntFit) {
-    Page page;
-    const SIZE whole = page.Measure("A rather long title");
-    RECT rect = {0, 0, whole.cx - 10, 40};
-    DrawTextA(page.dc, "A rather long title", -1, &rect, DT_SINGLELINE | DT_END_ELLIPSIS);
-    const RECT ink = page.Ink();
-    EXPECT_LE(ink.right, whole.cx - 10);
-    EXPECT_GT(ink.right, whole.cx - 10 - page.Measure("le...").cx);
-    // Exactly enough room: nothing is left out.
-    Page exact, plain;
-    rect = {0, 0, whole.cx, 40};
-    DrawTextA(exact.dc, "A rather long title", -1, &rect, DT_SINGLELINE | DT_END_ELLIPSIS);
-    DrawTextA(plain.dc, "A rather long title", -1, &rect, DT_SINGLELINE);
-    EXPECT_EQ("", FirstDifference(exact, plain.Picture()));
-}
-
-TEST(Text, CalcRectMeasuresAndDrawsNothing) {
-    Page page;
-    RECT rect = {10, 20, 11, 21};
-    const int height = DrawTextA(page.dc, "one\nlonger line\r\nthree", -1, &rect, DT_CALCRECT);
-    EXPECT_EQ(3 * page.Measure("x").cy, height);
-    EXPECT_EQ(10 + page.Measure("longer line").cx, rect.right);
-    EXPECT_EQ(20 + height, rect.bottom);
-    EXPECT_EQ(10, rect.left);
-    EXPECT_FALSE(page.HasInk());
-    rect = {0, 0, page.Measure("aaa bbb").cx, 1};
-    EXPECT_EQ(2 * page.Measure("x").cy, DrawTextA(page.dc, "aaa bbb ccc", -1, &rect, DT_CALCRECT | DT_WORDBREAK));
-    EXPECT_EQ(page.Measure("aaa bbb").cx, rect.right);
-}
-
 TEST(Text, PrefixesUnderlineAndDontShow) {
     Page prefixed, plain, literal;
     RECT rect = {0, 0, 200, 60};
@@ -160,8 +101,7 @@ TEST(Text, PrefixesUnderlineAndDontShow) {
     int underlined = 0;
     for (int y = 0; y < 60; ++y) {
         for (int x = 0; x < 200; ++x) {
-            if (prefixed.Raw(x, y) == plain.Raw(x, y))
-                continue;
+            if (prefixed.Raw(x, y) == plain.Raw(x, y)) continue;
             ++underlined;
             EXPECT_GE(x, before - 1);
             EXPECT_LE(x, before + width + 1);
@@ -171,22 +111,10 @@ TEST(Text, PrefixesUnderlineAndDontShow) {
     EXPECT_GT(literal.Ink().right, literal.Measure("Save").cx);
 }
 
-TEST(Text, OpaqueGroundCoversTheCell) {
-    Page page;
-    SetBkMode(page.dc, OPAQUE);
-    SetBkColor(page.dc, RGB(0, 0, 200));
-    const SIZE size = page.Measure("i i");
-    TextOutA(page.dc, 10, 10, "i i", 3);
-    EXPECT_EQ(0x0000C8u, page.Color(10 + size.cx / 2, 10 + size.cy - 1));
-    EXPECT_EQ(0u, page.Color(10 + size.cx / 2, 10 + size.cy));
-    EXPECT_EQ(0u, page.Color(9, 12));
-}
-
 TEST(Text, AnyBytesAreTaken) {
     Page page;
     std::string all;
-    for (int byte = 1; byte < 256; ++byte)
-        all += static_cast<char>(byte);
+    for (int byte = 1; byte < 256; ++byte) all += static_cast<char>(byte);
     EXPECT_TRUE(TextOutA(page.dc, -50, 10, all.data(), static_cast<int>(all.size())));
     EXPECT_TRUE(page.HasInk());
     // A letter beyond ASCII is one letter, in either spelling.

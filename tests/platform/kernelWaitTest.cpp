@@ -16,9 +16,7 @@ HANDLE MakeEvent(bool manual, bool signalled) {
 }
 
 void CloseAll(const std::vector<HANDLE>& handles) {
-    for (HANDLE handle : handles) {
-        EXPECT_TRUE(CloseHandle(handle));
-    }
+    for (HANDLE handle : handles) EXPECT_TRUE(CloseHandle(handle));
 }
 
 TEST(KernelWait, AutoResetEventServesOneWaitAndManualResetAll) {
@@ -64,31 +62,21 @@ TEST(KernelWait, TimeOutIsNotEarly) {
     CloseAll({event});
 }
 
-TEST(KernelWait, WrongArgumentsFail) {
+TEST(KernelWait, WrongArgumentsFailAndTakeNothing) {
     const HANDLE event = MakeEvent(false, true);
     const HANDLE closed = MakeEvent(false, true);
     CloseAll({closed});
     const HANDLE pair[] = {event, closed};
-    const struct {
-        const char* what;
-        DWORD result;
-        DWORD error;
-    } cases[] = {
-        {"closed handle", WaitForSingleObject(closed, 0), ERROR_INVALID_HANDLE},
-        {"null handle", WaitForSingleObject(nullptr, 0), ERROR_INVALID_HANDLE},
-        {"one of two closed", WaitForMultipleObjects(2, pair, FALSE, 0), ERROR_INVALID_HANDLE},
-        {"no objects", WaitForMultipleObjects(0, pair, FALSE, 0), ERROR_INVALID_PARAMETER},
-        {"too many", WaitForMultipleObjects(MAXIMUM_WAIT_OBJECTS + 1, pair, FALSE, 0), ERROR_INVALID_PARAMETER},
-    };
-    for (const auto& entry : cases) {
-        EXPECT_EQ(entry.result, WAIT_FAILED) << entry.what;
-    }
-    EXPECT_EQ(GetLastError(), cases[4].error);
-    WaitForSingleObject(closed, 0);
+    EXPECT_EQ(WaitForSingleObject(nullptr, 0), WAIT_FAILED);
+    EXPECT_EQ(WaitForSingleObject(closed, 0), WAIT_FAILED);
+    EXPECT_EQ(WaitForMultipleObjects(2, pair, FALSE, 0), WAIT_FAILED);
     EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+    for (const DWORD count : {0, MAXIMUM_WAIT_OBJECTS + 1}) {
+        EXPECT_EQ(WaitForMultipleObjects(count, pair, FALSE, 0), WAIT_FAILED);
+        EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+    }
     EXPECT_FALSE(SetEvent(closed));
     EXPECT_FALSE(CloseHandle(closed));
-    // The failed waits took nothing.
     EXPECT_EQ(WaitForSingleObject(event, 0), WAIT_OBJECT_0);
     CloseAll({event});
 }
@@ -122,32 +110,15 @@ TEST(KernelWait, EachSignalServesExactlyOneOfManyWaiters) {
     }
     for (int i = 0; i < kRounds; ++i) {
         ASSERT_TRUE(SetEvent(relay.Work));
-        ASSERT_EQ(WaitForSingleObject(relay.Done, kLong), WAIT_OBJECT_0) << "round " << i;
+        // Waits that time out while their event is being set lose nothing.
+        while (WaitForSingleObject(relay.Done, 1) == WAIT_TIMEOUT) {
+        }
     }
     EXPECT_EQ(relay.Taken.load(), kRounds);
     SetEvent(relay.Stop);
     EXPECT_EQ(WaitForMultipleObjects(kThreads, threads.data(), TRUE, kLong), WAIT_OBJECT_0);
     CloseAll(threads);
     CloseAll({relay.Stop, relay.Work, relay.Done});
-}
-
-// Many waits that time out while their event is being set: no signal gets lost between the two.
-TEST(KernelWait, SignalIsNotLostToATimeOut) {
-    Relay relay{MakeEvent(true, false), MakeEvent(false, false), MakeEvent(false, false)};
-    const HANDLE thread = CreateThread(nullptr, 0, RelayMain, &relay, 0, nullptr);
-    constexpr int kRounds = 200;
-    int answers = 0;
-    for (int i = 0; i < kRounds; ++i) {
-        SetEvent(relay.Work);
-        while (WaitForSingleObject(relay.Done, 1) == WAIT_TIMEOUT) {
-        }
-        ++answers;
-    }
-    EXPECT_EQ(answers, kRounds);
-    EXPECT_EQ(relay.Taken.load(), kRounds);
-    SetEvent(relay.Stop);
-    EXPECT_EQ(WaitForSingleObject(thread, kLong), WAIT_OBJECT_0);
-    CloseAll({thread, relay.Stop, relay.Work, relay.Done});
 }
 
 }  // namespace

@@ -9,27 +9,15 @@
 #include <atomic>
 
 #include "tests/platform/userSupport.h"
+#include "tests/support/Picture.h"
 
 using namespace usertest;
+using tdkviz::test::Picture;
 
 namespace {
 
 constexpr DWORD kRed = 0xFF0000;
 constexpr DWORD kBlue = 0x0000FF;
-
-struct Picture {
-    std::vector<DWORD> pixels;
-    int width = 0;
-    int height = 0;
-    DWORD At(int x, int y) const { return pixels.at(static_cast<size_t>(y * width + x)); }
-};
-
-Picture Read(HWND window) {
-    Picture picture;
-    picture.pixels.resize(1 << 20);
-    EXPECT_TRUE(TdkpReadWindow(window, picture.pixels.data(), 1 << 20, &picture.width, &picture.height));
-    return picture;
-}
 
 void Fill(HWND window, COLORREF color) {
     const HDC dc = GetDC(window);
@@ -58,7 +46,7 @@ TEST(UserLayer, AVisibleWindowShowsItsBackgroundAndItsChildrenAboveIt) {
     const HWND hidden = windows.Make(WS_CHILD, parent, 60, 40);
     MoveWindow(child, 55, 5, 10, 10, TRUE);
     Fill(child, RGB(0, 0, 255));
-    Picture picture = Read(parent);
+    Picture picture(parent);
     EXPECT_EQ(picture.width, 60);
     EXPECT_EQ(picture.height, 40);
     EXPECT_EQ(picture.At(0, 0), kRed);
@@ -68,15 +56,15 @@ TEST(UserLayer, AVisibleWindowShowsItsBackgroundAndItsChildrenAboveIt) {
     DWORD few[4];
     EXPECT_FALSE(TdkpReadWindow(parent, few, 4, nullptr, nullptr));
     MoveWindow(parent, 0, 0, 80, 50, TRUE);
-    picture = Read(parent);
+    picture = Picture(parent);
     EXPECT_EQ(picture.At(0, 0), kRed) << "kept";
     EXPECT_EQ(picture.At(79, 49), kRed) << "erased where it grew";
     EXPECT_EQ(picture.At(64, 5), kBlue);
     // The first child made is the topmost.
     ShowWindow(hidden, SW_SHOW);
-    EXPECT_EQ(Read(parent).At(55, 5), kBlue);
+    EXPECT_EQ(Picture(parent).At(55, 5), kBlue);
     BringWindowToTop(hidden);
-    EXPECT_EQ(Read(parent).At(55, 5), kRed);
+    EXPECT_EQ(Picture(parent).At(55, 5), kRed);
     DestroyWindow(parent);
 }
 
@@ -85,17 +73,17 @@ TEST(UserLayer, AnOwnContextWindowHasAPictureWhileItsContextIsHeld) {
     const HWND window = windows.Make(WS_POPUP | WS_VISIBLE);
     const HDC held = GetDC(window);
     Fill(window, RGB(0, 0, 255));
-    EXPECT_EQ(Read(window).At(3, 3), kBlue) << "another context came and went";
+    EXPECT_EQ(Picture(window).At(3, 3), kBlue) << "another context came and went";
     ReleaseDC(window, held);
-    EXPECT_EQ(Read(window).At(3, 3), 0u);
+    EXPECT_EQ(Picture(window).At(3, 3), 0u);
     InvalidateRect(window, nullptr, TRUE);
-    Drain();
-    EXPECT_EQ(Read(window).At(3, 3), 0u) << "the layer painted over a window that paints itself";
+    ServeMessages();
+    EXPECT_EQ(Picture(window).At(3, 3), 0u) << "the layer painted over a window that paints itself";
     Fill(window, RGB(0, 0, 255));
-    EXPECT_EQ(Read(window).At(3, 3), 0u);
+    EXPECT_EQ(Picture(window).At(3, 3), 0u);
     const HDC again = GetDC(window);
     Fill(window, RGB(0, 0, 255));
-    EXPECT_EQ(Read(window).At(3, 3), kBlue);
+    EXPECT_EQ(Picture(window).At(3, 3), kBlue);
     ReleaseDC(window, again);
     DestroyWindow(window);
 }
@@ -105,7 +93,7 @@ TEST(UserLayer, MouseFindsItsWindowTheCaptureAndDoubleClicks) {
     const HWND parent = windows.Make(WS_POPUP | WS_VISIBLE, nullptr, 100, 100);
     const HWND child = windows.Make(WS_CHILD | WS_VISIBLE, parent, 20, 20);
     MoveWindow(child, 50, 50, 20, 20, TRUE);
-    Drain();
+    ServeMessages();
     const std::vector<UINT> mouse = {WM_MOUSEMOVE, WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_MOUSEWHEEL};
     windows.Take({});
     struct Case {
@@ -127,7 +115,7 @@ TEST(UserLayer, MouseFindsItsWindowTheCaptureAndDoubleClicks) {
         EnableWindow(child, !test.disabled);
         TdkpFeedMouse(parent, WM_MOUSEMOVE, 0, 1, 1);
         TdkpFeedMouse(parent, WM_MOUSEMOVE, 0, test.x, test.y);
-        Drain();
+        ServeMessages();
         const auto got = windows.Take(mouse);
         ASSERT_FALSE(got.empty()) << test.name;
         EXPECT_EQ(got.back().window, test.window) << test.name;
@@ -139,14 +127,13 @@ TEST(UserLayer, MouseFindsItsWindowTheCaptureAndDoubleClicks) {
         TdkpFeedMouse(parent, WM_LBUTTONDOWN, MK_LBUTTON, 10, 10);
         TdkpFeedMouse(parent, WM_LBUTTONUP, 0, 10, 10);
     }
-    Drain();
+    ServeMessages();
     std::vector<UINT> clicks;
-    for (const auto& entry : windows.Take(mouse))
-        clicks.push_back(entry.message);
+    for (const auto& entry : windows.Take(mouse)) clicks.push_back(entry.message);
     EXPECT_EQ(clicks, (std::vector<UINT>{WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_LBUTTONUP, WM_LBUTTONDOWN,
                                          WM_LBUTTONUP}));
     TdkpFeedMouse(child, WM_MOUSEWHEEL, MAKEWPARAM(0, static_cast<WORD>(-120)), 0, 0);
-    Drain();
+    ServeMessages();
     const auto wheel = windows.Take(mouse);
     ASSERT_EQ(wheel.size(), 2u) << "the parent gets what the child leaves over";
     EXPECT_EQ(wheel[1].window, parent);
@@ -160,12 +147,12 @@ TEST(UserLayer, KeysGoToTheFocusAndBecomeCharacters) {
     const HWND parent = windows.Make(WS_POPUP | WS_VISIBLE);
     const HWND child = windows.Make(WS_CHILD | WS_VISIBLE, parent);
     SetFocus(child);
-    Drain();
+    ServeMessages();
     windows.Take({});
     TdkpFeedKey(parent, TRUE, 'A', 'a');
     TdkpFeedKey(parent, TRUE, VK_LEFT, 0);
     TdkpFeedKey(parent, FALSE, 'A', 'a');
-    Drain();
+    ServeMessages();
     const auto keys = windows.Take({WM_KEYDOWN, WM_KEYUP, WM_CHAR});
     ASSERT_EQ(keys.size(), 4u);
     const std::pair<UINT, WPARAM> wanted[] = {
@@ -177,7 +164,7 @@ TEST(UserLayer, KeysGoToTheFocusAndBecomeCharacters) {
     EXPECT_TRUE((GetKeyState(VK_LEFT) & 0x8000) != 0);
     EXPECT_FALSE((GetKeyState('A') & 0x8000) != 0);
     TdkpFeedClose(parent);
-    Drain();
+    ServeMessages();
     EXPECT_FALSE(IsWindow(parent));
 }
 
@@ -189,15 +176,15 @@ TEST(UserLayer, AButtonTellsItsParent) {
         CreateWindowExA(0, "BUTTON", "&Go", WS_CHILD | WS_VISIBLE, 10, 10, 60, 24, parent,
                         reinterpret_cast<HMENU>(static_cast<LONG_PTR>(kId)), GetModuleHandleA(nullptr), nullptr);
     ASSERT_NE(button, nullptr);
-    Drain();
-    EXPECT_EQ(Read(button).At(0, 0), GetSysColor(COLOR_BTNHIGHLIGHT));
-    EXPECT_EQ(Read(button).At(5, 5), GetSysColor(COLOR_BTNFACE));
-    const Picture up = Read(button);
+    ServeMessages();
+    EXPECT_EQ(Picture(button).At(0, 0), GetSysColor(COLOR_BTNHIGHLIGHT));
+    EXPECT_EQ(Picture(button).At(5, 5), GetSysColor(COLOR_BTNFACE));
+    const Picture up(button);
     windows.Take({});
-    const auto mouse = [&](UINT message, int x) { TdkpFeedMouse(button, message, MK_LBUTTON, x, 5), Drain(); };
+    const auto mouse = [&](UINT message, int x) { TdkpFeedMouse(button, message, MK_LBUTTON, x, 5), ServeMessages(); };
     mouse(WM_LBUTTONDOWN, 5);
     EXPECT_EQ(SendMessageA(button, BM_GETSTATE, 0, 0) & BST_PUSHED, BST_PUSHED);
-    EXPECT_NE(Read(button).pixels, up.pixels);
+    EXPECT_NE(Picture(button).pixels, up.pixels);
     mouse(WM_LBUTTONUP, 5);
     auto clicked = windows.Take({WM_COMMAND});
     ASSERT_EQ(clicked.size(), 1u);
@@ -211,7 +198,7 @@ TEST(UserLayer, AButtonTellsItsParent) {
     EXPECT_EQ(GetCapture(), nullptr);
     TdkpFeedKey(parent, TRUE, VK_SPACE, ' ');
     TdkpFeedKey(parent, FALSE, VK_SPACE, 0);
-    Drain();
+    ServeMessages();
     EXPECT_EQ(windows.Take({WM_COMMAND}).size(), 1u) << "it has the focus since the press";
     DestroyWindow(parent);
 }
@@ -241,23 +228,4 @@ TEST(UserLayer, TheDescriptorTellsWhatWaits) {
     EXPECT_EQ(TdkpDispatchMessages(), 1u);
     DestroyWindow(window);
     EXPECT_FALSE(Readable(descriptor));
-}
-
-TEST(UserLayer, NothingIsLeftBehind) {
-    TdkpCounts before, after;
-    TdkpCount(&before);
-    {
-        TestClass windows(0, 0, CreateSolidBrush(RGB(255, 0, 0)));
-        const HWND parent = windows.Make(WS_POPUP | WS_VISIBLE);
-        windows.Make(WS_CHILD | WS_VISIBLE, parent);
-        Drain();
-        TdkpCounts meanwhile;
-        TdkpCount(&meanwhile);
-        EXPECT_EQ(meanwhile.windows, before.windows + 2);
-        DestroyWindow(parent);
-    }
-    TdkpCount(&after);
-    EXPECT_EQ(after.windows, before.windows);
-    EXPECT_EQ(after.gdiObjects, before.gdiObjects);
-    EXPECT_EQ(after.handles, before.handles);
 }

@@ -18,8 +18,7 @@ TEST(UserMessages, PostedMessagesComeInOrderAndRangesPickAmongThem) {
     EXPECT_EQ(message.message, UINT{WM_USER + 1});
     EXPECT_FALSE(PeekMessageA(&message, nullptr, WM_USER + 4, WM_USER + 9, PM_REMOVE));
     std::vector<UINT> order;
-    while (PeekMessageA(&message, nullptr, WM_USER + 1, WM_USER + 2, PM_REMOVE))
-        order.push_back(message.message);
+    while (PeekMessageA(&message, nullptr, WM_USER + 1, WM_USER + 2, PM_REMOVE)) order.push_back(message.message);
     EXPECT_EQ(order, (std::vector<UINT>{WM_USER + 1, WM_USER + 2, WM_USER + 1}));
     ASSERT_TRUE(PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE));
     EXPECT_EQ(message.message, UINT{WM_USER + 3});
@@ -66,8 +65,7 @@ TEST(UserMessages, PaintComesLastAndMerged) {
     int paints = 0;
     RECT painted = {};
     windows.handler = [&](HWND window, UINT message, WPARAM, LPARAM, LRESULT*) {
-        if (message != WM_PAINT)
-            return false;
+        if (message != WM_PAINT) return false;
         PAINTSTRUCT paint;
         BeginPaint(window, &paint);
         painted = paint.rcPaint;
@@ -76,7 +74,7 @@ TEST(UserMessages, PaintComesLastAndMerged) {
         return true;
     };
     const HWND window = windows.Make(WS_POPUP | WS_VISIBLE);
-    Drain();
+    ServeMessages();
     paints = 0;
     const RECT first = {1, 2, 5, 6};
     const RECT second = {10, 1, 12, 3};
@@ -93,10 +91,8 @@ TEST(UserMessages, PaintComesLastAndMerged) {
     }
     EXPECT_EQ(order, (std::vector<UINT>{WM_USER, WM_PAINT}));
     EXPECT_EQ(paints, 1);
-    EXPECT_EQ(painted.left, 1);
-    EXPECT_EQ(painted.top, 1);
-    EXPECT_EQ(painted.right, 12);
-    EXPECT_EQ(painted.bottom, 6);
+    EXPECT_EQ((std::vector{painted.left, painted.top, painted.right, painted.bottom}),
+              (std::vector<LONG>{1, 1, 12, 6}));
     InvalidateRect(window, nullptr, FALSE);
     ValidateRect(window, nullptr);
     EXPECT_FALSE(PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE));
@@ -116,7 +112,7 @@ TEST(UserMessages, MsgWaitWakesForNewInputOnly) {
     EXPECT_EQ(wait(0x4FF), DWORD{WAIT_TIMEOUT}) << "the message has been seen";
     PostThreadMessageA(self, WM_USER, 0, 0);
     EXPECT_EQ(wait(0x4FF), DWORD{WAIT_OBJECT_0});
-    Drain();
+    ServeMessages();
     EXPECT_EQ(wait(0x4FF), DWORD{WAIT_TIMEOUT});
 }
 
@@ -139,12 +135,10 @@ TEST(UserMessages, ASentMessageIsServedInEachKindOfWaitAndOnTheReceiversThread) 
             made.Set();
             const HANDLE end = stop.Handle();
             MSG message;
-            if (kind == kGet)
-                Loop();
-            while (kind == kPeek && !stop.Await(1))
-                PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);
+            if (kind == kGet) Loop();
+            while (kind == kPeek && !stop.Await(1)) PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);
             while (kind == kMsgWait && MsgWaitForMultipleObjects(1, &end, FALSE, INFINITE, 0x4FF) != WAIT_OBJECT_0)
-                Drain();
+                ServeMessages();
             DestroyWindow(window);
         });
         ASSERT_TRUE(made.Await());
@@ -173,15 +167,13 @@ TEST(UserMessages, CrossedSendsDoNotLock) {
         }
         PostMessageA(handles[1 - self], WM_APP, 0, 0);
         MSG message;
-        while (GetMessageA(&message, nullptr, 0, 0) > 0 && message.message != WM_APP)
-            DispatchMessageA(&message);
+        while (GetMessageA(&message, nullptr, 0, 0) > 0 && message.message != WM_APP) DispatchMessageA(&message);
         DestroyWindow(handles[self]);
     };
     TestThread first([&] { work(0); });
     TestThread second([&] { work(1); });
     // Each thread is let go when both windows stand.
-    while (handles[0] == nullptr || handles[1] == nullptr)
-        Sleep(1);
+    while (handles[0] == nullptr || handles[1] == nullptr) Sleep(1);
     go[0].Set();
     go[1].Set();
     first.Join();
@@ -205,26 +197,4 @@ TEST(UserMessages, ASendFailsWhenItsReceiverEnds) {
     receiver.Join();
     EXPECT_FALSE(IsWindow(window));
     EXPECT_FALSE(PostMessageA(window, WM_USER, 0, 0));
-}
-
-TEST(UserMessages, TimersComeAfterEverythingElse) {
-    TestClass windows;
-    const HWND window = windows.Make();
-    ASSERT_NE(SetTimer(window, 5, 10, nullptr), UINT_PTR{0});
-    Sleep(30);
-    PostMessageA(window, WM_USER, 0, 0);
-    MSG message;
-    ASSERT_TRUE(GetMessageA(&message, window, 0, 0));
-    EXPECT_EQ(message.message, UINT{WM_USER});
-    ASSERT_TRUE(GetMessageA(&message, window, 0, 0));
-    EXPECT_EQ(message.message, UINT{WM_TIMER});
-    EXPECT_EQ(message.wParam, WPARAM{5});
-    ASSERT_TRUE(GetMessageA(&message, window, WM_TIMER, WM_TIMER)) << "a second one, waited for";
-    EXPECT_EQ(MsgWaitForMultipleObjects(0, nullptr, FALSE, 0, QS_TIMER), DWORD{WAIT_TIMEOUT});
-    EXPECT_EQ(MsgWaitForMultipleObjects(0, nullptr, FALSE, 5000, QS_TIMER), DWORD{WAIT_OBJECT_0});
-    EXPECT_TRUE(KillTimer(window, 5));
-    EXPECT_FALSE(KillTimer(window, 5));
-    Sleep(20);
-    EXPECT_FALSE(PeekMessageA(&message, nullptr, WM_TIMER, WM_TIMER, PM_REMOVE));
-    DestroyWindow(window);
 }

@@ -10,7 +10,11 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/Messages.h"
+
 namespace usertest {
+
+using tdkviz::test::ServeMessages;
 
 using Handler = std::function<bool(HWND, UINT, WPARAM, LPARAM, LRESULT*)>;
 
@@ -54,8 +58,7 @@ public:
         std::vector<Entry> found;
         for (const Entry& entry : entries_) {
             for (const UINT message : wanted) {
-                if (entry.message == message)
-                    found.push_back(entry);
+                if (entry.message == message) found.push_back(entry);
             }
         }
         entries_.clear();
@@ -78,8 +81,7 @@ private:
             self.entries_.push_back({window, message, wParam, lParam, GetCurrentThreadId()});
         }
         LRESULT result = 0;
-        if (self.handler && self.handler(window, message, wParam, lParam, &result))
-            return result;
+        if (self.handler && self.handler(window, message, wParam, lParam, &result)) return result;
         return DefWindowProcA(window, message, wParam, lParam);
     }
 
@@ -98,8 +100,7 @@ public:
     TestThread& operator=(const TestThread&) = delete;
 
     void Join() {
-        if (handle_ == nullptr)
-            return;
+        if (handle_ == nullptr) return;
         WaitForSingleObject(handle_, INFINITE);
         CloseHandle(handle_);
         handle_ = nullptr;
@@ -132,15 +133,6 @@ public:
 private:
     HANDLE handle_;
 };
-
-// Serves all that waits for this thread.
-inline void Drain() {
-    MSG message;
-    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
-        TranslateMessage(&message);
-        DispatchMessageA(&message);
-    }
-}
 
 // Serves messages until WM_QUIT.
 inline void Loop() {

@@ -13,24 +13,21 @@ namespace {
 
 std::vector<UINT> Numbers(const std::vector<TestClass::Entry>& entries) {
     std::vector<UINT> numbers;
-    for (const TestClass::Entry& entry : entries)
-        numbers.push_back(entry.message);
+    for (const TestClass::Entry& entry : entries) numbers.push_back(entry.message);
     return numbers;
 }
 
 using Pairs = std::vector<std::pair<HWND, UINT>>;
 Pairs PairsOf(const std::vector<TestClass::Entry>& entries) {
     Pairs pairs;
-    for (const TestClass::Entry& entry : entries)
-        pairs.emplace_back(entry.window, entry.message);
+    for (const TestClass::Entry& entry : entries) pairs.emplace_back(entry.window, entry.message);
     return pairs;
 }
 
 }  // namespace
 
-TEST(UserWindows, AClassIsKnownOnceAndGoesWithoutWindowsOnly) {
-    TestClass windows;
-    ASSERT_NE(windows.atom, 0);
+TEST(UserWindows, AClassGoesWithoutWindowsOnlyAndItsExtraBytesHoldPointers) {
+    TestClass windows(0, 2 * sizeof(void*));
     const HINSTANCE module = GetModuleHandleA(nullptr);
     WNDCLASSA info = {};
     ASSERT_TRUE(GetClassInfoA(module, "USERTESTCLASS", &info));
@@ -40,27 +37,17 @@ TEST(UserWindows, AClassIsKnownOnceAndGoesWithoutWindowsOnly) {
     const HWND window = windows.Make();
     EXPECT_FALSE(UnregisterClassA(TestClass::kName, module));
     EXPECT_EQ(GetLastError(), DWORD{ERROR_CLASS_HAS_WINDOWS});
+
+    const auto pointer = reinterpret_cast<LONG_PTR>(&windows);
+    for (const int index : {0, static_cast<int>(sizeof(void*)), GWLP_USERDATA})
+        EXPECT_EQ(SetWindowLongPtrA(window, index, pointer + index), 0);
+    EXPECT_EQ(SetWindowLongPtrA(window, sizeof(void*) + 1, 3), 0);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_INDEX});
+    for (const int index : {0, static_cast<int>(sizeof(void*)), GWLP_USERDATA})
+        EXPECT_EQ(GetWindowLongPtrA(window, index), pointer + index);
     DestroyWindow(window);
     EXPECT_TRUE(UnregisterClassA(TestClass::kName, module));
     EXPECT_EQ(windows.Make(), nullptr);
-}
-
-TEST(UserWindows, ExtraBytesHoldPointersAndNothingBehindThem) {
-    TestClass windows(0, 2 * sizeof(void*));
-    const HWND window = windows.Make();
-    int target = 0;
-    const auto pointer = reinterpret_cast<LONG_PTR>(&target);
-    EXPECT_EQ(SetWindowLongPtrA(window, 0, 1), 0);
-    EXPECT_EQ(SetWindowLongPtrA(window, sizeof(void*), pointer), 0);
-    EXPECT_EQ(GetWindowLongPtrA(window, 0), 1);
-    EXPECT_EQ(GetWindowLongPtrA(window, sizeof(void*)), pointer);
-    EXPECT_EQ(SetWindowLongPtrA(window, GWLP_USERDATA, pointer), 0);
-    EXPECT_EQ(GetWindowLongPtrA(window, GWLP_USERDATA), pointer);
-    SetLastError(0);
-    EXPECT_EQ(SetWindowLongPtrA(window, sizeof(void*) + 1, 3), 0);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_INDEX});
-    EXPECT_EQ(GetWindowLongPtrA(window, sizeof(void*)), pointer);
-    DestroyWindow(window);
 }
 
 TEST(UserWindows, CreationAndDestructionSpeakInThePublishedOrder) {
@@ -89,7 +76,7 @@ TEST(UserWindows, CreationAndDestructionSpeakInThePublishedOrder) {
     }
 }
 
-TEST(UserWindows, AProgramCanRefuseItsWindow) {
+TEST(UserWindows, AProgramCanRefuseItsWindowAndCloseDestroysByDefault) {
     for (const UINT refused : {WM_NCCREATE, WM_CREATE}) {
         TestClass windows;
         windows.handler = [refused](HWND, UINT message, WPARAM, LPARAM, LRESULT* result) {
@@ -99,14 +86,10 @@ TEST(UserWindows, AProgramCanRefuseItsWindow) {
         EXPECT_EQ(windows.Make(WS_POPUP | WS_VISIBLE), nullptr);
         EXPECT_EQ(windows.Take({WM_NCDESTROY}).size(), 1u);
     }
-}
-
-TEST(UserWindows, CloseDestroysByDefault) {
     TestClass windows;
     const HWND window = windows.Make();
-    PostMessageA(window, WM_CLOSE, 0, 0);
-    PostMessageA(window, WM_USER, 0, 0);
-    Drain();
+    for (const UINT message : {UINT{WM_CLOSE}, UINT{WM_USER}}) PostMessageA(window, message, 0, 0);
+    ServeMessages();
     EXPECT_FALSE(IsWindow(window));
     EXPECT_TRUE(windows.Take({WM_USER}).empty()) << "what waited for the window went with it";
 }
@@ -127,16 +110,6 @@ TEST(UserWindows, PlacesAndRelations) {
     const auto sized = windows.Take({WM_MOVE, WM_SIZE});
     ASSERT_EQ(sized.size(), 1u);
     EXPECT_EQ(sized[0].lParam, MAKELPARAM(70, 80));
-    RECT client;
-    ASSERT_TRUE(GetClientRect(child, &client));
-    EXPECT_EQ(client.right, 70);
-    EXPECT_EQ(client.bottom, 80);
-    POINT inChild = {1, 2};
-    POINT inParent = {11, 22};
-    ClientToScreen(child, &inChild);
-    ClientToScreen(parent, &inParent);
-    EXPECT_EQ(inChild.x, inParent.x);
-    EXPECT_EQ(inChild.y, inParent.y);
     SetWindowTextA(parent, "a title");
     char text[5];
     EXPECT_EQ(GetWindowTextA(parent, text, sizeof(text)), 4);
@@ -176,37 +149,6 @@ TEST(UserWindows, ShowingAnotherThreadsWindowWaitsForThatThread) {
     PostThreadMessageA(owner.Id(), WM_QUIT, 0, 0);
 }
 
-TEST(UserWindows, TwoThreadsOwnWindowsOfOneTree) {
-    TestClass windows;
-    const HWND parent = windows.Make(WS_POPUP | WS_VISIBLE, nullptr, 100, 100);
-    TestEvent made;
-    std::atomic<HWND> child{nullptr};
-    TestThread worker([&] {
-        child = windows.Make(WS_CHILD | WS_VISIBLE, parent);
-        made.Set();
-        for (int i = 0; i < 200; ++i) {
-            InvalidateRect(child, nullptr, TRUE);
-            Drain();
-        }
-        MSG message;
-        while (IsWindow(child) && GetMessageA(&message, nullptr, 0, 0) > 0)
-            DispatchMessageA(&message);
-    });
-    while (!made.Await(1))
-        Drain();
-    for (int i = 0; i < 200; ++i) {
-        MoveWindow(parent, i, i, 100 + i, 100, TRUE);
-        SendMessageA(child, WM_GETTEXTLENGTH, 0, 0);
-        Drain();
-    }
-    windows.Take({});
-    DestroyWindow(parent);
-    EXPECT_FALSE(IsWindow(child)) << "the child of a destroyed parent, on its own thread";
-    for (const auto& entry : windows.Take({WM_DESTROY, WM_NCDESTROY}))
-        EXPECT_EQ(entry.thread == worker.Id(), entry.window == child);
-    PostThreadMessageA(worker.Id(), WM_QUIT, 0, 0);
-}
-
 TEST(UserWindows, WindowsGoWithTheirThread) {
     TestClass windows;
     std::atomic<HWND> window{nullptr};
@@ -216,8 +158,7 @@ TEST(UserWindows, WindowsGoWithTheirThread) {
     TestThread hung([&] {
         window = windows.Make(WS_POPUP | WS_VISIBLE);
         made.Set();
-        for (volatile int spin = 0;;)
-            spin = spin + 1;
+        for (volatile int spin = 0;;) spin = spin + 1;
     });
     ASSERT_TRUE(made.Await());
     EXPECT_TRUE(IsWindow(window));
@@ -230,7 +171,7 @@ TEST(UserWindows, CaptureAndFocusFollowTheirWindows) {
     TestClass windows;
     const HWND parent = windows.Make(WS_POPUP | WS_VISIBLE, nullptr, 100, 100);
     const HWND child = windows.Make(WS_CHILD | WS_VISIBLE, parent);
-    Drain();
+    ServeMessages();
     windows.Take({});
     EXPECT_EQ(SetCapture(child), nullptr);
     EXPECT_EQ(GetCapture(), child);

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <complex>
 
 #include "player/DemoPiece.h"
@@ -30,17 +31,6 @@ double Amplitude(const std::vector<int16_t>& samples, int channels, int channel,
     return 2.0 * std::abs(sum) / (static_cast<double>(frames) / 2.0);
 }
 
-ExitCode CodeOfOpening(const std::string& path) {
-    try {
-        OpenDecoder(path);
-    } catch (const PlayerError& error) {
-        EXPECT_NE(std::string(error.what()).find(path), std::string::npos) << "the message names the file";
-        EXPECT_EQ(std::string(error.what()).find('\n'), std::string::npos);
-        return error.Code();
-    }
-    return ExitCode::kDone;
-}
-
 TEST(Decoder, GivesTheSoundOfEachFormat) {
     struct Case {
         const char* Name;
@@ -58,7 +48,7 @@ TEST(Decoder, GivesTheSoundOfEachFormat) {
         {"g.opus", SF_FORMAT_OGG | SF_FORMAT_OPUS, 48000, 2},
         {"h.mp3", SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III, 44100, 2},
     };
-    const TestFolder folder;
+    const TemporaryFolder folder;
     for (const Case& test : cases) {
         SCOPED_TRACE(test.Name);
         const std::string path = folder.File(test.Name);
@@ -77,7 +67,7 @@ TEST(Decoder, GivesTheSoundOfEachFormat) {
 }
 
 TEST(Decoder, MixesSurroundDownWithEachSideOnItsOwn) {
-    const TestFolder folder;
+    const TemporaryFolder folder;
     const std::string path = folder.File("six.wav");
     ASSERT_TRUE(WriteSines(path, SF_FORMAT_WAV | SF_FORMAT_PCM_16, 48000, 6, 0.5));
     const auto decoder = OpenDecoder(path);
@@ -97,7 +87,7 @@ TEST(Decoder, MixesSurroundDownWithEachSideOnItsOwn) {
 }
 
 TEST(Decoder, GoesOnFromWhereItWasSentTo) {
-    const TestFolder folder;
+    const TemporaryFolder folder;
     const std::string path = folder.File("a.flac");
     ASSERT_TRUE(WriteSines(path, SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 44100, 2, 1.0));
     for (const std::string& source : {path, std::string()}) {
@@ -113,18 +103,6 @@ TEST(Decoder, GoesOnFromWhereItWasSentTo) {
     }
 }
 
-TEST(Decoder, SaysWhatIsWrongWithAFile) {
-    const TestFolder folder;
-    ASSERT_TRUE(WriteSines(folder.File("none.wav"), SF_FORMAT_WAV | SF_FORMAT_PCM_16, 44100, 2, 0.0));
-    EXPECT_EQ(CodeOfOpening(folder.File("missing.wav")), ExitCode::kFileUnreadable);
-    EXPECT_EQ(CodeOfOpening(folder.File(".")), ExitCode::kFileUnreadable);
-    EXPECT_EQ(CodeOfOpening("/dev/null"), ExitCode::kFileUnreadable);
-    EXPECT_EQ(CodeOfOpening(folder.WriteText("letter.mp3", "Dear reader, this is no music.")),
-              ExitCode::kUnknownFormat);
-    EXPECT_EQ(CodeOfOpening(folder.WriteText("empty.wav", "")), ExitCode::kUnknownFormat);
-    EXPECT_EQ(CodeOfOpening(folder.File("none.wav")), ExitCode::kUnknownFormat);
-}
-
 TEST(DemoPiece, IsTheSameStereoMusicEachTime) {
     const std::vector<int16_t> piece = MakeDemoPiece();
     EXPECT_EQ(piece, MakeDemoPiece());
@@ -132,32 +110,24 @@ TEST(DemoPiece, IsTheSameStereoMusicEachTime) {
     EXPECT_GT(seconds, 20.0);
     EXPECT_LT(seconds, 32.0);
 
+    const auto [least, most] = std::minmax_element(piece.begin(), piece.end());
+    EXPECT_TRUE(*least > -32767 && *most < 32767) << "nothing is clipped";
+    EXPECT_GT(*most, 20000);
+    for (size_t i = piece.size() - 20; i < piece.size(); ++i) EXPECT_LT(std::abs(piece[i]), 100) << "ends in silence";
     const size_t second = kDemoFormat.Rate * kDemoFormat.Channels;
-    int loudest = 0;
-    for (size_t begin = 0; begin + second <= piece.size(); begin += second) {
-        double sum = 0;
-        double power = 0;
-        double difference = 0;
+    for (size_t begin = 0; begin + 3 * second <= piece.size(); begin += second) {
+        double power = 0, difference = 0;
         for (size_t i = begin; i < begin + second; i += 2) {
-            loudest = std::max({loudest, std::abs(piece[i]), std::abs(piece[i + 1])});
-            sum += piece[i];
             power += static_cast<double>(piece[i]) * piece[i];
             difference += std::abs(piece[i] - piece[i + 1]);
         }
-        const double frames = kDemoFormat.Rate;
-        SCOPED_TRACE(begin / second);
-        EXPECT_LT(std::abs(sum / frames), 300.0) << "no constant part";
-        if ((begin + second) / static_cast<double>(second) > seconds - 2.0) continue;  // dies away
-        EXPECT_GT(std::sqrt(power / frames), 700.0);
-        EXPECT_GT(difference / frames, 100.0) << "left and right differ";
+        EXPECT_GT(std::sqrt(power / kDemoFormat.Rate), 700.0) << begin / second;
+        EXPECT_GT(difference / kDemoFormat.Rate, 100.0) << "left and right differ in second " << begin / second;
     }
-    EXPECT_LT(loudest, 32767) << "nothing is clipped";
-    EXPECT_GT(loudest, 24000);
-    for (size_t i = piece.size() - 20; i < piece.size(); ++i) EXPECT_LT(std::abs(piece[i]), 100) << "ends in silence";
 }
 
 TEST(DemoPiece, ComesBackFromItsFile) {
-    const TestFolder folder;
+    const TemporaryFolder folder;
     WriteDemoPiece(folder.File("demo.wav"));
     const auto decoder = OpenDecoder(folder.File("demo.wav"));
     EXPECT_EQ(decoder->Format(), kDemoFormat);

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <iterator>
+#include <sstream>
+
 #include "player/ExitCode.h"
 
 namespace tdkplay {
@@ -48,33 +51,33 @@ TEST(Options, SwitchesStandAloneOrTakeAValue) {
 }
 
 TEST(Options, RefuseWhatMakesNoSenseInOneLine) {
-    const std::vector<std::vector<const char*>> cases = {
-        {"--nonsense"},
-        {"a.wav", "b.wav"},
-        {"--fps", "9"},
-        {"--fps", "31"},
-        {"--fps", "fast"},
-        {"--size", "640"},
-        {"--size", "640x480x2"},
-        {"--size", "8x480"},
-        {"--size", "640x9000"},
-        {"--size", "99999999999x10"},
-        {"--effects=maybe"},
-        {"--snapshot", "a.png"},
-        {"--at", "3"},
-        {"--snapshot", "a.png", "--at", "-1"},
-        {"--snapshot", "a.png", "--at", "nan"},
-        {"--snapshot", "a.png", "--at", "5", "--duration", "4"},
-        {"--duration", "-1"},
-        {"--headless", "--window"},
-        {"--output", "gramophone"},
-        {"--no-audio", "--output", "pulse"},
-    };
-    for (const auto& arguments : cases) {
-        std::string line;
-        for (const char* argument : arguments) line += std::string(" ") + argument;
+    const char* const cases[] = {"--nonsense",
+                                 "a.wav b.wav",
+                                 "--fps 9",
+                                 "--fps 31",
+                                 "--fps fast",
+                                 "--size 640",
+                                 "--size 640x480x2",
+                                 "--size 8x480",
+                                 "--size 640x9000",
+                                 "--size 99999999999x10",
+                                 "--effects=maybe",
+                                 "--snapshot a.png",
+                                 "--at 3",
+                                 "--snapshot a.png --at -1",
+                                 "--snapshot a.png --at nan",
+                                 "--snapshot a.png --at 5 --duration 4",
+                                 "--duration -1",
+                                 "--headless --window",
+                                 "--output gramophone",
+                                 "--no-audio --output pulse"};
+    for (const std::string line : cases) {
         SCOPED_TRACE(line);
         try {
+            std::istringstream words(line);
+            const std::vector<std::string> split{std::istream_iterator<std::string>(words), {}};
+            std::vector<const char*> arguments;
+            for (const std::string& word : split) arguments.push_back(word.c_str());
             Parse(arguments);
             ADD_FAILURE() << "was taken";
         } catch (const PlayerError& error) {

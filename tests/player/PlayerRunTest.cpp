@@ -80,7 +80,7 @@ protected:
         return names;
     }
 
-    const TestFolder folder_;
+    const TemporaryFolder folder_;
     std::string song_;
 };
 
@@ -111,11 +111,13 @@ Pixels ReadPng(const std::string& path) {
 }
 
 TEST_F(PlayerRun, SaysInOneLineWhatIsWrong) {
-    const std::string letter = folder_.WriteText("letter.mp3", "Dear reader, this is no music.");
+    const std::string letter = folder_.Write("letter.mp3", "Dear reader, this is no music.");
     const std::string picture = folder_.File("a.png");
     ExpectError(ExitCode::kUsage, Run({"--nonsense"}));
-    ExpectError(ExitCode::kFileUnreadable, Run({folder_.File("missing.wav")}));
-    ExpectError(ExitCode::kUnknownFormat, Run({letter}));
+    for (const std::string& file : {folder_.File("missing.wav"), folder_.File("."), std::string("/dev/null")})
+        ExpectError(ExitCode::kFileUnreadable, Run({file}));
+    for (const std::string& file : {letter, folder_.Write("empty.wav", "")})
+        ExpectError(ExitCode::kUnknownFormat, Run({file}));
     ExpectError(ExitCode::kUnknownPlugin, Run({"--headless", "--viz", "nobody", song_}));
     ExpectError(ExitCode::kNoDisplay, Run({"--window", song_}));
     ExpectError(ExitCode::kUsage, Run({"--headless", "--snapshot", picture, "--at", "5.5", song_}));

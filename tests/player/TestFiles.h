@@ -1,36 +1,14 @@
-// A folder of its own for one test, and audio files in it.
+// Audio files for tests.
 #pragma once
 
 #include <sndfile.h>
-#include <stdlib.h>
 
 #include <cmath>
-#include <filesystem>
-#include <fstream>
-#include <string>
 #include <vector>
 
+#include "tests/support/TemporaryFolder.h"
+
 namespace tdkplay {
-
-class TestFolder {
-public:
-    TestFolder() {
-        std::string folder = (std::filesystem::temp_directory_path() / "tdkplay-test-XXXXXX").string();
-        path_ = mkdtemp(folder.data());
-    }
-    ~TestFolder() { std::filesystem::remove_all(path_); }
-    TestFolder(const TestFolder&) = delete;
-    TestFolder& operator=(const TestFolder&) = delete;
-
-    std::string File(const std::string& name) const { return path_ + "/" + name; }
-    std::string WriteText(const std::string& name, const std::string& text) const {
-        std::ofstream(File(name)) << text;
-        return File(name);
-    }
-
-private:
-    std::string path_;
-};
 
 // A sine of its own for each channel: channel c has (c + 1) * 200 Hz and half of full scale.
 inline bool WriteSines(const std::string& path, int format, int rate, int channels, double seconds) {

@@ -172,20 +172,5 @@ TEST_F(PluginRetrieverTest, TheListKeepsWhatIsTakenOut) {
     EXPECT_EQ(list.Snapshot().size(), 2u);
 }
 
-TEST_F(PluginRetrieverTest, TheSetLooksBesideTheProgram) {
-    const auto folder = std::filesystem::canonical("/proc/self/exe").parent_path() / "Visualizations";
-    std::filesystem::create_directories(folder);
-    std::filesystem::copy_file(TestPluginPath("Good2.tkv"), folder / "beside.tkv",
-                               std::filesystem::copy_options::overwrite_existing);
-    CPluginRetrieverSet set;
-    EXPECT_EQ(set.GetList(), nullptr);
-    ASSERT_TRUE(set.AddRetriever());
-    ASSERT_EQ(set.GetList()->Count(), 1u);
-    EXPECT_EQ(set.GetList()->At(0)->GetPath(), (folder / "beside.tkv").string());
-    set.UnloadAll();
-    EXPECT_FALSE(set.GetList()->At(0)->IsLoaded());
-    std::filesystem::remove_all(folder);
-}
-
 }  // namespace
 }  // namespace tdkviz

@@ -12,24 +12,21 @@
 #include "src/support/Module.h"
 #include "tests/plugins/testplugins/TestPlugin.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/TestObjects.h"
 
 using CallLog = std::vector<std::string>;
 
 // Stands as the module's HostContext while it lives. Not counted.
-class TestContext final : public ITestLog, public ITKNameService, public ITKNameCatalog, public ITKNameEntry {
+class TestContext final : public tdkviz::test::StackObject<ITestLog, ITKNameService, ITKNameCatalog, ITKNameEntry> {
 public:
-    TestContext() { tdkviz::HostContext = Identity(); }
+    TestContext() { tdkviz::HostContext = static_cast<ITestLog*>(this); }
     ~TestContext() { tdkviz::HostContext = nullptr; }
 
-    HRESULT QueryInterface(const GUID& id, void** out) override {
-        *out = nullptr;
-        if (id == kIID_ITestLog || id == kIID_IUnknown) *out = static_cast<ITestLog*>(this);
-        if (id == kIID_ITKNameService) *out = static_cast<ITKNameService*>(this);
-        if (id == kIID_ITKNameEntry) *out = static_cast<ITKNameEntry*>(this);
-        return *out ? S_OK : E_NOINTERFACE;
+    IUnknown* Find(const GUID& id) override {
+        if (id == kIID_ITestLog || id == kIID_IUnknown) return static_cast<ITestLog*>(this);
+        if (id == kIID_ITKNameService) return static_cast<ITKNameService*>(this);
+        return id == kIID_ITKNameEntry ? static_cast<ITKNameEntry*>(this) : nullptr;
     }
-    ULONG AddRef() override { return 1; }
-    ULONG Release() override { return 1; }
     void Note(const char* text) override {
         const std::lock_guard hold(mutex_);
         log_.emplace_back(text);
@@ -55,8 +52,6 @@ public:
     }
 
 private:
-    IUnknown* Identity() { return static_cast<ITestLog*>(this); }
-
     std::mutex mutex_;
     CallLog log_;
     std::string hostString_;

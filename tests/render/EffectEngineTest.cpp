@@ -1,5 +1,4 @@
 #include <random>
-#include <string>
 
 #include <gtest/gtest.h>
 
@@ -63,21 +62,12 @@ void FillRandom(VizEffectParams& params, Source& source, bool extremes) {
     params.ClampEdge = source.Flag();
 }
 
-std::string Describe(const VizEffectParams& p, const ModelFrame& frame, uint32_t mask, uint32_t counter) {
-    const auto part = [](const char* name, bool on, int64_t a, int64_t b = 0) {
-        return std::string(" ") + name + (on ? "+" : "-") + std::to_string(a) + "," + std::to_string(b);
-    };
-    return std::to_string(frame.width) + "x" + std::to_string(frame.height) + "x" +
-           std::to_string(frame.bytesPerPixel) + part("zoom", p.Zoom, p.ZoomX, p.ZoomY) +
-           part("slide", p.Slide, p.SlideX, p.SlideY) + part("rotate", p.Rotate, p.RotateSpeed) +
-           part("blur", p.Blur, p.BlurAmount) + part("fade", p.Fade, p.FadeTime, p.FadeColor) +
-           part("edge", p.AutoEdge, p.ClampEdge) + " mask " + std::to_string(mask) + " frame " +
-           std::to_string(counter);
-}
-
 // Runs the engine and the model on one record and compares result, picture, counter and what lies around.
 void Compare(const ModelFrame& frame, VizEffectParams& params, uint32_t mask, uint32_t counter) {
-    SCOPED_TRACE(Describe(params, frame, mask, counter));
+    SCOPED_TRACE(testing::Message() << frame.width << "x" << frame.height << "x" << frame.bytesPerPixel << " mask "
+                                    << mask << " frame " << counter << " blur " << params.BlurAmount << " zoom "
+                                    << params.ZoomX << "," << params.ZoomY << " rotate " << params.RotateSpeed
+                                    << " fade " << params.FadeTime << " clamp " << params.ClampEdge);
     params.BytesPerPixel = frame.bytesPerPixel;
     VizEffectEngine engine;
     engine.FrameCounter = counter;
@@ -111,93 +101,51 @@ void CompareMany(int runs, int bytesPerPixel, bool extremes) {
     }
 }
 
-TEST(EffectEngineTest, WordPathMatchesFormulas) {
-    CompareMany(3000, 4, false);
-}
-TEST(EffectEngineTest, WordPathMatchesFormulasAtExtremes) {
-    CompareMany(3000, 4, true);
-}
-TEST(EffectEngineTest, BytePathMatchesFormulas) {
+TEST(EffectEngineTest, BothPathsMatchTheFormulas) {
+    for (const bool extremes : {false, true}) CompareMany(3000, 4, extremes);
     for (const int bytes : {1, 2, 3}) CompareMany(500, bytes, bytes == 2);
 }
-
-// Every kernel with every edge rule and fade, on both paths, where jumps of the source meet block borders.
-TEST(EffectEngineTest, AllKernelsAndEdges) {
-    Source source;
-    for (const int bytes : {3, 4}) {
-        const ModelFrame frame = MakeFrame(source, 67, 33, bytes);
-        for (int kernel = -1; kernel <= 11; ++kernel) {
-            for (const bool clamp : {false, true}) {
-                for (const int fade : {0, 1, 25, 255, 256}) {
-                    VizEffectParams params;
-                    SetDefaultEffects(params);
-                    params.Rotate = params.Slide = true;
-                    params.RotateSpeed = 5;
-                    params.SlideX = 1;
-                    params.BlurAmount = kernel;
-                    params.FadeTime = fade;
-                    params.FadeColor = 0x80FF0140u;
-                    params.AutoEdge = false;
-                    params.ClampEdge = clamp;
-                    Compare(frame, params, kEffectsAll, 7);
-                }
-            }
-        }
-    }
-}
-
-struct Call {
-    const char* name;
-    int bytesPerPixel;
-    void (*change)(VizEffectParams&);
-    uint32_t mask;
-    bool result;
-};
-
 TEST(EffectEngineTest, RefusesWhenThereIsNothingToDo) {
-    const Call calls[] = {
-        {"all switches off", 4, [](VizEffectParams& p) { p.Blur = p.Zoom = p.Fade = false; }, kEffectsAll, false},
-        {"all switches off, bytes", 3, [](VizEffectParams& p) { p.Blur = p.Zoom = p.Fade = false; }, kEffectsAll,
-         false},
-        {"no mask", 4, [](VizEffectParams&) {}, 0, false},
-        {"mask above the low bits", 4, [](VizEffectParams&) {}, 0xFFFFFF00, false},
-        {"no mask, bytes", 3, [](VizEffectParams&) {}, 0, true},
-        {"blur 1 alone", 4,
-         [](VizEffectParams& p) {
-             SetNeutralEffects(p);
-             p.Fade = false;
-             p.Blur = true;
-             p.BlurAmount = 1;
-         },
-         kEffectsAll, false},
-        {"blur 1 alone, bytes", 3,
-         [](VizEffectParams& p) {
-             SetNeutralEffects(p);
-             p.Fade = false;
-             p.Blur = true;
-             p.BlurAmount = 1;
-         },
-         kEffectsAll, true},
-        {"negative blur alone", 4,
-         [](VizEffectParams& p) {
-             SetNeutralEffects(p);
-             p.Fade = false;
-             p.Blur = true;
-             p.BlurAmount = -5;
-         },
-         kEffectsAll, false},
-        {"switches on, values 0", 4,
-         [](VizEffectParams& p) {
-             SetNeutralEffects(p);
-             p.Zoom = p.Slide = p.Rotate = true;
-             p.FadeTime = 0;
-         },
-         kEffectsAll, false},
-        {"neutral", 4, [](VizEffectParams& p) { SetNeutralEffects(p); }, kEffectsAll, true},
-        {"no bytes a pixel", 0, [](VizEffectParams&) {}, kEffectsAll, false},
-        {"negative bytes a pixel", -4, [](VizEffectParams&) {}, kEffectsAll, false},
+    using Change = void (*)(VizEffectParams&);
+    constexpr Change kDefault = [](VizEffectParams&) {};
+    constexpr Change kAllOff = [](VizEffectParams& p) { p.Blur = p.Zoom = p.Fade = false; };
+    constexpr Change kNeutral = [](VizEffectParams& p) { SetNeutralEffects(p); };
+    constexpr Change kBlurOne = [](VizEffectParams& p) {
+        SetNeutralEffects(p);
+        p.Fade = false;
+        p.Blur = true;
+        p.BlurAmount = 1;
     };
-    for (const Call& call : calls) {
+    constexpr Change kBlurBelowZero = [](VizEffectParams& p) {
+        kBlurOne(p);
+        p.BlurAmount = -5;
+    };
+    constexpr Change kValuesZero = [](VizEffectParams& p) {
+        SetNeutralEffects(p);
+        p.Zoom = p.Slide = p.Rotate = true;
+        p.FadeTime = 0;
+    };
+    const struct {
+        const char* name;
+        int bytesPerPixel;
+        Change change;
+        uint32_t mask;
+        bool result;
+    } calls[] = {
+        {"all switches off", 4, kAllOff, kEffectsAll, false},
+        {"all switches off, bytes", 3, kAllOff, kEffectsAll, false},
+        {"no mask", 4, kDefault, 0, false},
+        {"mask above the low bits", 4, kDefault, 0xFFFFFF00, false},
+        {"no mask, bytes", 3, kDefault, 0, true},
+        {"blur 1 alone", 4, kBlurOne, kEffectsAll, false},
+        {"blur 1 alone, bytes", 3, kBlurOne, kEffectsAll, true},
+        {"negative blur alone", 4, kBlurBelowZero, kEffectsAll, false},
+        {"switches on, values 0", 4, kValuesZero, kEffectsAll, false},
+        {"neutral", 4, kNeutral, kEffectsAll, true},
+        {"no bytes a pixel", 0, kDefault, kEffectsAll, false},
+        {"negative bytes a pixel", -4, kDefault, kEffectsAll, false},
+    };
+    for (const auto& call : calls) {
         SCOPED_TRACE(call.name);
         std::vector<uint8_t> source(16 * 16 * 4, 9), out(source.size(), kUntouched);
         VizEffectParams params;
@@ -228,29 +176,11 @@ bool FadeColorShows(int width, int height, int zoom, int rotate) {
 }
 
 TEST(EffectEngineTest, EdgeRuleFollowsZoomAndRotation) {
-    EXPECT_FALSE(FadeColorShows(320, 240, 10, 0));
-    EXPECT_FALSE(FadeColorShows(320, 240, 10, 16));
-    EXPECT_FALSE(FadeColorShows(320, 240, 10, -16));
-    EXPECT_TRUE(FadeColorShows(320, 240, 10, 17));
-    EXPECT_TRUE(FadeColorShows(320, 240, 10, -17));
+    for (const int rotate : {0, 16, -16}) EXPECT_FALSE(FadeColorShows(320, 240, 10, rotate)) << rotate;
+    for (const int rotate : {17, -17}) EXPECT_TRUE(FadeColorShows(320, 240, 10, rotate)) << rotate;
     EXPECT_FALSE(FadeColorShows(240, 320, 10, 16)) << "the longer side leads, whichever it is";
     EXPECT_TRUE(FadeColorShows(320, 240, 0, 1));
     EXPECT_TRUE(FadeColorShows(320, 240, -1, 0));
-}
-
-TEST(EffectEngineTest, FullFadeToBlackIsBlackWhateverTheKernel) {
-    Source source;
-    const ModelFrame frame = MakeFrame(source, 40, 30, 4);
-    for (int kernel = 0; kernel <= 10; ++kernel) {
-        VizEffectParams params;
-        SetDefaultEffects(params);
-        params.BlurAmount = kernel;
-        params.FadeTime = 256;
-        std::vector<uint8_t> out(frame.bytes.size(), kUntouched);
-        VizEffectEngine engine;
-        EXPECT_TRUE(engine.ApplyEffects(frame.bytes.data(), out.data(), 40, 30, 40, params, kEffectsAll));
-        EXPECT_EQ(out, std::vector<uint8_t>(out.size(), 0)) << kernel;
-    }
 }
 
 // Nothing outside of frame or stride is read or written, down to one pixel. The sanitizers watch.

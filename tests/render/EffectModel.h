@@ -51,7 +51,6 @@ public:
         }
         return result;
     }
-    bool Clamps() const { return clamp_; }
 
 private:
     static int64_t Wrap(int64_t value) { return static_cast<int32_t>(static_cast<uint32_t>(value)); }

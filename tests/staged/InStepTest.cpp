@@ -26,8 +26,7 @@ public:
 
 private:
     void Look(const VizAnalysisFrame& analysis) {
-        const double drawn =
-            static_cast<double>(StampedPosition(analysis.WaveformLeft[0], analysis.WaveformRight[0]));
+        const double drawn = static_cast<double>(StampedPosition(analysis.WaveformLeft[0], analysis.WaveformRight[0]));
         worst_ = std::max(worst_.load(), std::abs(drawn - static_cast<double>(host_.heard.load())));
         ++frames_;
     }
@@ -96,8 +95,8 @@ TEST_P(InStep, AcrossPauseSeekAndEngineChange) {
 
 INSTANTIATE_TEST_SUITE_P(Delays, InStep,
                          // Without a delay the ring's length stands in for it: three of the host's blocks.
-                         testing::Values(StepCase{0, 220, 20}, StepCase{120, 128, 20}, StepCase{120, 441, 20}, StepCase{120, 2048, 20},
-                                         StepCase{500, 1024, 20}, StepCase{2000, 4410, 20}));
+                         testing::Values(StepCase{0, 220, 20}, StepCase{120, 128, 20}, StepCase{120, 441, 20},
+                                         StepCase{120, 2048, 20}, StepCase{500, 1024, 20}, StepCase{2000, 4410, 20}));
 
 TEST(InStepWithChanges, DelayMovesWhilePlaying) {
     TestHost::InstallPlugins({"Probe.tkv"});

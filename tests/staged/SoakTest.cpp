@@ -46,11 +46,12 @@ private:
                 view_->Resize(static_cast<int>(random_() % 700) + 1, static_cast<int>(random_() % 500) + 1);
                 break;
             case 2:
-                host_->AnnounceFormat(static_cast<uint16_t>(random_() % 7), static_cast<uint16_t>(random_() % 5 * 8), 48000,
-                                      static_cast<uint16_t>(random_()));
+                host_->AnnounceFormat(static_cast<uint16_t>(random_() % 7), static_cast<uint16_t>(random_() % 5 * 8),
+                                      48000, static_cast<uint16_t>(random_()));
                 break;
             case 3:
-                host_->StartDevice(static_cast<uint32_t>(random_() % 4) * 250, 441 + static_cast<uint32_t>(random_() % 2000));
+                host_->StartDevice(static_cast<uint32_t>(random_() % 4) * 250,
+                                   441 + static_cast<uint32_t>(random_() % 2000));
                 break;
             case 4:
                 host_->SetState(host_->engine->state == kEngineStatePlaying ? kEngineStatePaused : kEngineStatePlaying);

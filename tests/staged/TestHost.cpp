@@ -18,8 +18,8 @@ HWND MakeParent() {
     windowClass.lpszClassName = "TestHostWindow";
     windowClass.hbrBackground = static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH));
     RegisterClassA(&windowClass);
-    return CreateWindowExA(0, "TestHostWindow", "host", WS_POPUP | WS_VISIBLE | WS_CLIPCHILDREN, 0, 0, 1400, 900, nullptr,
-                           nullptr, nullptr, nullptr);
+    return CreateWindowExA(0, "TestHostWindow", "host", WS_POPUP | WS_VISIBLE | WS_CLIPCHILDREN, 0, 0, 1400, 900,
+                           nullptr, nullptr, nullptr, nullptr);
 }
 
 fs::path ProgramFolder() {
@@ -132,7 +132,8 @@ void TestHost::SetState(uint32_t state) {
 
 void TestHost::SetEngine(TestEngine* newEngine) {
     engine = newEngine;
-    if (engineObserver_) engineObserver_->OnEngineChange(newEngine ? static_cast<ITKPlaybackEngine*>(newEngine) : nullptr);
+    if (engineObserver_)
+        engineObserver_->OnEngineChange(newEngine ? static_cast<ITKPlaybackEngine*>(newEngine) : nullptr);
 }
 
 void TestHost::AnnounceFormat(uint16_t channels, uint16_t bits, uint32_t rate, uint16_t blockSize) {
@@ -204,8 +205,10 @@ std::shared_ptr<void> WatchProbe(ProbeFunction function) {
     HMODULE library = LoadLibraryA(TestHost::PluginPath("Probe.tkv").c_str());
     auto set = SymbolOf<SetCallback>(library, "SetProbeCallback");
     auto* kept = new ProbeFunction(std::move(function));
-    set([](void* context, int32_t width, int32_t height,
-           const VizAnalysisFrame* frame) { (*static_cast<ProbeFunction*>(context))({width, height, *frame}); },
+    set(
+        [](void* context, int32_t width, int32_t height, const VizAnalysisFrame* frame) {
+            (*static_cast<ProbeFunction*>(context))({width, height, *frame});
+        },
         kept);
     return {kept, [library, set](void* pointer) {
                 set(nullptr, nullptr);

@@ -76,10 +76,8 @@ TEST_F(ViewTest, RotateButtonTakesAStripBelowThePicture) {
     GetWindowRect(button, &rect);
     POINT corner = {rect.left, rect.top};
     ScreenToClient(host_->Parent(), &corner);
-    EXPECT_EQ(corner.x, 345);
-    EXPECT_EQ(corner.y, 275);
-    EXPECT_EQ(rect.right - rect.left, 50);
-    EXPECT_EQ(rect.bottom - rect.top, 25);
+    EXPECT_EQ((std::vector{corner.x, corner.y, rect.right - rect.left, rect.bottom - rect.top}),
+              (std::vector<LONG>{345, 275, 50, 25}));
     EXPECT_EQ(GetWindowLongPtrA(button, GWLP_USERDATA), reinterpret_cast<LONG_PTR>(view));
     EXPECT_EQ(ClientSize(ViewWindow(*host_)).cy, 272) << "270 rounded up to 4";
     Destroy(view);
@@ -97,7 +95,8 @@ TEST_F(ViewTest, PluginsAreSelectedByTheirExactPath) {
     EXPECT_EQ(view->SelectPlugin(probe.c_str()), S_OK);
     EXPECT_EQ(view->SelectPlugin(probe.c_str()), S_OK);
     EXPECT_EQ(CurrentPlugin(view), "Probe.tkv");
-    EXPECT_EQ(view->GetCurrentPlugin(path, static_cast<uint32_t>(probe.size())), E_FAIL) << "no room for the terminator";
+    EXPECT_EQ(view->GetCurrentPlugin(path, static_cast<uint32_t>(probe.size())), E_FAIL)
+        << "no room for the terminator";
     EXPECT_EQ(view->GetCurrentPlugin(path, static_cast<uint32_t>(probe.size()) + 1), S_OK);
     // What can't be loaded never becomes current, whatever was asked of it before.
     char name[300];

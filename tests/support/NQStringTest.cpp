@@ -46,40 +46,6 @@ TEST(NQString, CopiesShareUntilTheCountIsFull) {
     EXPECT_EQ(Sharers(first), 1);
 }
 
-TEST(NQString, ChangesLeaveSharersAlone) {
-    const CNQString first("a longer text");
-    CNQString second(first);
-    second += "!";
-    EXPECT_EQ(first, "a longer text");
-    EXPECT_EQ(second, "a longer text!");
-    CNQString third(first);
-    third.GetBuffer(0)[0] = 'A';
-    third.ReleaseBuffer(3);
-    EXPECT_EQ(first, "a longer text");
-    EXPECT_EQ(third, "A l");
-    EXPECT_EQ(Byte(third, 7), 255) << "a shared form stays one when its text gets short";
-    CNQString fourth(third);
-    fourth.ReleaseBuffer(1);
-    EXPECT_EQ(third, "A l");
-    EXPECT_EQ(fourth, "A");
-}
-
-TEST(NQString, BuffersKeepTheTextAndGrow) {
-    CNQString text("abc");
-    char* buffer = text.GetBuffer(300);
-    EXPECT_STREQ(buffer, "abc");
-    EXPECT_EQ(text.GetLength(), 3);
-    std::memset(buffer, 'x', 300);
-    buffer[299] = 0;
-    text.ReleaseBuffer();
-    EXPECT_EQ(text.GetLength(), 299);
-
-    CNQString small;
-    std::memcpy(small.GetBuffer(7), "1234567", 8);
-    small.ReleaseBuffer();
-    EXPECT_EQ(small, "1234567");
-}
-
 TEST(NQString, PartsAreCutToTheText) {
     const CNQString text("folder/file.name.ext");
     EXPECT_EQ(text.Find('.'), 11);

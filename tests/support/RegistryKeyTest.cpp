@@ -62,19 +62,6 @@ TEST_F(RegistryKeyTest, Numbers) {
     EXPECT_EQ(number, 3u);
 }
 
-TEST_F(RegistryKeyTest, ClosedKeysLeaveOutAlone) {
-    RegistryKey closed;
-    char text[4] = "abc";
-    uint32_t number = 5;
-    EXPECT_FALSE(closed.SetString("Text", "x"));
-    EXPECT_FALSE(closed.SetNumber("Value", 1));
-    EXPECT_FALSE(closed.GetString("Text", "x", text, sizeof text));
-    EXPECT_FALSE(closed.GetNumber("Value", 1, &number));
-    EXPECT_STREQ(text, "abc");
-    EXPECT_EQ(number, 5u);
-    EXPECT_FALSE(ReadNumberSetting("Value", 1, &number, nullptr) && number == 5);
-}
-
 TEST_F(RegistryKeyTest, ReadingMakesTheKey) {
     const std::string below = std::string(kKey) + "\\Below";
     uint32_t number = 0;

@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <cstring>
+#include <initializer_list>
 
 inline constexpr GUID kIID_ITestLog = {0x7E57106A, 0x0001, 0x4C0D, {0x80, 0x01, 1, 2, 3, 4, 5, 6}};
 struct ITestLog : IUnknown {
@@ -15,6 +16,7 @@ struct ITestLog : IUnknown {
 
 struct TestPluginTraits {
     const char* Name = nullptr;  // null leaves the three texts alone
+    bool FillsTexts = false;     // to the last byte, without a terminator
     bool OffersTwo = true;
     bool OffersOne = false;
     HRESULT InitializeResult = S_OK;
@@ -61,6 +63,9 @@ public:
     }
     HRESULT GetInfo(char* name, char* creator, char* description) override {
         Note("GetInfo");
+        for (char* text : {name, creator, description}) {
+            if (traits_.FillsTexts) std::memset(text, 'n', kPluginTextSize);
+        }
         if (traits_.Name) {
             std::memcpy(name, traits_.Name, std::strlen(traits_.Name) + 1);
             std::memcpy(creator, "The test", sizeof "The test");
@@ -90,13 +95,14 @@ public:
     HRESULT Configure(MPAVizWindowRecord*) override { return Note("Configure record"); }
     HRESULT Configure(HWND) override { return Note("Configure window"); }
     HRESULT SetActive(uint32_t active) override { return Note(active == 1 ? "SetActive 1" : "SetActive 0"); }
-    HRESULT Draw(void* pixels, int32_t width, int32_t height, int32_t pitch, int32_t, VizAnalysisFrame* frame) override {
+    HRESULT Draw(void* pixels, int32_t width, int32_t height, int32_t pitch, int32_t,
+                 VizAnalysisFrame* frame) override {
         if (traits_.ThrowsInDraw) throw 1;
         if (traits_.Paint) {
             traits_.Paint(pixels, width, height, pitch, *frame);
-            return Note("Draw");
+        } else {
+            std::memset(pixels, 0x40, static_cast<size_t>(height) * static_cast<size_t>(pitch < 0 ? -pitch : pitch));
         }
-        std::memset(pixels, 0x40, static_cast<size_t>(height) * static_cast<size_t>(pitch < 0 ? -pitch : pitch));
         return Note("Draw");
     }
     HRESULT OnClick(uint32_t, uint32_t, uint32_t) override { return Note("OnClick"); }
