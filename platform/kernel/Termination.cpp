@@ -29,9 +29,10 @@ namespace {
 // moves it back to idle if the moment was bad, or to deferred if the thread will end by itself shortly.
 enum EndRequestState : int { kIdle, kSent, kDeferred };
 
-constexpr int kStandstillLimit = 50;  // looks in a row at which the thread has not moved: it is blocked
-constexpr int kRefusalLimit = 4000;
 constexpr long kRetryPauseNanoseconds = 200'000;
+// Looks in a row at which the thread has not moved: it is blocked, for a tenth of a second by then, which is
+// longer than a busy machine keeps the holder of a short lock waiting.
+constexpr int kStandstillLimit = 500;
 constexpr uint64_t kStopLimit = 2 * kNanosecondsPerSecond;
 constexpr int kExitYields = 200;
 
@@ -104,8 +105,8 @@ TDKP_UNINSTRUMENTED bool InSharedCode(uintptr_t address) {
     }
 }
 
-// Is this a bad moment? A thread that is blocked in the C library is ended all the same, and so is one that
-// is found in there again and again.
+// Is this a bad moment? A thread that is blocked in the C library is ended all the same; one that moves in
+// there and never comes out is left running after the time limit, rather than ended with a lock in its hands.
 TDKP_UNINSTRUMENTED bool MustComeOut(ThreadState& thread, Place place) {
     if (thread.Parked || !InSharedCode(place.Code)) {
         return false;
@@ -114,8 +115,7 @@ TDKP_UNINSTRUMENTED bool MustComeOut(ThreadState& thread, Place place) {
     thread.LastCode = place.Code;
     thread.LastStack = place.Stack;
     thread.Standstills = moved ? 0 : thread.Standstills + 1;
-    thread.Refusals = thread.Refusals + 1;
-    return thread.Standstills < kStandstillLimit && thread.Refusals < kRefusalLimit;
+    return thread.Standstills < kStandstillLimit;
 }
 
 TDKP_UNINSTRUMENTED void OnEndSignal(int, siginfo_t*, void* context) {

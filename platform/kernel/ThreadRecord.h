@@ -62,7 +62,6 @@ struct ThreadState {
     volatile bool EndPending = false;
     volatile bool Parked = false;
     // The handler's own: how often it found a bad moment, and where the thread stood then.
-    volatile int Refusals = 0;
     volatile int Standstills = 0;
     volatile uintptr_t LastCode = 0;
     volatile uintptr_t LastStack = 0;

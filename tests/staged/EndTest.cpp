@@ -1,7 +1,7 @@
 // Ends that a host brings about in the wrong order, and sizes that no window can have.
 #include <gtest/gtest.h>
-#include <tdkplatform.h>
 
+#include "tests/staged/NothingLeft.h"
 #include "tests/staged/TestHost.h"
 
 namespace tdkviz::test {
@@ -9,34 +9,25 @@ namespace {
 
 TEST(End, ShutdownTakesDownViewsThatTheHostForgot) {
     TestHost::InstallPlugins({"Probe.tkv", "WindowMode.tkv"});
-    TdkpCounts before = {};
-    TdkpCount(&before);
-    {
-        TestHost host;
-        ASSERT_TRUE(host.MakeView("Probe.tkv", 320, 240));
-        IMPAVizWindow* held = host.MakeView("WindowMode.tkv", 200, 100);
-        ASSERT_TRUE(held);
-        held->AddRef();
-        host.StartDevice(100, 441);
-        host.SetState(kEngineStatePlaying);
-        host.Advance(300);
-        host.ForgetViews();
-        const HMODULE library = LoadLibraryA(STAGE_DIR "/tdkviz.so");
-        host.Shutdown();
-        // A view that the host still holds has nothing to show, and says so.
-        char path[MAX_PATH];
-        EXPECT_EQ(held->GetCurrentPlugin(path, sizeof path), E_FAIL);
-        EXPECT_EQ(held->SelectPlugin(TestHost::PluginPath("Probe.tkv").c_str()), E_FAIL);
-        EXPECT_EQ(held->Show(100, 100), E_FAIL);
-        EXPECT_EQ(held->Release(), 0u);
-        FreeLibrary(library);
-    }
-    TdkpCounts after = {};
-    TdkpCount(&after);
-    EXPECT_EQ(after.handles, before.handles);
-    EXPECT_EQ(after.windows, before.windows);
-    EXPECT_EQ(after.gdiObjects, before.gdiObjects);
-    EXPECT_EQ(after.threads, before.threads);
+    const NothingLeft nothingLeft;
+    TestHost host;
+    ASSERT_TRUE(host.MakeView("Probe.tkv", 320, 240));
+    IMPAVizWindow* held = host.MakeView("WindowMode.tkv", 200, 100);
+    ASSERT_TRUE(held);
+    held->AddRef();
+    host.StartDevice(100, 441);
+    host.SetState(kEngineStatePlaying);
+    host.Advance(300);
+    host.ForgetViews();
+    const HMODULE library = LoadLibraryA(STAGE_DIR "/tdkviz.so");
+    host.Shutdown();
+    // A view that the host still holds has nothing to show, and says so.
+    char path[MAX_PATH];
+    EXPECT_EQ(held->GetCurrentPlugin(path, sizeof path), E_FAIL);
+    EXPECT_EQ(held->SelectPlugin(TestHost::PluginPath("Probe.tkv").c_str()), E_FAIL);
+    EXPECT_EQ(held->Show(100, 100), E_FAIL);
+    EXPECT_EQ(held->Release(), 0u);
+    FreeLibrary(library);
 }
 
 TEST(End, AudioAfterShutdownIsDropped) {
