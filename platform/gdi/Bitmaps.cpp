@@ -44,24 +44,6 @@ HBITMAP AddBitmap(std::shared_ptr<Bitmap> bitmap) {
     return bitmap ? static_cast<HBITMAP>(ObjectTable::Instance().Add(std::move(bitmap))) : nullptr;
 }
 
-PixelFormat FormatOfDepth(UINT bits) {
-    switch (bits) {
-        case 1:
-            return PixelFormat::kMono;
-        case 8:
-            return PixelFormat::kIndexed8;
-        case 15:
-        case 16:
-            return PixelFormat::kRgb555;
-        case 24:
-            return PixelFormat::kRgb24;
-        case 32:
-            return PixelFormat::kRgb32;
-        default:
-            return PixelFormat::kNone;
-    }
-}
-
 // An indexed window has the colours that its display could get.
 void TakeWindowColors(HWND window, Bitmap& bitmap) {
     const WindowRasterLock lock(window);
@@ -154,18 +136,6 @@ INT CopyLines(const Bitmap& bitmap, const DibLayout& layout, const uint32_t* pal
     return count;
 }
 
-// Runs `work` on the bitmap that is selected into a memory context, if it has a colour table.
-template <typename Work>
-UINT WithColorTable(HDC dc, UINT first, UINT count, Work work) {
-    const auto context = FindContext(dc);
-    if (!context || !context->bitmap->isSection || context->bitmap->raster.palette == nullptr) return 0;
-    const UINT all = 1u << BitsPerPixel(context->bitmap->raster.format);
-    if (first >= all) return 0;
-    count = std::min(count, all - first);
-    for (UINT i = 0; i < count; ++i) work(context->bitmap->colors[first + i], i);
-    return count;
-}
-
 }  // namespace
 }  // namespace tdkp
 
@@ -174,7 +144,7 @@ using namespace tdkp;
 TDKP_API HBITMAP CreateBitmap(INT width, INT height, UINT planes, UINT bitsPerPixel, LPCVOID bits) {
     const TerminationDeferral deferral;
     if (planes != 1) return nullptr;
-    std::shared_ptr<Bitmap> bitmap = MakeBitmap(FormatOfDepth(bitsPerPixel), width, height);
+    std::shared_ptr<Bitmap> bitmap = MakeBitmap(FormatOfBits(static_cast<int>(bitsPerPixel)), width, height);
     if (bitmap && bits != nullptr) {
         const Raster& raster = bitmap->raster;
         const size_t rowBytes = static_cast<size_t>(RowBytes(raster.format, width));
@@ -242,14 +212,4 @@ TDKP_API INT GetDIBits(HDC dc, HBITMAP handle, UINT firstLine, UINT lines, LPVOI
     uint32_t palette[kPaletteEntries] = {};
     if (layout.bits <= 8) FillColors(*bitmap, layout, *info, palette);
     return bits == nullptr ? layout.height : CopyLines(*bitmap, layout, palette, firstLine, lines, bits);
-}
-
-TDKP_API UINT GetDIBColorTable(HDC dc, UINT first, UINT count, RGBQUAD* colors) {
-    if (colors == nullptr) return 0;
-    return WithColorTable(dc, first, count, [&](uint32_t color, UINT i) { colors[i] = QuadFromColor(color); });
-}
-
-TDKP_API UINT SetDIBColorTable(HDC dc, UINT first, UINT count, const RGBQUAD* colors) {
-    if (colors == nullptr) return 0;
-    return WithColorTable(dc, first, count, [&](uint32_t& color, UINT i) { color = ColorFromQuad(colors[i]); });
 }

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 
-#include "platform/gdi/DibLayout.h"
 #include "platform/gdi/DrawTarget.h"
 #include "platform/gdi/ObjectTable.h"
 #include "platform/gdi/RasterBlit.h"
@@ -82,24 +81,6 @@ BOOL Blit(HDC toDc, const Extents& to, HDC fromDc, const Extents& from, DWORD op
     return TRUE;
 }
 
-// A bitmap in the caller's memory as source; `fromRect` counts from the top of `lines` rows.
-void BlitDib(const DeviceContext& to, const Extents& extents, const DibLayout& layout, int lines, const RECT& fromRect,
-             const Extents& from, LPCVOID bits, const BITMAPINFO& info, uint8_t rop) {
-    uint32_t palette[kPaletteEntries] = {};
-    ReadDibColors(info, layout, palette);
-    DrawTarget target(to);
-    BlitJob job;
-    job.to = target.Pixels();
-    job.toRect = extents.Rect();
-    // Sources are only read.
-    job.from = DibRaster(layout, static_cast<uint8_t*>(const_cast<void*>(bits)), lines, palette);
-    job.fromRect = fromRect;
-    job.mirrorX = (extents.width < 0) != (from.width < 0);
-    job.mirrorY = (extents.height < 0) != (from.height < 0);
-    job.rop = rop;
-    if (target.ClipCount() > 0 && SetPattern(to, job)) RunOn(target, job);
-}
-
 }  // namespace
 }  // namespace tdkp
 
@@ -117,39 +98,6 @@ TDKP_API BOOL StretchBlt(HDC to, INT x, INT y, INT width, INT height, HDC from, 
 TDKP_API BOOL PatBlt(HDC dc, INT x, INT y, INT width, INT height, DWORD operation) {
     if (RopUsesSource(RopOf(operation))) return FALSE;
     return Blit(dc, {x, y, width, height}, nullptr, {}, operation);
-}
-
-TDKP_API INT StretchDIBits(HDC to, INT x, INT y, INT width, INT height, INT fromX, INT fromY, INT fromWidth,
-                           INT fromHeight, LPCVOID bits, const BITMAPINFO* info, UINT usage, DWORD operation) {
-    const auto context = FindContext(to);
-    DibLayout layout;
-    if (!context || bits == nullptr || info == nullptr || usage != DIB_RGB_COLORS || !ParseDib(*info, &layout))
-        return 0;
-    const Extents from = {fromX, fromY, fromWidth, fromHeight};
-    RECT fromRect = from.Rect();
-    // The y of a bottom-up bitmap counts from the bottom.
-    if (!layout.topDown)
-        fromRect = {fromRect.left, ClampToLong(int64_t{layout.height} - fromRect.bottom), fromRect.right,
-                    ClampToLong(int64_t{layout.height} - fromRect.top)};
-    BlitDib(*context, {x, y, width, height}, layout, layout.height, fromRect, from, bits, *info, RopOf(operation));
-    return layout.height;
-}
-
-TDKP_API INT SetDIBitsToDevice(HDC to, INT x, INT y, DWORD width, DWORD height, INT fromX, INT fromY, UINT firstLine,
-                               UINT lines, LPCVOID bits, const BITMAPINFO* info, UINT usage) {
-    const auto context = FindContext(to);
-    DibLayout layout;
-    if (!context || bits == nullptr || info == nullptr || usage != DIB_RGB_COLORS || !ParseDib(*info, &layout) ||
-        firstLine >= static_cast<UINT>(layout.height) || lines == 0)
-        return 0;
-    const int count = static_cast<int>(std::min(lines, static_cast<UINT>(layout.height) - firstLine));
-    const Extents extents = {x, y, ClampToLong(width), ClampToLong(height)};
-    const Extents from = {fromX, fromY, extents.width, extents.height};
-    const int64_t top =
-        layout.topDown ? int64_t{fromY} - firstLine : int64_t{firstLine} + count - fromY - extents.height;
-    const RECT fromRect = Shift({0, 0, extents.width, extents.height}, fromX, top);
-    BlitDib(*context, extents, layout, count, fromRect, from, bits, *info, kRopCopySource);
-    return count;
 }
 
 TDKP_API INT FillRect(HDC dc, const RECT* rect, HBRUSH handle) {

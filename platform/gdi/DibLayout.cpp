@@ -32,6 +32,12 @@ PixelFormat FormatOfMasks(int bits, const DWORD* masks) {
     return row != std::end(kMaskRows) ? row->format : PixelFormat::kNone;
 }
 
+uint8_t* BehindHeader(BITMAPINFO& info) {
+    return reinterpret_cast<uint8_t*>(&info) + kHeaderSize;
+}
+
+}  // namespace
+
 PixelFormat FormatOfBits(int bits) {
     switch (bits) {
         case 1:
@@ -48,12 +54,6 @@ PixelFormat FormatOfBits(int bits) {
             return PixelFormat::kNone;
     }
 }
-
-uint8_t* BehindHeader(BITMAPINFO& info) {
-    return reinterpret_cast<uint8_t*>(&info) + kHeaderSize;
-}
-
-}  // namespace
 
 bool ParseDib(const BITMAPINFO& info, DibLayout* layout) {
     const BITMAPINFOHEADER& header = info.bmiHeader;

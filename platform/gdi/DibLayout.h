@@ -33,6 +33,8 @@ RGBQUAD* DibColors(BITMAPINFO& info);
 // Reads the colour table that stands in a header of up to 8 bits; entries that it doesn't have are black.
 void ReadDibColors(const BITMAPINFO& info, const DibLayout& layout, uint32_t* palette);
 
+// The format of pixels without masks; kNone for a bit count that the layer doesn't draw.
+PixelFormat FormatOfBits(int bits);
 // The masks of a format of 16 or 32 bits; false for others.
 bool MasksOf(PixelFormat format, DWORD masks[3]);
 

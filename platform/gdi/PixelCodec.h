@@ -15,26 +15,6 @@ constexpr int kPaletteEntries = 256;
 constexpr int kMonoEntries = 2;
 constexpr uint32_t kColorMask = 0x00FFFFFF;
 
-constexpr int BitsPerPixel(PixelFormat format) {
-    switch (format) {
-        case PixelFormat::kNone:
-            return 0;
-        case PixelFormat::kMono:
-            return 1;
-        case PixelFormat::kIndexed8:
-            return 8;
-        case PixelFormat::kRgb555:
-        case PixelFormat::kRgb565:
-            return 16;
-        case PixelFormat::kRgb24:
-            return 24;
-        case PixelFormat::kRgb32:
-        case PixelFormat::kBgr32:
-            return 32;
-    }
-    return 0;
-}
-
 // Bytes of a row of `width` pixels that starts on a byte, without padding.
 constexpr int64_t RowBytes(PixelFormat format, int64_t width) {
     return (width * BitsPerPixel(format) + 7) / 8;

@@ -17,6 +17,31 @@ enum class PixelFormat : uint8_t {
     kBgr32,     // r, g, b, x bytes
 };
 
+constexpr int BitsPerPixel(PixelFormat format) {
+    switch (format) {
+        case PixelFormat::kNone:
+            return 0;
+        case PixelFormat::kMono:
+            return 1;
+        case PixelFormat::kIndexed8:
+            return 8;
+        case PixelFormat::kRgb555:
+        case PixelFormat::kRgb565:
+            return 16;
+        case PixelFormat::kRgb24:
+            return 24;
+        case PixelFormat::kRgb32:
+        case PixelFormat::kBgr32:
+            return 32;
+    }
+    return 0;
+}
+
+// Of a format whose pixels are whole bytes.
+constexpr int BytesPerPixel(PixelFormat format) {
+    return BitsPerPixel(format) / 8;
+}
+
 // Row 0 is the topmost row of the picture. For a bottom-up bitmap `topRow` is the last row in memory
 // and `pitch` is negative. The memory belongs to whoever made the raster.
 struct Raster {

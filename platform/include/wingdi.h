@@ -294,18 +294,12 @@ TDKP_API HBITMAP CreateCompatibleBitmap(HDC dc, INT width, INT height);
 TDKP_API HBITMAP CreateDIBSection(HDC dc, const BITMAPINFO* info, UINT usage, LPVOID* bits, HANDLE section,
                                   DWORD offset);
 TDKP_API INT GetDIBits(HDC dc, HBITMAP bitmap, UINT firstLine, UINT lines, LPVOID bits, BITMAPINFO* info, UINT usage);
-TDKP_API UINT GetDIBColorTable(HDC dc, UINT first, UINT count, RGBQUAD* colors);
-TDKP_API UINT SetDIBColorTable(HDC dc, UINT first, UINT count, const RGBQUAD* colors);
 
 // Moving pixels. What the source doesn't have is left as it was in the destination.
 TDKP_API BOOL BitBlt(HDC to, INT x, INT y, INT width, INT height, HDC from, INT fromX, INT fromY, DWORD operation);
 // Extents below 0 run from the given pixel to the left and up; different signs mirror the picture.
 TDKP_API BOOL StretchBlt(HDC to, INT x, INT y, INT width, INT height, HDC from, INT fromX, INT fromY, INT fromWidth,
                          INT fromHeight, DWORD operation);
-TDKP_API INT StretchDIBits(HDC to, INT x, INT y, INT width, INT height, INT fromX, INT fromY, INT fromWidth,
-                           INT fromHeight, LPCVOID bits, const BITMAPINFO* info, UINT usage, DWORD operation);
-TDKP_API INT SetDIBitsToDevice(HDC to, INT x, INT y, DWORD width, DWORD height, INT fromX, INT fromY, UINT firstLine,
-                               UINT lines, LPCVOID bits, const BITMAPINFO* info, UINT usage);
 TDKP_API BOOL PatBlt(HDC dc, INT x, INT y, INT width, INT height, DWORD operation);
 TDKP_API COLORREF SetPixel(HDC dc, INT x, INT y, COLORREF color);
 TDKP_API BOOL SetPixelV(HDC dc, INT x, INT y, COLORREF color);
@@ -314,9 +308,7 @@ TDKP_API COLORREF GetPixel(HDC dc, INT x, INT y);
 // Lines and shapes.
 TDKP_API BOOL MoveToEx(HDC dc, INT x, INT y, POINT* former);
 TDKP_API BOOL LineTo(HDC dc, INT x, INT y);
-TDKP_API BOOL Polyline(HDC dc, const POINT* points, INT count);
 TDKP_API BOOL Rectangle(HDC dc, INT left, INT top, INT right, INT bottom);
-TDKP_API BOOL Ellipse(HDC dc, INT left, INT top, INT right, INT bottom);
 
 // Text.
 TDKP_API BOOL TextOutA(HDC dc, INT x, INT y, LPCSTR text, INT length);

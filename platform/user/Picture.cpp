@@ -42,25 +42,6 @@ bool MakeLarger(Display& display, HWND window, const RECT& client, const Raster&
 
 }  // namespace
 
-int32_t BytesPerPixel(PixelFormat format) {
-    switch (format) {
-        case PixelFormat::kIndexed8:
-            return 1;
-        case PixelFormat::kRgb555:
-        case PixelFormat::kRgb565:
-            return 2;
-        case PixelFormat::kRgb24:
-            return 3;
-        case PixelFormat::kRgb32:
-        case PixelFormat::kBgr32:
-            return 4;
-        case PixelFormat::kNone:
-        case PixelFormat::kMono:
-            break;
-    }
-    return 0;
-}
-
 bool TryHoldPicture(DispatcherGuard&, Window& window, uint32_t thread) {
     WindowPicture& picture = window.picture;
     if (picture.depth != 0 && picture.holder != thread) return false;

@@ -24,6 +24,4 @@ void DropHeldPicture(DispatcherGuard& guard, Window& window);
 // Takes away what an ended thread held.
 void ForgetHolds(WindowPicture& picture, uint32_t thread);
 
-int32_t BytesPerPixel(PixelFormat format);
-
 }  // namespace tdkp

@@ -1,8 +1,11 @@
 // Ends that a host brings about in the wrong order, and sizes that no window can have.
 #include <gtest/gtest.h>
 
+#include <vector>
+
 #include "tests/staged/NothingLeft.h"
 #include "tests/staged/TestHost.h"
+#include "tests/support/TestObjects.h"
 
 namespace tdkviz::test {
 namespace {
@@ -40,7 +43,11 @@ TEST(End, AudioAfterShutdownIsDropped) {
     host.Shutdown();
     KVAAudioFormat format = {2, 16, 48000, 4096, 0};
     EXPECT_EQ(hook->OnAudioFormat(&format), S_OK);
-    EXPECT_EQ(hook->OnAudioData(nullptr, nullptr), S_OK);
+    std::vector<int16_t> audio(4096);
+    FakeBuffer buffer(audio.data(), audio.size() * sizeof(int16_t));
+    KVAAudioData data = {&buffer};
+    EXPECT_EQ(hook->OnAudioData(&data, &data), S_OK);
+    EXPECT_EQ(buffer.References, 0u);
     FreeLibrary(library);
 }
 

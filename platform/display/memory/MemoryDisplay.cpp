@@ -28,20 +28,6 @@ PixelFormat FormatOfDepth(int depth) {
     }
 }
 
-int BytesPerPixel(PixelFormat format) {
-    switch (format) {
-        case PixelFormat::kIndexed8:
-            return 1;
-        case PixelFormat::kRgb555:
-        case PixelFormat::kRgb565:
-            return 2;
-        case PixelFormat::kRgb24:
-            return 3;
-        default:
-            return 4;
-    }
-}
-
 // Ids go on counting from one display to the next, so that a stale handle never names a new window.
 WindowId NextWindow() {
     static std::atomic<WindowId> next{kFirstWindow};
