@@ -1,13 +1,13 @@
-// One spectrum of 512 samples beside the same through FFTW: window, fold to a DCT-IV of 256, logarithm.
-#include <algorithm>
+// One spectrum of 512 samples: window, fold, DCT-IV of 256, logarithm; beside FFTW's DCT-IV alone.
 #include <array>
 #include <cmath>
 #include <cstdint>
-#include <numbers>
 
 #include <benchmark/benchmark.h>
 
+#include "bench/Goals.h"
 #include "src/audio/SpectrumAnalyser.h"
+#include "src/audio/SpectrumTransform.h"
 
 #ifdef TDKBENCH_HAVE_FFTW
 #include <fftw3.h>
@@ -15,11 +15,11 @@
 
 namespace {
 
-constexpr int kSamples = 512;
-constexpr int kBands = 256;
+using namespace tdkviz;
+
 constexpr uint32_t kRate = 44100;
 
-using Samples = std::array<int16_t, kSamples>;
+using Samples = std::array<int16_t, kTransformSamples>;
 
 Samples MakeSamples() {
     Samples samples;
@@ -32,96 +32,98 @@ Samples MakeSamples() {
     return samples;
 }
 
-void BenchAnalyser(benchmark::State& state) {
-    const Samples samples = MakeSamples();
-    tdkviz::CSpectrumAnalyser analyser;
-    for (auto _ : state) {
-        analyser.Analyse(samples.data(), kSamples, kRate);
-        benchmark::DoNotOptimize(analyser.GetSpectrum());
-    }
-}
-BENCHMARK(BenchAnalyser)->Name("Spectrum/Analyser");
-
-#ifdef TDKBENCH_HAVE_FFTW
-
-class FftwSpectrum {
+class WholeSpectrum {
 public:
-    FftwSpectrum()
-        : buffer_(fftwf_alloc_real(kBands)),
-          plan_(fftwf_plan_r2r_1d(kBands, buffer_, buffer_, FFTW_REDFT11, FFTW_MEASURE)) {
-        for (size_t n = 0; n < kSamples; ++n) {
-            window_[n] = static_cast<float>(std::sin(std::numbers::pi * (static_cast<double>(n) + 0.5) / kSamples));
-        }
-    }
-    ~FftwSpectrum() {
-        fftwf_destroy_plan(plan_);
-        fftwf_free(buffer_);
-    }
-    FftwSpectrum(const FftwSpectrum&) = delete;
-    FftwSpectrum& operator=(const FftwSpectrum&) = delete;
-
-    void Transform() { fftwf_execute(plan_); }
-
-    // The cosine's phase is n + 0.5 - 128: what lies before 0 folds back as it is, what lies beyond 256
-    // with its sign turned.
-    void Fold(const Samples& samples) {
-        const auto at = [&](size_t n) { return window_[n] * static_cast<float>(samples[n]); };
-        for (size_t j = 0; j < kBands; ++j)
-            buffer_[j] = j < 128 ? at(j + 128) + at(127 - j) : at(j + 128) - at(639 - j);
-    }
-    void Scale(std::array<int32_t, kBands>& out) const {
-        // FFTW's transform is twice the plain sum.
-        const float factor = std::sqrt(2.0F / kBands) / 2;
-        for (size_t k = 0; k < kBands; ++k) {
-            const float loudness = 80 * std::log10(std::max(std::fabs(buffer_[k] * factor), 1e-6F)) - 140;
-            out[k] = static_cast<int32_t>(std::clamp(loudness, 0.0F, 255.0F));
-        }
+    void Run() {
+        analyser_.Analyse(samples_.data(), kTransformSamples, kRate);
+        benchmark::DoNotOptimize(analyser_.GetSpectrum());
     }
 
 private:
-    float* buffer_;
-    fftwf_plan plan_;
-    std::array<float, kSamples> window_ = {};
+    const Samples samples_ = MakeSamples();
+    CSpectrumAnalyser analyser_;
 };
 
-void BenchFftw(benchmark::State& state) {
-    const Samples samples = MakeSamples();
-    FftwSpectrum spectrum;
-    std::array<int32_t, kBands> out = {};
-    for (auto _ : state) {
-        spectrum.Fold(samples);
-        spectrum.Transform();
-        spectrum.Scale(out);
-        benchmark::DoNotOptimize(out.data());
+class TransformAlone {
+public:
+    TransformAlone() {
+        const Samples samples = MakeSamples();
+        for (size_t i = 0; i < samples.size(); ++i) samples_[i] = samples[i];
     }
-    // Both must be about the same thing.
-    tdkviz::CSpectrumAnalyser analyser;
-    analyser.Analyse(samples.data(), kSamples, kRate);
-    int32_t largest = 0;
-    for (size_t k = 0; k < kBands; ++k) largest = std::max(largest, std::abs(out[k] - analyser.GetSpectrum()[k]));
-    state.counters["largest_difference"] = largest;
-}
-BENCHMARK(BenchFftw)->Name("Spectrum/Fftw");
-
-void BenchFftwTransform(benchmark::State& state) {
-    const Samples samples = MakeSamples();
-    FftwSpectrum spectrum;
-    for (auto _ : state) {
-        // In place: fresh values, so that they don't grow from run to run.
-        spectrum.Fold(samples);
-        spectrum.Transform();
+    void Run() {
+        TransformSamples(*tables_, samples_.data(), coefficients_.data());
+        benchmark::DoNotOptimize(coefficients_.data());
         benchmark::ClobberMemory();
     }
-}
-BENCHMARK(BenchFftwTransform)->Name("Spectrum/FftwWithoutLogarithm");
+
+private:
+    const std::shared_ptr<const SpectrumTables> tables_ = SpectrumTables::Acquire();
+    std::array<float, kTransformSamples> samples_;
+    std::array<float, kTransformBands> coefficients_;
+};
+
+#ifdef TDKBENCH_HAVE_FFTW
+
+// Out of place, so that the values don't grow from run to run.
+class FftwTransform {
+public:
+    static constexpr bool kIsThere = true;
+
+    FftwTransform()
+        : in_(fftwf_alloc_real(kTransformBands)),
+          out_(fftwf_alloc_real(kTransformBands)),
+          plan_(fftwf_plan_r2r_1d(kTransformBands, in_, out_, FFTW_REDFT11, FFTW_MEASURE)) {
+        const Samples samples = MakeSamples();
+        for (size_t i = 0; i < kTransformBands; ++i) in_[i] = samples[i];
+    }
+    ~FftwTransform() {
+        fftwf_destroy_plan(plan_);
+        fftwf_free(out_);
+        fftwf_free(in_);
+    }
+    FftwTransform(const FftwTransform&) = delete;
+    FftwTransform& operator=(const FftwTransform&) = delete;
+
+    void Run() {
+        fftwf_execute(plan_);
+        benchmark::ClobberMemory();
+    }
+
+private:
+    float* const in_;
+    float* const out_;
+    const fftwf_plan plan_;
+};
 
 #else
 
-void BenchNoFftw(benchmark::State& state) {
-    state.SkipWithError("built without FFTW");
-}
-BENCHMARK(BenchNoFftw)->Name("Spectrum/Fftw");
+struct FftwTransform {
+    static constexpr bool kIsThere = false;
+    void Run() {}
+};
 
 #endif
 
+template <typename Work>
+void Bench(benchmark::State& state) {
+    Work work;
+    for (auto _ : state) work.Run();
+}
+BENCHMARK(Bench<WholeSpectrum>)->Name("Spectrum/Whole");
+BENCHMARK(Bench<TransformAlone>)->Name("Spectrum/FoldAndTransform");
+BENCHMARK(Bench<FftwTransform>)->Name("Spectrum/FftwTransform");
+
+template <typename Work>
+std::optional<double> TimeAgainstFftw(const bench::Trial& trial) {
+    if (!FftwTransform::kIsThere) return std::nullopt;
+    Work work;
+    FftwTransform fftw;
+    return bench::Contest([&] { work.Run(); }, [&] { fftw.Run(); }, trial.seconds);
+}
+
 }  // namespace
+
+void bench::AddSpectrumGoals() {
+    AddGoal({"Spectrum without logarithm", "FFTW's DCT-IV", false, 0.85, 0.5, TimeAgainstFftw<TransformAlone>});
+    AddGoal({"Spectrum whole", "FFTW's DCT-IV", false, 1.4, 0.9, TimeAgainstFftw<WholeSpectrum>});
+}

@@ -9,7 +9,7 @@ add_library(tdkviz_system INTERFACE)
 target_link_libraries(tdkviz_system INTERFACE tdkviz_contract)
 if(WIN32)
   target_compile_definitions(tdkviz_system INTERFACE WIN32_LEAN_AND_MEAN NOMINMAX)
-  target_link_libraries(tdkviz_system INTERFACE gdi32 advapi32 user32 ole32)
+  target_link_libraries(tdkviz_system INTERFACE gdi32 advapi32 user32 ole32 comctl32)
   # The runtime that mingw links by default has _stat32 under its older name.
   target_link_options(tdkviz_system INTERFACE -Wl,--defsym,__imp__stat32=__imp__stat)
 else()
@@ -45,4 +45,45 @@ function(tdkviz_plugin name)
   set_target_properties(${name} PROPERTIES PREFIX "" SUFFIX ".tkv"
     LIBRARY_OUTPUT_DIRECTORY ${TDKVIZ_STAGE_DIR}/Visualizations
     RUNTIME_OUTPUT_DIRECTORY ${TDKVIZ_STAGE_DIR}/Visualizations)
+endfunction()
+
+# tdkviz_resources(TARGET FILE.rc): the resources of a module or program. What stands beside the .rc file is
+# taken for its parts: pictures, and headers with the numbers. Elsewhere than on Windows the very same file is
+# compiled too, and carried as a note that the platform layer reads.
+if(WIN32)
+  enable_language(RC)
+else()
+  find_program(TDKVIZ_WINDRES x86_64-w64-mingw32-windres)
+  find_program(TDKVIZ_LLVM_RC NAMES llvm-rc llvm-rc-14 llvm-rc-15 llvm-rc-16)
+endif()
+function(tdkviz_resources target file)
+  get_filename_component(file ${file} ABSOLUTE)
+  get_filename_component(folder ${file} DIRECTORY)
+  file(GLOB parts CONFIGURE_DEPENDS ${folder}/*.bmp ${folder}/*.h)
+  if(WIN32)
+    set_source_files_properties(${file} PROPERTIES OBJECT_DEPENDS "${parts}" INCLUDE_DIRECTORIES ${folder})
+    target_sources(${target} PRIVATE ${file})
+    return()
+  endif()
+  set(includes -I ${folder} -I ${PROJECT_SOURCE_DIR}/platform/include)
+  set(preprocessed ${CMAKE_CURRENT_BINARY_DIR}/${target}.i.rc)
+  set(compiled ${CMAKE_CURRENT_BINARY_DIR}/${target}.res)
+  set(generated ${CMAKE_CURRENT_BINARY_DIR}/${target}_resources.cpp)
+  if(TDKVIZ_WINDRES)
+    # The preprocessing is done, and the plain -E of any compiler leaves the text alone.
+    set(compile ${TDKVIZ_WINDRES} -O res -I ${folder} --preprocessor=${CMAKE_CXX_COMPILER}
+      --preprocessor-arg=-E --preprocessor-arg=-xc ${preprocessed} ${compiled})
+  elseif(TDKVIZ_LLVM_RC)
+    set(compile ${TDKVIZ_LLVM_RC} /no-preprocess /I ${folder} /FO ${compiled} ${preprocessed})
+  else()
+    message(FATAL_ERROR "No resource compiler: neither x86_64-w64-mingw32-windres nor llvm-rc")
+  endif()
+  add_custom_command(OUTPUT ${compiled}
+    COMMAND ${CMAKE_CXX_COMPILER} -E -P -xc -DRC_INVOKED ${includes} ${file} -o ${preprocessed}
+    COMMAND ${compile}
+    DEPENDS ${file} ${parts} ${PROJECT_SOURCE_DIR}/platform/include/winresrc.h
+    BYPRODUCTS ${preprocessed} VERBATIM)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/resources.cpp.in ${generated} @ONLY)
+  set_property(SOURCE ${generated} PROPERTY OBJECT_DEPENDS ${compiled})
+  target_sources(${target} PRIVATE ${generated})
 endfunction()

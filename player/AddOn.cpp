@@ -101,10 +101,22 @@ void AddOn::Configure(const PictureSettings& settings) {
     if (settings.Randomize) set(kConfigRandomize, *settings.Randomize ? 1 : 0);
     configuration_->SetConfiguration(wanted.Get());
     userConfiguration_ = ComPtr<IKVAValues>(overridden.Get());
+    optionsConfiguration_ = ComPtr<IKVAValues>(wanted.Get());
 }
 
 void AddOn::RestoreConfiguration() {
-    if (configuration_ && userConfiguration_) configuration_->SetConfiguration(userConfiguration_.Get());
+    ComPtr<IKVAValues> now;
+    if (!userConfiguration_ || FAILED(configuration_->GetConfiguration(now.Receive()))) return;
+    const auto restored = MakeCom<Values>();
+    for (const char* key : {kConfigFrameRate, kConfigEffects, kConfigRandomize}) {
+        uint32_t old = 0;
+        uint32_t option = 0;
+        uint32_t current = 0;
+        optionsConfiguration_->GetNumber(key, &option);
+        now->GetNumber(key, &current);
+        if (current == option && SUCCEEDED(userConfiguration_->GetNumber(key, &old))) restored->SetNumber(key, old);
+    }
+    configuration_->SetConfiguration(restored.Get());
 }
 
 void AddOn::AnnounceTrack() {

@@ -26,9 +26,10 @@ public:
     AddOn& operator=(const AddOn&) = delete;
 
     IMPAVizMgr& Manager() { return *manager_; }
+    ITKCommandButton& Button() { return *component_; }
 
     // Puts the options in force that are given. They are for this run: what the user had set comes back
-    // at the end.
+    // at the end, unless the user has changed it meanwhile.
     void Configure(const PictureSettings& settings);
     // Another piece begins.
     void AnnounceTrack();
@@ -46,7 +47,8 @@ private:
     ComPtr<ITKCommandButton> component_;
     ComPtr<IMPAVizMgr> manager_;
     ComPtr<IMPAAdvancedConfiguration> configuration_;
-    ComPtr<IKVAValues> userConfiguration_;  // what Configure has overridden
+    ComPtr<IKVAValues> userConfiguration_;     // what Configure has overridden
+    ComPtr<IKVAValues> optionsConfiguration_;  // and what it has put in place
 };
 
 }  // namespace tdkplay

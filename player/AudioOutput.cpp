@@ -7,37 +7,41 @@
 namespace tdkplay {
 namespace {
 
-constexpr char kAutomatic[] = "auto";
-
 struct OutputKind {
     const char* Name;
-    std::unique_ptr<AudioOutput> (*Open)(const PcmFormat& format, HANDLE wake);  // null if it doesn't open
+    bool HasDevices;
+    // Null if it doesn't open. Throws PlayerError with kNoSound for a device that must be there and isn't.
+    std::unique_ptr<AudioOutput> (*Open)(const OutputRequest& request, const PcmFormat& format, HANDLE wake);
 };
 
-std::unique_ptr<AudioOutput> OpenSilent(const PcmFormat& format, HANDLE) {
+std::unique_ptr<AudioOutput> OpenSilent(const OutputRequest&, const PcmFormat& format, HANDLE) {
     return std::make_unique<SilentOutput>(format);
 }
 
 // In the order in which "auto" tries them. The last one always opens.
 constexpr OutputKind kKinds[] = {
-    {kPulseName, PulseOutput::Open},
-    {kSilentName, OpenSilent},
+    {kPulseName, true, PulseOutput::Open},
+    {kSilentName, false, OpenSilent},
 };
 
 }  // namespace
 
 std::vector<std::string> OutputNames() {
-    std::vector<std::string> names = {kAutomatic};
+    std::vector<std::string> names = {kAutomaticOutput};
     for (const OutputKind& kind : kKinds) names.emplace_back(kind.Name);
     return names;
 }
 
-std::unique_ptr<AudioOutput> OpenOutput(const std::string& name, const PcmFormat& format, HANDLE wake) {
+std::unique_ptr<AudioOutput> OpenOutput(const OutputRequest& request, const PcmFormat& format, HANDLE wake) {
+    const bool isAutomatic = request.Kind == kAutomaticOutput;
     for (const OutputKind& kind : kKinds) {
-        if (name != kAutomatic && name != kind.Name) continue;
-        if (std::unique_ptr<AudioOutput> output = kind.Open(format, wake)) return output;
+        if (!isAutomatic && request.Kind != kind.Name) continue;
+        if (request.MustHaveDevice && isAutomatic && !kind.HasDevices) continue;
+        if (std::unique_ptr<AudioOutput> output = kind.Open(request, format, wake)) return output;
     }
-    throw PlayerError(ExitCode::kNoSound, "the sound output \"" + name + "\" doesn't open");
+    if (request.MustHaveDevice)
+        throw PlayerError(ExitCode::kNoSound, "there is no sound server for the device \"" + request.Device + "\"");
+    throw PlayerError(ExitCode::kNoSound, "the sound output \"" + request.Kind + "\" doesn't open");
 }
 
 }  // namespace tdkplay

@@ -50,12 +50,20 @@ public:
     virtual bool TakeMoved() { return false; }
 };
 
+inline constexpr char kAutomaticOutput[] = "auto";
+
+struct OutputRequest {
+    std::string Kind = kAutomaticOutput;  // of OutputNames()
+    std::string Device;                   // as the sound server names it; empty: the server's choice
+    bool MustHaveDevice = false;          // otherwise one that isn't there means the server's choice, too
+};
+
 // "auto" and the names of the list.
 std::vector<std::string> OutputNames();
 
-// Opens the output of this name; "auto" takes the first that opens. `wake` is an event that the output sets
-// when there is room again or something has happened to the device; it must outlive the output. Throws
-// PlayerError with kNoSound if the output that was asked for doesn't open.
-std::unique_ptr<AudioOutput> OpenOutput(const std::string& name, const PcmFormat& format, HANDLE wake);
+// Opens the output of this kind, which passes over the device if it has none to choose from; "auto" takes the first
+// that opens. `wake` is an event that the output sets when there is room again or something has happened to the device;
+// it must outlive the output. Throws PlayerError with kNoSound if what was asked for doesn't open.
+std::unique_ptr<AudioOutput> OpenOutput(const OutputRequest& request, const PcmFormat& format, HANDLE wake);
 
 }  // namespace tdkplay

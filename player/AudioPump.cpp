@@ -42,6 +42,11 @@ void AudioPump::SetRunning(bool running) {
     output_->SetPaused(!running);
 }
 
+void AudioPump::SetVolume(int percent) {
+    const std::lock_guard lock(mutex_);
+    gain_.SetPercent(percent);
+}
+
 void AudioPump::Seek(double seconds) {
     const std::lock_guard lock(mutex_);
     auto frame = static_cast<uint64_t>(std::max(seconds, 0.0) * format_.Rate);
@@ -80,6 +85,7 @@ AudioPump::Step AudioPump::DeliverBlock() {
     buffer_->SetContents(block_.data(), static_cast<uint32_t>(frames * format_.FrameBytes()));
     engine_->SetDelay(output_->Latency() + static_cast<double>(frames) / format_.Rate);
     hooks_.Deliver(buffer_.Get());
+    gain_.Apply(block_.data(), frames, format_.Channels);
     output_->Write(block_.data(), frames);
     nextFrame_ += frames;
     delivered_ += frames;

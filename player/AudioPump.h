@@ -14,6 +14,7 @@
 #include "player/Buffer.h"
 #include "player/Decoder.h"
 #include "player/Engine.h"
+#include "player/Gain.h"
 
 namespace tdkplay {
 
@@ -44,6 +45,8 @@ public:
     // Whether the output plays or not is kept. The hooks hear of the format again, for the engine's delay.
     void SetOutput(std::shared_ptr<AudioOutput> output, ComPtr<Engine> engine);
     void SetRunning(bool running);
+    // Percent. For the listener alone: the hooks get the full level.
+    void SetVolume(int percent);
     // To this place in the piece, in seconds; beyond its end is its end.
     void Seek(double seconds);
     // Tells the hooks that no audio flows any more.
@@ -73,6 +76,7 @@ private:
     ComPtr<Engine> engine_;
     ComPtr<Buffer> buffer_ = MakeCom<Buffer>();
     std::vector<int16_t> block_;
+    Gain gain_;
     bool running_ = false;
     bool formatTold_ = false;
     bool atEnd_ = false;

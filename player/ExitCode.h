@@ -16,8 +16,12 @@ enum class ExitCode : int {
     kNoPlugins = 6,       // the folder Visualizations holds no plug-in
     kNoDisplay = 7,       // a window was asked for and there is no display
     kNoAddOn = 8,         // tdkviz can't be loaded or started
-    kCannotWrite = 9,     // a picture or the demo file can't be written
-    kNoSound = 10,        // the sound output that was asked for doesn't open
+    kCannotWrite = 9,     // a picture, a video or the demo file can't be written
+    kNoSound = 10,        // the sound output or device that was asked for doesn't open
+    kNoSettings = 11,     // the stored settings can't be read, or not be cleared
+    kNoEncoder = 12,      // a video was asked for and there is no program ffmpeg
+    kEncoderFailed = 13,  // ffmpeg couldn't make the video
+    kInterrupted = 130,   // a rendering was stopped by the user; what it has written can be played
 };
 
 // One line for the user and the exit code that goes with it. Never crosses an interface.

@@ -1,5 +1,7 @@
 #include "player/LiveRun.h"
 
+#include <tdkplatform.h>
+
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
@@ -16,55 +18,84 @@ constexpr double kNever = std::numeric_limits<double>::infinity();
 // A wait may come back a little early by the sound device's clock.
 constexpr double kTimeTolerance = 0.002;
 
+constexpr int kVolumeStep = 5;  // percent
+
+// The add-on tells that a plug-in goes before the view leaves it, so the view is looked at for a while.
+constexpr int kLooks = 20;
+constexpr DWORD kLookInterval = 50;  // milliseconds
+
 }  // namespace
 
-LiveRun::LiveRun(const Options& options, Session& session, Interrupt& interrupt)
+LiveRun::LiveRun(const Options& options, Session& session, Interrupt& interrupt, SettingsKeeper& keeper)
     : options_(options),
       session_(session),
       interrupt_(interrupt),
-      window_(options.Width, options.Height, this),
-      view_(std::make_unique<View>(session.Manager(), window_.Handle(), options.Width, options.Height,
-                                   session.Plugins(), session.ChosenPlugin())) {
+      keeper_(keeper),
+      hasStrip_(options.Snapshots.empty() && !options.Headless),
+      window_(StartingSize(), this, hasStrip_ ? ToolStrip::kHeight : 0) {
+    const PictureSize size = window_.PictureRoom();
+    if (hasStrip_) {
+        button_ = std::make_unique<SettingsButton>(session.Button(), window_.Handle());
+        button_->Place(window_.StripPlace());
+    }
+    view_ =
+        std::make_unique<View>(session.Manager(), window_.Handle(), size, session.Plugins(), session.ChosenPlugin());
+    if (options.Device) keeper_.Note(&PlayerSettings::Device, *options.Device);
+    keeper_.Note(&PlayerSettings::Volume, std::optional(session.Sound().Volume()));
+    NoteSize(size);
+    session.Manager().AddListReceiver(pluginWatch_.Get());
     interrupt_.Report(&news_);
+    stands_ = true;
 }
 
 LiveRun::~LiveRun() {
+    stands_ = false;
+    session_.Manager().RemoveListReceiver(pluginWatch_.Get());
+    pluginWatch_->Detach();
     interrupt_.Report(nullptr);
     audioThread_.reset();
     session_.Sound().Stop();
+    keeper_.Store();
+}
+
+// What was remembered may come from a larger screen.
+PictureSize LiveRun::StartingSize() const {
+    const std::optional<PictureSize> remembered = keeper_.Settings().Size;
+    if (options_.Size || !remembered) return options_.SizeOrUsual();
+    const PictureSize largest = PlayerWindow::LargestPicture(hasStrip_ ? ToolStrip::kHeight : 0);
+    return {std::min(remembered->Width, largest.Width), std::min(remembered->Height, largest.Height)};
 }
 
 void LiveRun::Run() {
     session_.Sound().Play();
-    ShowTitle();
+    ShowState();
     audioThread_ = std::make_unique<AudioThread>(session_.Sound().Pump(), session_.Sound().Wake(), news_);
     while (!done_) {
         Wait();
+        keeper_.StoreWhatHasRested();
         ServeMessages();
         ServeNews();
+        FollowPlugins();
         ServeMoments();
         if (interrupt_.IsRequested()) done_ = true;
     }
 }
 
-// Paused, nothing but a message or an interrupt ends the wait.
+// Paused and with nothing to store, nothing but a message, an interrupt or a plug-in ends the wait.
 void LiveRun::Wait() {
-    DWORD limit = INFINITE;
+    DWORD limit = std::min(keeper_.UntilStoring(), UntilLook());
     const double moment = NextMoment();
     if (moment != kNever && session_.Sound().IsPlaying()) {
         const double left = std::max(moment - session_.Sound().Pump().Played(), 0.0);
-        limit = static_cast<DWORD>(std::ceil(left * 1000.0));
+        limit = std::min(limit, static_cast<DWORD>(std::ceil(left * 1000.0)));
     }
     const HANDLE news = news_.Handle();
     MsgWaitForMultipleObjects(1, &news, FALSE, limit, QS_ALLINPUT);
 }
 
+// The layer's own round of the loop, since it serves the keys of the settings dialog, too.
 void LiveRun::ServeMessages() {
-    MSG message = {};
-    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
-        if (message.message == WM_QUIT) done_ = true;
-        TranslateMessage(&message);
-        DispatchMessageA(&message);
+    while (TdkpDispatchMessages() != 0 && !done_) {
     }
 }
 
@@ -77,6 +108,23 @@ void LiveRun::ServeNews() {
         throw PlayerError(ExitCode::kUsage,
                           options_.Snapshots[nextSnapshot_].Path + ": the piece ended before its time");
     done_ = true;
+}
+
+void LiveRun::FollowPlugins() {
+    const bool hasNews = pluginWatch_->TakeNews();
+    if (hasNews) looksLeft_ = kLooks;
+    if (!hasNews && UntilLook() != 0) return;
+    --looksLeft_;
+    lookedAt_ = GetTickCount();
+    const std::string shown = view_->Plugin().Path;
+    // A view that couldn't go where the add-on sent it, or had nowhere to go until now.
+    if (!view_->Refresh() && (looksLeft_ == 0 || view_->Plugin().Path.empty())) view_->StepPlugin(1);
+    if (view_->Plugin().Path != shown) ShowState();
+}
+
+DWORD LiveRun::UntilLook() const {
+    if (looksLeft_ == 0) return INFINITE;
+    return kLookInterval - std::min(GetTickCount() - lookedAt_, kLookInterval);
 }
 
 double LiveRun::NextMoment() const {
@@ -99,7 +147,7 @@ void LiveRun::OnPauseKey() {
         session_.Sound().Pause();
     else
         session_.Sound().Play();
-    ShowTitle();
+    ShowState();
 }
 
 void LiveRun::OnSeekKey(double seconds) {
@@ -108,25 +156,47 @@ void LiveRun::OnSeekKey(double seconds) {
 
 void LiveRun::OnPluginKey(int direction) {
     view_->StepPlugin(direction);
-    ShowTitle();
+    ShowState();
 }
 
-void LiveRun::OnSize(int width, int height, bool visible) {
-    if (!view_) return;
+void LiveRun::OnVolumeKey(int direction) {
+    session_.Sound().SetVolume(session_.Sound().Volume() + direction * kVolumeStep);
+    keeper_.Note(&PlayerSettings::Volume, std::optional(session_.Sound().Volume()));
+    ShowState();
+}
+
+void LiveRun::OnSettingsKey() {
+    if (button_) button_->Press();
+}
+
+void LiveRun::OnSize(PictureSize size, bool visible) {
+    if (!stands_) return;
+    if (button_) button_->Place(window_.StripPlace());
     if (!visible)
         view_->Hide();
     else if (isHidden_)
-        view_->Show(width, height);
+        view_->Show(size);
     else
-        view_->Resize(width, height);
+        view_->Resize(size);
     isHidden_ = !visible;
     session_.Sound().SetWatched(visible);
+    if (visible) NoteSize(size);
 }
 
-void LiveRun::ShowTitle() {
+void LiveRun::NoteSize(PictureSize size) {
+    if (!window_.IsFullScreen() && size.IsWithinBounds()) keeper_.Note(&PlayerSettings::Size, std::optional(size));
+}
+
+void LiveRun::ShowState() {
     const std::string file =
         options_.File.empty() ? kDemoTitle : std::filesystem::path(options_.File).filename().string();
-    window_.SetTitle(file + " - " + view_->Plugin().Name + (session_.Sound().IsPlaying() ? "" : " (paused)"));
+    const PluginInfo& plugin = view_->Plugin();
+    const std::string name = plugin.Name.empty() ? "No plug-in" : plugin.Name;
+    const std::string volume = "Volume " + std::to_string(session_.Sound().Volume()) + " %";
+    const std::string paused = session_.Sound().IsPlaying() ? "" : " (paused)";
+    window_.SetTitle(file + " - " + name + " - " + volume + paused);
+    if (button_) button_->SetText(name + " - " + volume + paused);
+    if (!plugin.Path.empty()) keeper_.Note(&PlayerSettings::Plugin, plugin.File());
 }
 
 }  // namespace tdkplay

@@ -11,26 +11,31 @@
 
 #include "player/AudioOutput.h"
 #include "player/ExitCode.h"
+#include "player/PlayerSettings.h"
+#include "player/RenderTarget.h"
 #include "player/SilentOutput.h"
 
 namespace tdkplay {
 namespace {
 
-constexpr int kSmallestSide = 16;
-constexpr int kLargestSide = 8192;
 constexpr uint32_t kSlowestRate = 10;
 constexpr uint32_t kFastestRate = 30;
 constexpr double kLongestTime = 24.0 * 3600.0;
 
 constexpr char kFooter[] =
-    "Keys: Space pauses, Left and Right go 5 seconds, Up and Down change the plug-in, F fills the screen,\n"
-    "Escape goes back or quits.\n"
+    "Keys: Space pauses, Left and Right go 5 seconds, Up and Down change the plug-in, + and - the volume,\n"
+    "S opens the settings, F fills the screen, Escape goes back or quits.\n"
+    "A run in a window remembers its size, volume, plug-in and device for the next one; options win over that.\n"
     "Exit codes: 0 done, 2 usage, 3 file can't be read, 4 unknown format, 5 unknown plug-in, 6 no plug-ins,\n"
-    "7 no display, 8 add-on can't be loaded, 9 picture can't be written, 10 sound output doesn't open.";
+    "7 no display, 8 add-on can't be loaded, 9 picture can't be written, 10 sound output doesn't open,\n"
+    "11 stored settings can't be read or cleared, 12 no ffmpeg, 13 ffmpeg failed, 130 rendering interrupted.";
+// The name that stands for the sound server's own choice.
+constexpr char kDefaultDevice[] = "default";
 
 // What CLI11 fills and Options doesn't keep as it stands.
 struct RawOptions {
     std::string Size;
+    std::string Device;
     std::vector<std::string> Pictures;
     std::vector<double> Times;
     bool NoAudio = false;
@@ -47,17 +52,13 @@ std::string CheckTime(const std::string& text) {
     return "\"" + text + "\" isn't a number of seconds from 0 to a day";
 }
 
-void ParseSize(const std::string& text, Options& options) {
-    int width = 0;
-    int height = 0;
-    char rest = 0;
-    if (std::sscanf(text.c_str(), "%dx%d%c", &width, &height, &rest) != 2)
-        throw UsageError("--size: \"" + text + "\" isn't WIDTHxHEIGHT");
-    if (std::min(width, height) < kSmallestSide || std::max(width, height) > kLargestSide)
+PictureSize ParseSize(const std::string& text) {
+    const std::optional<PictureSize> size = PictureSize::FromText(text);
+    if (!size) throw UsageError("--size: \"" + text + "\" isn't WIDTHxHEIGHT");
+    if (!size->IsWithinBounds())
         throw UsageError("--size: each side must be from " + std::to_string(kSmallestSide) + " to " +
                          std::to_string(kLargestSide) + " pixels");
-    options.Width = width;
-    options.Height = height;
+    return *size;
 }
 
 void PairSnapshots(const RawOptions& raw, Options& options) {
@@ -70,6 +71,28 @@ void PairSnapshots(const RawOptions& raw, Options& options) {
         throw UsageError("--at lies beyond --duration");
 }
 
+void CheckRendering(const CLI::App& app, const Options& options) {
+    if (options.Render.empty()) {
+        for (const char* option : {"--seed", "--audio", "--json"})
+            if (app.count(option) != 0) throw UsageError(std::string(option) + " needs --render");
+        return;
+    }
+    for (const char* option : {"--snapshot", "--window", "--loop"})
+        if (app.count(option) != 0) throw UsageError(std::string("--render excludes ") + option);
+    if (!RenderTarget::FromPath(options.Render))
+        throw UsageError("--render: \"" + options.Render + "\" is no .mp4, .mkv, .y4m and no folder with / at its end");
+}
+
+void DeclareRendering(CLI::App& app, Options& options, const std::map<std::string, bool>& onOff) {
+    app.add_option("--render", options.Render, "Render the song to OUT.mp4, .mkv or .y4m, or as pictures to OUT/")
+        ->type_name("OUT");
+    app.add_option("--seed", options.Seed, "Rendering: where the changing effects begin (0)")->type_name("NUMBER");
+    app.add_option("--audio", options.RenderAudio, "Rendering: the song in the video, on or off (on)")
+        ->transform(CLI::CheckedTransformer(onOff, CLI::ignore_case))
+        ->type_name("[on|off]");
+    app.add_flag("--json", options.Json, "Rendering: progress as lines of JSON");
+}
+
 void Declare(CLI::App& app, Options& options, RawOptions& raw) {
     const std::map<std::string, bool> onOff = {{"on", true}, {"off", false}};
     app.set_version_flag("--version", TDKVIZ_VERSION);
@@ -77,7 +100,7 @@ void Declare(CLI::App& app, Options& options, RawOptions& raw) {
     app.add_option("FILE", options.File, "Audio file; without one the player's own piece");
     app.add_flag("--list", options.List, "List the plug-ins: name, path");
     app.add_option("--viz", options.Plugin, "Plug-in to show: its name, its file's name, or how one begins");
-    app.add_option("--size", raw.Size, "Size of the picture (640x480)")->type_name("WxH");
+    app.add_option("--size", raw.Size, "Size of the picture (as last, at first 640x480)")->type_name("WxH");
     app.add_option("--fps", options.Picture.FrameRate, "Frames a second, 10 to 30")
         ->check(CLI::Range(kSlowestRate, kFastestRate));
     app.add_option("--effects", options.Picture.Effects, "Feedback effects on or off")
@@ -107,12 +130,19 @@ void Declare(CLI::App& app, Options& options, RawOptions& raw) {
     auto* output =
         app.add_option("--output", options.Output, "Where the sound goes")->check(CLI::IsMember(OutputNames()));
     app.add_flag("--no-audio", raw.NoAudio, "Play without sound")->excludes(output);
+    app.add_option("--device", raw.Device, "Sound device, as the sound server names it; \"default\": its own choice")
+        ->type_name("NAME");
+    app.add_option("--volume", options.Volume, "How loud, 0 to 100 percent; the pictures don't change")
+        ->check(CLI::Range(0, kFullVolume));
+    auto* print = app.add_flag("--settings", options.PrintSettings, "Print all settings that are stored");
+    app.add_flag("--reset-settings", options.ResetSettings, "Clear all settings that are stored")->excludes(print);
     app.add_option("--make-demo", options.MakeDemo, "Write the player's own piece to this file (WAV)")
         ->type_name("FILE");
+    DeclareRendering(app, options, onOff);
 }
 
 // A switch may stand alone, and what follows it is then not its value.
-constexpr std::array kSwitches = {"--effects", "--randomize"};
+constexpr std::array kSwitches = {"--effects", "--randomize", "--audio"};
 
 std::vector<std::string> WithSwitchValues(int argc, const char* const* argv) {
     std::vector<std::string> arguments;
@@ -143,9 +173,12 @@ std::optional<Options> Options::Parse(int argc, const char* const* argv) {
         const std::string message = error.what();
         throw UsageError(message.substr(0, message.find('\n')));
     }
-    if (!raw.Size.empty()) ParseSize(raw.Size, options);
+    if (!raw.Size.empty()) options.Size = ParseSize(raw.Size);
     PairSnapshots(raw, options);
+    CheckRendering(app, options);
     if (raw.NoAudio) options.Output = kSilentName;
+    if (!raw.Device.empty()) options.Device = raw.Device == kDefaultDevice ? "" : raw.Device;
+    if (options.Device && options.Output == kSilentName) throw UsageError("--device: this output has no devices");
     return options;
 }
 

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "player/PictureSize.h"
+
 namespace tdkplay {
 
 // What changes the picture; absent: as the user has set it.
@@ -24,16 +26,25 @@ struct Options {
     std::string File;  // empty: the project's own piece
     bool List = false;
     std::string MakeDemo;  // the file to write the project's own piece to
-    std::string Plugin;    // name, file name or the beginning of one; empty: the first
-    int Width = 640;
-    int Height = 480;
+    bool PrintSettings = false;
+    bool ResetSettings = false;
+    std::string Plugin;               // name, file name or the beginning of one; empty: the last one, else the first
+    std::optional<PictureSize> Size;  // absent: as the window was last, else the usual
     PictureSettings Picture;
     std::vector<SnapshotRequest> Snapshots;  // by time
+    std::string Render;                      // the video, or the folder for pictures; empty: none
+    std::optional<uint32_t> Seed;            // where the changing effects begin
+    bool RenderAudio = true;                 // the song goes into the video
+    bool Json = false;                       // progress of a rendering for machines
     bool Headless = false;
     bool Window = false;
     bool Loop = false;
     std::optional<double> Duration;  // seconds
     std::string Output = "auto";
+    std::optional<std::string> Device;  // as the sound server names it; empty: the server's choice
+    std::optional<int> Volume;          // percent
+
+    PictureSize SizeOrUsual() const { return Size.value_or(PictureSize{}); }
 
     // Reads the command line. For --help and --version prints the text and gives nothing. Throws
     // PlayerError with kUsage.

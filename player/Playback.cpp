@@ -1,13 +1,15 @@
 #include "player/Playback.h"
 
+#include <algorithm>
+
 #include "player/SilentOutput.h"
 
 namespace tdkplay {
 
-Playback::Playback(HostContext& context, std::unique_ptr<Decoder> decoder, const std::string& outputName, bool loop)
+Playback::Playback(HostContext& context, std::unique_ptr<Decoder> decoder, const OutputRequest& output, bool loop)
     : context_(context),
       pump_(std::move(decoder), context.Hooks(), loop),
-      output_(OpenOutput(outputName, pump_.Format(), wake_.Handle())) {
+      output_(OpenOutput(output, pump_.Format(), wake_.Handle())) {
     PutEngine();
 }
 
@@ -50,6 +52,11 @@ void Playback::Stop() {
     pump_.SetRunning(false);
     context_.Player().SetState(kEngineStateStopped);
     pump_.Close();
+}
+
+void Playback::SetVolume(int percent) {
+    volume_ = std::clamp(percent, 0, kFullVolume);
+    pump_.SetVolume(volume_);
 }
 
 void Playback::SetWatched(bool watched) {

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <memory>
-#include <string>
 
 #include "player/AudioPump.h"
 #include "player/Event.h"
@@ -13,7 +12,7 @@ namespace tdkplay {
 class Playback {
 public:
     // Opens the output and puts the first engine in place. Throws PlayerError with kNoSound.
-    Playback(HostContext& context, std::unique_ptr<Decoder> decoder, const std::string& outputName, bool loop);
+    Playback(HostContext& context, std::unique_ptr<Decoder> decoder, const OutputRequest& output, bool loop);
     ~Playback();
 
     AudioPump& Pump() { return pump_; }
@@ -26,6 +25,9 @@ public:
     void Pause();
     void SeekBy(double seconds);
     void Stop();
+    // Percent, at first kFullVolume; beyond 0 and 100 is 0 and 100.
+    void SetVolume(int percent);
+    int Volume() const { return volume_; }
     // With nobody watching, the add-on rests and the audio goes out in larger pieces.
     void SetWatched(bool watched);
 
@@ -44,6 +46,7 @@ private:
     ComPtr<Engine> engine_;
     bool playing_ = false;
     bool watched_ = true;
+    int volume_ = kFullVolume;
 };
 
 }  // namespace tdkplay

@@ -1,5 +1,7 @@
 #include "player/PlayerWindow.h"
 
+#include <algorithm>
+
 #include "player/ExitCode.h"
 
 namespace tdkplay {
@@ -22,9 +24,10 @@ void RegisterWindowClass(WNDPROC procedure) {
 
 }  // namespace
 
-PlayerWindow::PlayerWindow(int width, int height, PlayerWindowEvents* events) : events_(events) {
+PlayerWindow::PlayerWindow(PictureSize size, PlayerWindowEvents* events, int stripHeight)
+    : events_(events), stripHeight_(stripHeight) {
     RegisterWindowClass(Procedure);
-    RECT frame = {0, 0, width, height};
+    RECT frame = {0, 0, size.Width, size.Height + stripHeight};
     AdjustWindowRect(&frame, kWindowedStyle, FALSE);
     window_ = CreateWindowExA(0, kClassName, kClassName, kWindowedStyle, CW_USEDEFAULT, CW_USEDEFAULT,
                               frame.right - frame.left, frame.bottom - frame.top, nullptr, nullptr,
@@ -47,6 +50,32 @@ void PlayerWindow::SetFullScreen(bool on) {
     SetWindowLongPtrA(window_, GWL_STYLE, static_cast<LONG_PTR>((on ? kFullScreenStyle : kWindowedStyle) | WS_VISIBLE));
     SetWindowPos(window_, HWND_TOP, place.left, place.top, place.right - place.left, place.bottom - place.top,
                  SWP_FRAMECHANGED);
+    // The strip comes or goes even if the window had the screen's size before.
+    if (events_) events_->OnSize(PictureRoom(), true);
+}
+
+PictureSize PlayerWindow::RoomIn(int width, int height) const {
+    return {width, std::max(height - (isFullScreen_ ? 0 : stripHeight_), 0)};
+}
+
+PictureSize PlayerWindow::PictureRoom() const {
+    RECT client = {};
+    GetClientRect(window_, &client);
+    return RoomIn(client.right, client.bottom);
+}
+
+RECT PlayerWindow::StripPlace() const {
+    RECT place = {};
+    GetClientRect(window_, &place);
+    place.top = PictureRoom().Height;
+    return place;
+}
+
+PictureSize PlayerWindow::LargestPicture(int stripHeight) {
+    RECT frame = {0, 0, 0, stripHeight};
+    AdjustWindowRect(&frame, kWindowedStyle, FALSE);
+    return {std::max(GetSystemMetrics(SM_CXSCREEN) - static_cast<int>(frame.right - frame.left), kSmallestSide),
+            std::max(GetSystemMetrics(SM_CYSCREEN) - static_cast<int>(frame.bottom - frame.top), kSmallestSide)};
 }
 
 bool PlayerWindow::OnKeyDown(WPARAM key) {
@@ -67,6 +96,18 @@ bool PlayerWindow::OnKeyDown(WPARAM key) {
         case VK_DOWN:
         case VK_OEM_PERIOD:
             events_->OnPluginKey(1);
+            return true;
+        case VK_OEM_PLUS:
+        case VK_ADD:
+            events_->OnVolumeKey(1);
+            return true;
+        case VK_OEM_MINUS:
+        case VK_SUBTRACT:
+            events_->OnVolumeKey(-1);
+            return true;
+        case 'S':
+        case VK_F2:
+            events_->OnSettingsKey();
             return true;
         case 'F':
             SetFullScreen(!isFullScreen_);
@@ -94,7 +135,7 @@ LRESULT CALLBACK PlayerWindow::Procedure(HWND window, UINT message, WPARAM wPara
             if (self->OnKeyDown(wParam)) return 0;
             break;
         case WM_SIZE:
-            self->events_->OnSize(LOWORD(lParam), HIWORD(lParam), wParam != SIZE_MINIMIZED);
+            self->events_->OnSize(self->RoomIn(LOWORD(lParam), HIWORD(lParam)), wParam != SIZE_MINIMIZED);
             return 0;
         case WM_CLOSE:  // the view has to end before its parent window does
             self->events_->OnCloseRequest();

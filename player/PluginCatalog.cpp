@@ -2,6 +2,7 @@
 
 #include <strings.h>
 
+#include <algorithm>
 #include <array>
 #include <optional>
 
@@ -36,10 +37,18 @@ std::string AllNames(const std::vector<PluginInfo>& plugins) {
     return names;
 }
 
+void RequirePlugins(const std::vector<PluginInfo>& plugins) {
+    if (plugins.empty()) throw PlayerError(ExitCode::kNoPlugins, "there are no plug-ins in the folder Visualizations");
+}
+
 }  // namespace
 
+std::string PluginInfo::File() const {
+    return Path.substr(Path.find_last_of("/\\") + 1);
+}
+
 std::string PluginInfo::FileName() const {
-    const std::string file = Path.substr(Path.find_last_of("/\\") + 1);
+    const std::string file = File();
     const size_t end = file.rfind('.');
     return end != std::string::npos && Equals(file.substr(end), kExtension) ? file.substr(0, end) : file;
 }
@@ -63,8 +72,15 @@ std::vector<PluginInfo> ListPlugins(IMPAVizMgr& manager) {
     return plugins;
 }
 
+size_t FindPluginFile(const std::vector<PluginInfo>& plugins, const std::string& file) {
+    RequirePlugins(plugins);
+    const auto found = std::find_if(plugins.begin(), plugins.end(),
+                                    [&file](const PluginInfo& plugin) { return Equals(plugin.File(), file); });
+    return found == plugins.end() ? 0 : static_cast<size_t>(found - plugins.begin());
+}
+
 size_t FindPlugin(const std::vector<PluginInfo>& plugins, const std::string& text) {
-    if (plugins.empty()) throw PlayerError(ExitCode::kNoPlugins, "there are no plug-ins in the folder Visualizations");
+    RequirePlugins(plugins);
     if (text.empty()) return 0;
     for (size_t i = 0; i < plugins.size(); ++i)
         if (IsCalled(plugins[i], text)) return i;

@@ -12,6 +12,7 @@ struct PluginInfo {
     std::string Name;
     std::string Path;  // as the add-on gave it; names the plug-in in all calls
 
+    std::string File() const;      // without its folder
     std::string FileName() const;  // without folder and ".tkv"
 };
 
@@ -22,5 +23,8 @@ std::vector<PluginInfo> ListPlugins(IMPAVizMgr& manager);
 // beginning of one if only one plug-in begins so. Empty text means the first. Throws PlayerError with
 // kNoPlugins or kUnknownPlugin.
 size_t FindPlugin(const std::vector<PluginInfo>& plugins, const std::string& text);
+
+// The index of the plug-in whose file is called so, the first if there is none. Throws PlayerError with kNoPlugins.
+size_t FindPluginFile(const std::vector<PluginInfo>& plugins, const std::string& file);
 
 }  // namespace tdkplay

@@ -1,20 +1,18 @@
 // A registry of its own for one run, so that a picture doesn't depend on what the user has set.
 #pragma once
 
-#include <string>
+#include "player/ScratchFolder.h"
 
 namespace tdkplay {
 
 // Made before anything reads the registry; its files go with it.
 class PrivateRegistry {
 public:
+    // Throws PlayerError with kCannotWrite.
     PrivateRegistry();
-    ~PrivateRegistry();
-    PrivateRegistry(const PrivateRegistry&) = delete;
-    PrivateRegistry& operator=(const PrivateRegistry&) = delete;
 
 private:
-    std::string folder_;
+    const ScratchFolder folder_;
 };
 
 }  // namespace tdkplay

@@ -1,5 +1,7 @@
 #include "player/PulseOutput.h"
 
+#include "player/PulseSinks.h"
+
 namespace tdkplay {
 namespace {
 
@@ -21,9 +23,9 @@ private:
 
 }  // namespace
 
-std::unique_ptr<AudioOutput> PulseOutput::Open(const PcmFormat& format, HANDLE wake) {
+std::unique_ptr<AudioOutput> PulseOutput::Open(const OutputRequest& request, const PcmFormat& format, HANDLE wake) {
     std::unique_ptr<PulseOutput> output(new PulseOutput(format, wake));
-    if (!output->Connect()) return nullptr;
+    if (!output->Connect(request)) return nullptr;
     return output;
 }
 
@@ -43,11 +45,12 @@ PulseOutput::~PulseOutput() {
     pa_threaded_mainloop_free(mainLoop_);
 }
 
-bool PulseOutput::Connect() {
+bool PulseOutput::Connect(const OutputRequest& request) {
     mainLoop_ = pa_threaded_mainloop_new();
     if (!mainLoop_ || pa_threaded_mainloop_start(mainLoop_) < 0) return false;
     const LoopLock lock(mainLoop_);
-    ready_ = ConnectContext() && ConnectStream();
+    if (!ConnectContext()) return false;
+    ready_ = ConnectStream(ChooseSink(mainLoop_, context_, request));
     return ready_;
 }
 
@@ -63,7 +66,7 @@ bool PulseOutput::ConnectContext() {
     return false;
 }
 
-bool PulseOutput::ConnectStream() {
+bool PulseOutput::ConnectStream(const std::string& device) {
     const pa_sample_spec spec = {PA_SAMPLE_S16NE, format_.Rate, static_cast<uint8_t>(format_.Channels)};
     if (!pa_sample_spec_valid(&spec)) return false;
     stream_ = pa_stream_new(context_, "Music", &spec, nullptr);
@@ -75,7 +78,8 @@ bool PulseOutput::ConnectStream() {
     const pa_buffer_attr buffering = Buffering(kUsualLead);
     const auto flags = static_cast<pa_stream_flags_t>(PA_STREAM_START_CORKED | PA_STREAM_ADJUST_LATENCY |
                                                       PA_STREAM_AUTO_TIMING_UPDATE | PA_STREAM_INTERPOLATE_TIMING);
-    if (pa_stream_connect_playback(stream_, nullptr, &buffering, flags, nullptr, nullptr) < 0) return false;
+    const char* const sink = device.empty() ? nullptr : device.c_str();
+    if (pa_stream_connect_playback(stream_, sink, &buffering, flags, nullptr, nullptr) < 0) return false;
     while (PA_STREAM_IS_GOOD(pa_stream_get_state(stream_))) {
         if (pa_stream_get_state(stream_) == PA_STREAM_READY) return true;
         pa_threaded_mainloop_wait(mainLoop_);

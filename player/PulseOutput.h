@@ -14,8 +14,9 @@ inline constexpr char kPulseName[] = "pulse";
 
 class PulseOutput final : public AudioOutput {
 public:
-    // Null if there is no server, or it doesn't take the format. Never starts a server.
-    static std::unique_ptr<AudioOutput> Open(const PcmFormat& format, HANDLE wake);
+    // Null if there is no server, or it doesn't take the format. Never starts a server. Throws PlayerError with
+    // kNoSound if the server hasn't the device that it must have.
+    static std::unique_ptr<AudioOutput> Open(const OutputRequest& request, const PcmFormat& format, HANDLE wake);
     ~PulseOutput() override;
 
     const char* Name() const override { return kPulseName; }
@@ -38,9 +39,9 @@ private:
     static constexpr double kLargestExtraLatency = 0.5;
 
     PulseOutput(const PcmFormat& format, HANDLE wake);
-    bool Connect();
+    bool Connect(const OutputRequest& request);
     bool ConnectContext();
-    bool ConnectStream();
+    bool ConnectStream(const std::string& device);
     pa_buffer_attr Buffering(double lead) const;
     // A reply is not waited for: the server carries requests out in order.
     static void Forget(pa_operation* operation);

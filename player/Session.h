@@ -8,23 +8,32 @@
 #include "player/HostContext.h"
 #include "player/Options.h"
 #include "player/Playback.h"
+#include "player/PlayerSettings.h"
 #include "player/PluginCatalog.h"
 
 namespace tdkplay {
 
 class Session {
 public:
-    // Throws PlayerError with kNoAddOn, kNoPlugins, kUnknownPlugin or kNoSound.
-    Session(const Options& options, std::unique_ptr<Decoder> decoder, const std::string& outputName)
+    // What the options leave open is as remembered. Throws PlayerError with kNoAddOn, kNoPlugins, kUnknownPlugin or
+    // kNoSound.
+    Session(const Options& options, std::unique_ptr<Decoder> decoder, const std::string& outputKind,
+            const PlayerSettings& remembered = {})
         : addOn_(OwnFolder(), *context_),
           plugins_(ListPlugins(addOn_.Manager())),
-          chosenPlugin_(FindPlugin(plugins_, options.Plugin)),
-          playback_(*context_, std::move(decoder), outputName, options.Loop) {
+          chosenPlugin_(options.Plugin.empty() ? FindPluginFile(plugins_, remembered.Plugin)
+                                               : FindPlugin(plugins_, options.Plugin)),
+          playback_(
+              *context_, std::move(decoder),
+              {outputKind, options.Device.value_or(remembered.Device), options.Device && !options.Device->empty()},
+              options.Loop) {
+        playback_.SetVolume(options.Volume.value_or(remembered.Volume.value_or(kFullVolume)));
         addOn_.Configure(options.Picture);
         addOn_.AnnounceTrack();
     }
 
     IMPAVizMgr& Manager() { return addOn_.Manager(); }
+    ITKCommandButton& Button() { return addOn_.Button(); }
     const std::vector<PluginInfo>& Plugins() const { return plugins_; }
     size_t ChosenPlugin() const { return chosenPlugin_; }
     Playback& Sound() { return playback_; }

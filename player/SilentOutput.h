@@ -10,7 +10,7 @@ namespace tdkplay {
 
 inline constexpr char kSilentName[] = "silent";
 
-class SilentOutput final : public AudioOutput {
+class SilentOutput : public AudioOutput {
 public:
     explicit SilentOutput(const PcmFormat& format);
 

@@ -29,14 +29,17 @@ std::vector<png_byte> ToRgbBytes(const std::vector<DWORD>& pixels) {
 
 Picture ReadWindow(HWND window) {
     Picture picture;
-    RECT client = {};
-    if (!GetClientRect(window, &client)) return picture;
-    picture.Pixels.resize(static_cast<size_t>(client.right) * static_cast<size_t>(client.bottom));
-    if (!TdkpReadWindow(window, picture.Pixels.data(), static_cast<int>(picture.Pixels.size()), &picture.Width,
-                        &picture.Height))
-        return {};
-    picture.Pixels.resize(static_cast<size_t>(picture.Width) * static_cast<size_t>(picture.Height));
+    ReadWindow(window, picture);
     return picture;
+}
+
+void ReadWindow(HWND window, Picture& picture) {
+    RECT client = {};
+    if (!GetClientRect(window, &client)) client = {};
+    picture.Pixels.resize(static_cast<size_t>(client.right) * static_cast<size_t>(client.bottom));
+    const auto capacity = static_cast<int>(picture.Pixels.size());
+    if (!TdkpReadWindow(window, picture.Pixels.data(), capacity, &picture.Width, &picture.Height)) picture = {};
+    picture.Pixels.resize(static_cast<size_t>(picture.Width) * static_cast<size_t>(picture.Height));
 }
 
 void WritePng(const Picture& picture, const std::string& path) {

@@ -16,6 +16,8 @@ struct Picture {
 
 // The client area of the window with its children. Empty if there is no such window.
 Picture ReadWindow(HWND window);
+// The same into a picture whose memory is used again.
+void ReadWindow(HWND window, Picture& picture);
 
 // The same pixels give the same bytes. Throws PlayerError with kCannotWrite.
 void WritePng(const Picture& picture, const std::string& path);

@@ -18,7 +18,8 @@ constexpr uint32_t kLongestStep = 1000;  // milliseconds
 
 void SteppedRun::Prepare(const Options& options) {
     TdkpUseSteppedClock();
-    TdkpUseMemoryDisplay(options.Width, options.Height, kColourDepth);
+    const PictureSize size = options.SizeOrUsual();
+    TdkpUseMemoryDisplay(size.Width, size.Height, kColourDepth);
 }
 
 SteppedRun::SteppedRun(const Options& options, Session& session, const Interrupt& interrupt)
@@ -28,17 +29,18 @@ SteppedRun::~SteppedRun() {
     session_.Sound().Stop();
 }
 
-void SteppedRun::AddView(size_t plugin, const std::vector<SnapshotRequest>& snapshots) {
+HWND SteppedRun::AddView(size_t plugin, const std::vector<SnapshotRequest>& snapshots) {
     views_.push_back(std::make_unique<Shown>(options_, session_, plugin));
     for (const SnapshotRequest& snapshot : snapshots)
         moments_.push_back(
             {static_cast<uint64_t>(std::llround(snapshot.At * 1000.0)), snapshot.Path, views_.back()->Window.Handle()});
     Settle();
+    return views_.back()->Window.Handle();
 }
 
 void SteppedRun::Run() {
     std::stable_sort(moments_.begin(), moments_.end(), [](const Moment& a, const Moment& b) { return a.At < b.At; });
-    session_.Sound().Play();
+    Play();
     for (const Moment& moment : moments_) {
         AdvanceTo(moment.At);
         if (interrupt_.IsRequested()) return;
@@ -62,7 +64,6 @@ void SteppedRun::AdvanceTo(uint64_t time) {
     }
 }
 
-// Fills the device and gives the milliseconds until it has room again.
 uint32_t SteppedRun::DeliverAhead() {
     AudioPump::Step step = {};
     do step = session_.Sound().Pump().DeliverBlock();

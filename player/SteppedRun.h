@@ -21,16 +21,23 @@ public:
     SteppedRun(const Options& options, Session& session, const Interrupt& interrupt);
     ~SteppedRun();
 
-    // A window of its own for this plug-in, and the pictures to take of it.
-    void AddView(size_t plugin, const std::vector<SnapshotRequest>& snapshots);
+    // A window of its own for this plug-in, and the pictures to take of it. Gives the window.
+    HWND AddView(size_t plugin, const std::vector<SnapshotRequest>& snapshots = {});
     // Plays from the beginning to the last picture. Throws PlayerError with kCannotWrite or kUsage.
     void Run();
+
+    // The steps that Run is made of. Play comes first, and once; AdvanceTo goes to this time since the beginning, in
+    // milliseconds, and stops early at an interrupt.
+    void Play() { session_.Sound().Play(); }
+    void AdvanceTo(uint64_t time);
+    // Fills the device and gives the milliseconds until it has room again.
+    uint32_t DeliverAhead();
 
 private:
     struct Shown {
         Shown(const Options& options, Session& session, size_t plugin)
-            : Window(options.Width, options.Height, nullptr),
-              Picture(session.Manager(), Window.Handle(), options.Width, options.Height, session.Plugins(), plugin) {}
+            : Window(options.SizeOrUsual(), nullptr),
+              Picture(session.Manager(), Window.Handle(), options.SizeOrUsual(), session.Plugins(), plugin) {}
         PlayerWindow Window;
         View Picture;
     };
@@ -41,8 +48,6 @@ private:
     };
 
     void Settle();
-    void AdvanceTo(uint64_t time);
-    uint32_t DeliverAhead();
 
     const Options& options_;
     Session& session_;

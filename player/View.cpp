@@ -1,5 +1,6 @@
 #include "player/View.h"
 
+#include <algorithm>
 #include <array>
 
 #include "player/ExitCode.h"
@@ -11,15 +12,14 @@ constexpr uint32_t kPathSize = 4096;
 
 }  // namespace
 
-View::View(IMPAVizMgr& manager, HWND parent, int width, int height, const std::vector<PluginInfo>& plugins,
-           size_t index)
+View::View(IMPAVizMgr& manager, HWND parent, PictureSize size, const std::vector<PluginInfo>& plugins, size_t index)
     : manager_(manager), plugins_(plugins), index_(index) {
     auto parentId = static_cast<uint32_t>(reinterpret_cast<uintptr_t>(parent));
     if (FAILED(manager_.CreateVizWindow(&view_, &parentId)) || !view_)
         throw PlayerError(ExitCode::kNoAddOn, "the add-on makes no view");
     if (!Select(index)) StepPlugin(1);
     // It fails as long as the add-on hasn't made its window yet; the view then comes up by itself.
-    view_->Show(width, height);
+    Show(size);
 }
 
 View::~View() {
@@ -28,18 +28,36 @@ View::~View() {
 
 bool View::Select(size_t index) {
     view_->SelectPlugin(plugins_[index].Path.c_str());
-    std::array<char, kPathSize> path = {};
-    const bool isShown =
-        SUCCEEDED(view_->GetCurrentPlugin(path.data(), kPathSize)) && plugins_[index].Path == path.data();
-    if (isShown) index_ = index;
-    return isShown;
+    if (CurrentPath() != plugins_[index].Path) return false;
+    index_ = index;
+    shown_ = plugins_[index];
+    return true;
 }
 
+std::string View::CurrentPath() const {
+    std::array<char, kPathSize> path = {};
+    return SUCCEEDED(view_->GetCurrentPlugin(path.data(), kPathSize)) ? path.data() : "";
+}
+
+// Once around: the last one is where it began, for a view that shows nothing yet.
 void View::StepPlugin(int direction) {
     const size_t count = plugins_.size();
-    const size_t step = direction > 0 ? 1 : count - 1;
-    for (size_t index = (index_ + step) % count; index != index_; index = (index + step) % count)
-        if (Select(index)) return;
+    for (size_t tries = 1; tries <= count; ++tries)
+        if (Select((index_ + (direction > 0 ? tries : count - tries)) % count)) return;
+}
+
+bool View::Refresh() {
+    plugins_ = ListPlugins(manager_);
+    const std::string path = CurrentPath();
+    const auto found = std::find_if(plugins_.begin(), plugins_.end(),
+                                    [&path](const PluginInfo& plugin) { return plugin.Path == path; });
+    if (found != plugins_.end()) {
+        index_ = static_cast<size_t>(found - plugins_.begin());
+        shown_ = *found;
+        return true;
+    }
+    if (path.empty()) shown_ = {};
+    return plugins_.empty() && path.empty();
 }
 
 }  // namespace tdkplay

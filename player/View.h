@@ -7,32 +7,38 @@
 #include <string>
 #include <vector>
 
+#include "player/PictureSize.h"
 #include "player/PluginCatalog.h"
 
 namespace tdkplay {
 
 class View {
 public:
-    // Shows the plug-in of this index, filling `parent`. Throws PlayerError with kNoAddOn.
-    View(IMPAVizMgr& manager, HWND parent, int width, int height, const std::vector<PluginInfo>& plugins, size_t index);
+    // Shows the plug-in of this index in the upper left corner of `parent`. Throws PlayerError with kNoAddOn.
+    View(IMPAVizMgr& manager, HWND parent, PictureSize size, const std::vector<PluginInfo>& plugins, size_t index);
     // The parent window must still be there.
     ~View();
     View(const View&) = delete;
     View& operator=(const View&) = delete;
 
-    const PluginInfo& Plugin() const { return plugins_[index_]; }
+    // Without name and path if there is none left to show.
+    const PluginInfo& Plugin() const { return shown_; }
     // To the next (1) or the one before (-1), in a circle; one that can't be loaded is passed over.
     void StepPlugin(int direction);
-    void Resize(int width, int height) { view_->Resize(width, height); }
+    // Lists the plug-ins anew and sees which one the add-on shows. False as long as that one isn't in the list.
+    bool Refresh();
+    void Resize(PictureSize size) { view_->Resize(size.Width, size.Height); }
     void Hide() { view_->Hide(); }
-    void Show(int width, int height) { view_->Show(width, height); }
+    void Show(PictureSize size) { view_->Show(size.Width, size.Height); }
 
 private:
     bool Select(size_t index);
+    std::string CurrentPath() const;
 
     IMPAVizMgr& manager_;
-    const std::vector<PluginInfo> plugins_;
-    size_t index_;
+    std::vector<PluginInfo> plugins_;
+    size_t index_;  // where the shown plug-in is in the list, or was
+    PluginInfo shown_;
     IMPAVizWindow* view_ = nullptr;  // the manager's, until DestroyVizWindow
 };
 

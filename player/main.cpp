@@ -16,9 +16,11 @@
 #include "player/Interrupt.h"
 #include "player/LiveRun.h"
 #include "player/PrivateRegistry.h"
+#include "player/RenderRun.h"
 #include "player/Session.h"
 #include "player/SilentOutput.h"
 #include "player/SteppedRun.h"
+#include "player/StoredSettings.h"
 
 namespace tdkplay {
 namespace {
@@ -65,8 +67,9 @@ void List() {
 }
 
 void PlayLive(const Options& options, std::unique_ptr<Decoder> decoder, Interrupt& interrupt) {
-    Session session(options, std::move(decoder), options.Output);
-    LiveRun(options, session, interrupt).Run();
+    SettingsKeeper keeper;
+    Session session(options, std::move(decoder), options.Output, keeper.Settings());
+    LiveRun(options, session, interrupt, keeper).Run();
 }
 
 void TakeSnapshots(const Options& options, std::unique_ptr<Decoder> decoder, Interrupt& interrupt) {
@@ -105,10 +108,13 @@ void TakeAllPictures(const Options& options, std::unique_ptr<Decoder> decoder, I
 void Run(const Options& options) {
     if (!options.MakeDemo.empty()) return WriteDemoPiece(options.MakeDemo);
     if (options.List) return List();
+    if (options.PrintSettings) return PrintStoredSettings();
+    if (options.ResetSettings) return ResetStoredSettings();
 
     std::unique_ptr<Decoder> decoder = OpenDecoder(options.File);
     RequireSnapshotsWithin(options, *decoder);
     Interrupt interrupt;
+    if (!options.Render.empty()) return RenderRun::Render(options, std::move(decoder), interrupt);
     const Mode mode = ChooseMode(options);
     // Pictures and runs that nobody sees don't depend on what the user has set.
     std::optional<PrivateRegistry> registry;
@@ -117,7 +123,7 @@ void Run(const Options& options) {
         case Mode::kWindow:
             return PlayLive(options, std::move(decoder), interrupt);
         case Mode::kInvisible:
-            TdkpUseMemoryDisplay(options.Width, options.Height, kColourDepth);
+            TdkpUseMemoryDisplay(options.SizeOrUsual().Width, options.SizeOrUsual().Height, kColourDepth);
             return PlayLive(options, std::move(decoder), interrupt);
         case Mode::kSnapshots:
             return TakeSnapshots(options, std::move(decoder), interrupt);

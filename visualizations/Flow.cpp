@@ -2,10 +2,9 @@
 // centre, swaying with the music, and beats leave rings; zoom and blur carry the light outwards.
 // A worked example of the older interface.
 #include <array>
-#include <atomic>
 
-#include "common/Canvas.h"
 #include "common/Plugin.h"
+#include "common/Spectrum.h"
 #include "common/Waveform.h"
 
 namespace {
@@ -13,19 +12,17 @@ namespace {
 using viz::Canvas;
 using viz::Color;
 using viz::Curve;
+using viz::kTurn;
 using viz::Point;
 
 constexpr int kRibbons = 3;
-constexpr int kSteps = 48;
-constexpr float kTurn = 6.2831853F;
+constexpr int kSteps = 36;
 // Samples that go into a point of a ribbon, and how much of a ribbon's form is new in each frame: close
 // frames have like forms, and the effects join them to sheets of light.
 constexpr int kSpread = 14;
 constexpr float kNewForm = 0.45F;
 // Strokes between the last frame and this one.
-constexpr int kBetween = 3;
-// Takes away the last of what fades too slowly to end by itself.
-constexpr uint32_t kAfterglow = 252;
+constexpr int kBetween = 2;
 
 using Ribbon = std::array<Point, kSteps + 1>;
 
@@ -40,39 +37,30 @@ public:
         *wantsSpectrum = true;
         return S_OK;
     }
-    HRESULT OnClick(uint32_t, uint32_t, uint32_t) override {
-        ++clicks_;
-        return S_OK;
-    }
     HRESULT SetHostString(const char*) override { return S_OK; }
     HRESULT Configure(HWND) override { return E_NOTIMPL; }
 
-    HRESULT Draw(void* pixels, int32_t width, int32_t height, int32_t pitch, int32_t bitsPerPixel,
-                 VizAnalysisFrame* frame) override {
-        if (!pixels || !frame || bitsPerPixel != 32 || width < 1 || height < 1) return E_INVALIDARG;
-        const Canvas canvas(pixels, width, height, pitch);
-        canvas.Dim(kAfterglow, 2);
-        loudness_.Follow(*frame);
-        const float bass = BassOf(*frame);
-        const float beat = std::clamp((bass - bass_) * 2.8F, 0.0F, 1.0F);
-        bass_ += (bass - bass_) * (bass > bass_ ? 0.5F : 0.16F);
+private:
+    void Paint(const Canvas& canvas, const VizAnalysisFrame& frame) override {
+        canvas.Sink(3);
+        loudness_.Follow(frame);
+        beat_.Follow(frame);
         phase_ += 0.014F + 0.030F * loudness_.Level();
         hue_ += 0.0016F + 0.004F * loudness_.Level();
-        if (beat > 0.15F) DrawRing(canvas, beat);
+        if (loudness_.Presence() <= 0) return;
+        if (beat_.Hit() > 0.15F) DrawRing(canvas, beat_.Hit());
+        const viz::Pen crisp = PenFor(canvas, 1.8F, 5);
+        const viz::Pen soft = PenFor(canvas, 0, 3.5F);
+        const Curve curves[] = {Curve(frame.WaveformLeft, kSpread), Curve(frame.WaveformRight, kSpread)};
         for (int i = 0; i < kRibbons; ++i) {
             const Ribbon before = ribbons_[i];
-            Move(ribbons_[i], i, Curve(i % 2 ? frame->WaveformRight : frame->WaveformLeft, kSpread));
-            DrawRibbon(canvas, before, i);
+            Move(ribbons_[i], i, curves[i % 2]);
+            if (Frames() == 0) continue;
+            for (int stroke = 1; stroke <= kBetween; ++stroke) {
+                const float when = static_cast<float>(stroke) / kBetween;
+                DrawRibbon(canvas, before, i, when, stroke == kBetween ? crisp : soft);
+            }
         }
-        started_ = true;
-        return S_OK;
-    }
-
-private:
-    static float BassOf(const VizAnalysisFrame& frame) {
-        const int loudest =
-            std::max({frame.SpectrumLeft[0], frame.SpectrumLeft[1], frame.SpectrumRight[0], frame.SpectrumRight[1]});
-        return std::clamp((static_cast<float>(loudest) - 150) / 100, 0.0F, 1.0F);
     }
 
     // Points are in parts of the picture's smaller side, from its centre.
@@ -80,49 +68,47 @@ private:
         const float own = kTurn * static_cast<float>(index) / kRibbons;
         const float arc = 1.3F + 0.35F * std::sin(phase_ * 0.37F + own);
         const float start = phase_ * (index == 1 ? -0.8F : 1.0F) + own;
-        const float radius = 0.19F + 0.05F * std::sin(phase_ * 0.53F + 2 * own) + 0.07F * bass_;
+        const float radius = 0.19F + 0.05F * std::sin(phase_ * 0.53F + 2 * own) + 0.07F * beat_.Bass();
         const Point centre{0.13F * std::cos(phase_ * 0.29F + own), 0.09F * std::sin(phase_ * 0.41F + own)};
         const float tremble = 0.17F * loudness_.Gain() * (0.3F + 0.7F * loudness_.Level());
+        const float share = Frames() > 0 ? kNewForm : 1;
         for (int i = 0; i <= kSteps; ++i) {
             const float place = static_cast<float>(i) / kSteps;
             const float angle = start + arc * (place - 0.5F) * 2;
             const float reach = radius + tremble * curve.At(place) * std::sin(place * kTurn / 2);
             const Point goal{centre.X + 1.25F * reach * std::cos(angle), centre.Y + reach * std::sin(angle)};
-            const float share = started_ ? kNewForm : 1;
             ribbon[i] = {ribbon[i].X + (goal.X - ribbon[i].X) * share, ribbon[i].Y + (goal.Y - ribbon[i].Y) * share};
         }
     }
 
-    void DrawRibbon(const Canvas& canvas, const Ribbon& before, int index) const {
-        const float brightness = 0.55F + 0.45F * std::min(1.0F, 1.8F * loudness_.Level());
-        for (int stroke = started_ ? 1 : kBetween; stroke <= kBetween; ++stroke) {
-            const float when = static_cast<float>(stroke) / kBetween;
-            const viz::Pen pen = stroke == kBetween ? PenFor(canvas, 1.8F, 5.5F) : PenFor(canvas, 0, 4);
-            Point last{};
-            Point lastTwin{};
-            for (int i = 0; i <= kSteps; ++i) {
-                const Point& from = before[i];
-                const Point& to = ribbons_[index][i];
-                const Point along{from.X + (to.X - from.X) * when, from.Y + (to.Y - from.Y) * when};
-                const Point point = Place(canvas, along);
-                const Point twin = Place(canvas, {-along.X, -along.Y});
+    // The ribbon and its twin on the other side, `when` of the way from the last frame to this one.
+    void DrawRibbon(const Canvas& canvas, const Ribbon& before, int index, float when, const viz::Pen& pen) const {
+        const float brightness = loudness_.Presence() * (0.55F + 0.45F * std::min(1.0F, 1.8F * loudness_.Level()));
+        Point last{};
+        Point lastTwin{};
+        for (int i = 0; i <= kSteps; ++i) {
+            const Point& from = before[i];
+            const Point& to = ribbons_[index][i];
+            const Point along{from.X + (to.X - from.X) * when, from.Y + (to.Y - from.Y) * when};
+            const Point point = Place(canvas, along);
+            const Point twin = Place(canvas, {-along.X, -along.Y});
+            if (i > 0) {
                 const float place = static_cast<float>(i) / kSteps;
                 const float taper = std::sin(place * kTurn / 2);
-                const float hue = Hue() + 0.19F * static_cast<float>(index) + 0.16F * place;
-                const Color pure = viz::FromHue(hue, 0.78F - 0.35F * bass_ * taper, brightness * (0.1F + 0.9F * taper));
-                if (i > 0) {
-                    canvas.Stroke(last, point, pure, pen);
-                    canvas.Stroke(lastTwin, twin, pure, pen);
-                }
-                last = point;
-                lastTwin = twin;
+                const Color hue = kWheel.Around(Hue() + 0.19F * static_cast<float>(index) + 0.16F * place);
+                const Color color = viz::Dimmed(viz::Mix(hue, 0xFFFFFF, 0.35F * beat_.Bass() * taper),
+                                                brightness * (0.1F + 0.9F * taper));
+                canvas.Stroke(last, point, color, pen);
+                canvas.Stroke(lastTwin, twin, color, pen);
             }
+            last = point;
+            lastTwin = twin;
         }
     }
 
     // Each beat leaves a ring in the middle, for the zoom to carry away.
     void DrawRing(const Canvas& canvas, float strength) const {
-        const Color color = viz::FromHue(Hue() + 0.45F, 0.5F, strength);
+        const Color color = viz::Dimmed(kWheel.Around(Hue() + 0.45F), strength);
         const viz::Pen pen = PenFor(canvas, 2.2F, 5);
         const float radius = 0.035F + 0.03F * strength;
         Point last = Place(canvas, {radius, 0});
@@ -134,24 +120,22 @@ private:
         }
     }
 
-    float Hue() const { return hue_ + 0.31F * static_cast<float>(clicks_ % 3); }
+    float Hue() const { return hue_ + 0.31F * static_cast<float>(Clicks() % 3); }
 
     static Point Place(const Canvas& canvas, Point point) {
-        const auto size = static_cast<float>(std::min(canvas.Width(), canvas.Height()));
-        return {canvas.Width() / 2.0F + point.X * size, canvas.Height() / 2.0F + point.Y * size};
+        return {static_cast<float>(canvas.Width()) / 2 + point.X * canvas.Smaller(),
+                static_cast<float>(canvas.Height()) / 2 + point.Y * canvas.Smaller()};
     }
     static viz::Pen PenFor(const Canvas& canvas, float width, float glow) {
-        const float unit = std::max(1.0F, static_cast<float>(canvas.Height()) / 240);
-        return {width * unit, glow * unit, 0.5F};
+        return {width * canvas.Unit(), glow * canvas.Unit(), 0.5F};
     }
 
+    inline static const viz::Palette kWheel = viz::Palette::Wheel(0.74F, 0.16F);
     std::array<Ribbon, kRibbons> ribbons_{};
-    bool started_ = false;
     viz::Loudness loudness_;
-    float bass_ = 0;
+    viz::Beat beat_;
     float phase_ = 0;
     float hue_ = 0.55F;
-    std::atomic<uint32_t> clicks_{0};
 };
 
 }  // namespace

@@ -118,6 +118,13 @@ TDKP_API BOOL TdkpUseMemoryDisplay(int width, int height, int depth) {
     return TRUE;
 }
 
+TDKP_API BOOL TdkpChangeDisplayDepth(int depth) {
+    tdkp::State& state = tdkp::TheState();
+    const tdkp::LayerGuard guard(state.mutex);
+    auto* display = dynamic_cast<tdkp::MemoryDisplay*>(state.display.get());
+    return display != nullptr && display->ChangeDepth(depth);
+}
+
 TDKP_API const char* TdkpDisplayName(void) {
     return tdkp::DisplayName();
 }

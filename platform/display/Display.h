@@ -18,12 +18,14 @@ using WindowId = uint32_t;
 // input (memory), without the dispatcher's lock. Coordinates are client coordinates of the window.
 class DisplaySink {
 public:
-    virtual void OnMouse(WindowId window, uint32_t message, WPARAM keys, int x, int y, uint32_t time) = 0;
-    virtual void OnWheel(WindowId window, int delta, WPARAM keys, int x, int y, uint32_t time) = 0;
+    // `screen` is the same place on the screen.
+    virtual void OnMouse(WindowId window, uint32_t message, WPARAM keys, POINT point, POINT screen, uint32_t time) = 0;
+    virtual void OnWheel(WindowId window, int delta, WPARAM keys, POINT point, POINT screen, uint32_t time) = 0;
     // `virtualKey` is a VK_ number; `text` is the character for WM_CHAR or 0.
     virtual void OnKey(WindowId window, bool down, uint32_t virtualKey, uint32_t text, bool altDown, uint32_t time) = 0;
     virtual void OnFocus(WindowId window, bool gained) = 0;
-    virtual void OnCloseRequest(WindowId window) = 0;                                       // the window manager asks
+    // The window manager asks, or a foreign owner has gone.
+    virtual void OnCloseRequest(WindowId window) = 0;
     virtual void OnMovedOrSized(WindowId window, int x, int y, int width, int height) = 0;  // top-level only
     virtual void OnIconified(WindowId window, bool iconified) = 0;                          // by the window manager
     virtual void OnExposed(WindowId window, const RECT& rect) = 0;                          // server lost these pixels

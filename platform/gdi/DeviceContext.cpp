@@ -1,12 +1,15 @@
 #include <windows.h>
 
+#include <atomic>
 #include <cstring>
+#include <memory>
 #include <utility>
 
 #include "platform/gdi/DrawTarget.h"
 #include "platform/gdi/GdiObject.h"
 #include "platform/gdi/ObjectTable.h"
 #include "platform/gdi/Rects.h"
+#include "platform/gdi/Resolution.h"
 #include "platform/gdi/StockObjects.h"
 #include "platform/user/WindowRaster.h"
 
@@ -35,14 +38,39 @@ DeviceContext::~DeviceContext() {
 
 namespace {
 
-constexpr int kPixelsPerInch = 96;
 constexpr int kReservedColors = 20;  // of a palette that the system keeps
 constexpr int kTenthsPerInch = 254;
 constexpr int kIndexedBits = 8;
 constexpr int kChannelBits = 18;  // of a palette's entries
 
+// Programs take and return contexts with every frame: the memory of one that has gone serves the next.
+template <typename T>
+class ReusedMemory {
+public:
+    using value_type = T;
+    ReusedMemory() = default;
+    template <typename Other>
+    ReusedMemory(const ReusedMemory<Other>&) {}
+    template <typename Other>
+    bool operator==(const ReusedMemory<Other>&) const {
+        return true;
+    }
+
+    T* allocate(size_t count) {
+        T* const kept = kept_.exchange(nullptr);
+        return kept != nullptr ? kept : std::allocator<T>().allocate(count);
+    }
+    void deallocate(T* memory, size_t count) {
+        if (T* const former = kept_.exchange(memory)) std::allocator<T>().deallocate(former, count);
+    }
+
+private:
+    static inline constinit std::atomic<T*> kept_{nullptr};  // for one object
+};
+
 HDC MakeContext(DeviceContext::Ground ground, HWND window) {
-    return static_cast<HDC>(ObjectTable::Instance().Add(std::make_shared<DeviceContext>(ground, window)));
+    auto made = std::allocate_shared<DeviceContext>(ReusedMemory<DeviceContext>(), ground, window);
+    return static_cast<HDC>(ObjectTable::Instance().Add(std::move(made)));
 }
 
 bool IsContext(GdiObject& object) {
@@ -54,7 +82,7 @@ bool IsMemoryContext(GdiObject& object) {
 }
 
 int Millimetres(int pixels) {
-    return pixels * kTenthsPerInch / (kPixelsPerInch * 10);
+    return pixels * kTenthsPerInch / (PixelsPerInch() * 10);
 }
 
 // A memory context answers for the display until a bitmap of another depth is selected.
@@ -142,7 +170,7 @@ TDKP_API INT GetDeviceCaps(HDC dc, INT index) {
                    (hasPalette ? RC_PALETTE : 0);
         case LOGPIXELSX:
         case LOGPIXELSY:
-            return kPixelsPerInch;
+            return PixelsPerInch();
         case SIZEPALETTE:
             return hasPalette ? kPaletteEntries : 0;
         case NUMRESERVED:

@@ -137,7 +137,14 @@ void GatherRow(PixelFormat format, const uint8_t* from, const std::vector<int>& 
     }
 }
 
-// The part of a job inside of one clip rectangle.
+// Kept from one job of a thread to the next, since many follow that are alike.
+struct StretchMemory {
+    std::vector<int> columns;
+    std::vector<uint8_t> gathered;
+};
+thread_local StretchMemory stretchMemory;
+
+// The part of a job inside of one clip rectangle. One at a time in a thread.
 class ClippedBlit {
 public:
     ClippedBlit(const BlitJob& job, RowConverter& converter, const RECT& visible)
@@ -147,7 +154,9 @@ public:
           columns_(job.toRect.left, job.toRect.right, job.fromRect.left, job.fromRect.right, job.mirrorX,
                    job.from.width, &visible_.left, &visible_.right),
           rows_(job.toRect.top, job.toRect.bottom, job.fromRect.top, job.fromRect.bottom, job.mirrorY, job.from.height,
-                &visible_.top, &visible_.bottom) {}
+                &visible_.top, &visible_.bottom) {
+        map_.clear();
+    }
 
     const RECT& Visible() const { return visible_; }
 
@@ -218,8 +227,8 @@ private:
     RECT visible_;
     const AxisMap columns_;
     const AxisMap rows_;
-    std::vector<int> map_;
-    std::vector<uint8_t> gathered_;
+    std::vector<int>& map_ = stretchMemory.columns;
+    std::vector<uint8_t>& gathered_ = stretchMemory.gathered;
 };
 
 // The target stands for the source, so that operations without a source walk the same road.

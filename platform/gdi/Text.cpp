@@ -9,6 +9,7 @@
 #include "platform/gdi/DrawTarget.h"
 #include "platform/gdi/ObjectTable.h"
 #include "platform/gdi/Rects.h"
+#include "platform/gdi/Resolution.h"
 #include "platform/gdi/TextLayout.h"
 #include "platform/gdi/TextPainter.h"
 
@@ -19,7 +20,6 @@ constexpr UINT kHorizontalAlign = TA_CENTER;  // its bits hold TA_LEFT and TA_RI
 constexpr UINT kVerticalAlign = TA_BASELINE;  // and TA_TOP and TA_BOTTOM
 constexpr RECT kEverywhere = {std::numeric_limits<LONG>::min(), std::numeric_limits<LONG>::min(),
                               std::numeric_limits<LONG>::max(), std::numeric_limits<LONG>::max()};
-constexpr int kPixelsPerInch = 96;
 
 std::string_view TextOf(LPCSTR text, INT length) {
     return {text, length < 0 ? std::strlen(text) : static_cast<size_t>(length)};
@@ -97,7 +97,7 @@ TDKP_API BOOL GetTextMetricsA(HDC dc, TEXTMETRICA* metrics) {
     metrics->tmAveCharWidth = face.averageWidth;
     metrics->tmMaxCharWidth = face.maxWidth;
     metrics->tmWeight = description.lfWeight != FW_DONTCARE ? description.lfWeight : FW_NORMAL;
-    metrics->tmDigitizedAspectX = metrics->tmDigitizedAspectY = kPixelsPerInch;
+    metrics->tmDigitizedAspectX = metrics->tmDigitizedAspectY = PixelsPerInch();
     metrics->tmFirstChar = metrics->tmBreakChar = ' ';
     metrics->tmLastChar = 0xFF;
     metrics->tmDefaultChar = '?';

@@ -15,6 +15,9 @@ TDKP_API void TdkpSettle(void);
 // Display. Must be asked for before the first window: the memory display with this size and depth
 // (32, 16, 15 or 8). FALSE if a display is in use already.
 TDKP_API BOOL TdkpUseMemoryDisplay(int width, int height, int depth);
+// The memory display in use gets another depth, under the windows that stand: each shows what it showed until its
+// size changes. FALSE if that display isn't in use, or for another depth. Any thread.
+TDKP_API BOOL TdkpChangeDisplayDepth(int depth);
 // "x11" or "memory".
 TDKP_API const char* TdkpDisplayName(void);
 // What a person would see of the window's client area and its children, covering aside: width x height
@@ -22,10 +25,22 @@ TDKP_API const char* TdkpDisplayName(void);
 // Any thread.
 TDKP_API BOOL TdkpReadWindow(HWND window, DWORD* pixels, int capacity, int* width, int* height);
 
+// TDKVIZ_DPI in the environment: how many pixels of the display make an inch, for dialogs and for fonts that are
+// asked for in points. 96 if it isn't set.
+
 // Input, as if it came from the display: client coordinates. Any thread.
 TDKP_API void TdkpFeedMouse(HWND window, UINT message, WPARAM keys, int x, int y);
 TDKP_API void TdkpFeedKey(HWND window, BOOL down, UINT virtualKey, UINT character);
 TDKP_API void TdkpFeedClose(HWND window);
+
+// DirectDraw. The call with this number, counted from 1 and from here on, fails with this result and does nothing
+// (CoInitialize, CoCreateInstance and each operation of the interfaces count, AddRef and Release don't); 0: none
+// does. Gives how many calls there were since the last use of this switch.
+TDKP_API DWORD TdkpFailDirectDraw(DWORD call, HRESULT result);
+// Every surface that exists is lost until it is restored.
+TDKP_API void TdkpLoseDirectDrawSurfaces(void);
+// Each row of a memory surface made from now on is longer than it has to be.
+TDKP_API void TdkpPadDirectDrawRows(DWORD bytes);
 
 // For hosts with a message loop of their own: serves all that waits for the calling thread and gives
 // the number served, never blocks; and a descriptor that is readable while something waits for it.
@@ -37,6 +52,7 @@ struct TdkpCounts {
     int32_t handles;
     int32_t windows;
     int32_t gdiObjects;
-    int32_t threads;  // made by CreateThread and not ended
+    int32_t threads;     // made by CreateThread and not ended
+    int32_t directDraw;  // DirectDraw objects of all kinds
 };
 TDKP_API void TdkpCount(struct TdkpCounts* counts);

@@ -173,6 +173,19 @@ TDKP_API BOOL FindNextFileA(HANDLE search, LPWIN32_FIND_DATAA data);
 TDKP_API BOOL FindClose(HANDLE search);
 TDKP_API DWORD GetFileAttributesA(LPCSTR path);
 
+// ---- Change notifications ----
+
+#define FILE_NOTIFY_CHANGE_FILE_NAME 0x00000001u
+
+// A handle for waits, signalled when a file of the folder, or of one below it if `withSubfolders`, is made,
+// deleted or renamed; a file that isn't closed yet when it is made signals once more when it is. It stays
+// signalled until FindNext, and what happens meanwhile signals it again then. INVALID_HANDLE_VALUE if there is
+// no such folder. No other filter than FILE_NOTIFY_CHANGE_FILE_NAME is supported.
+TDKP_API HANDLE FindFirstChangeNotificationA(LPCSTR folder, BOOL withSubfolders, DWORD filter);
+// FALSE with ERROR_ACCESS_DENIED if the folder itself was deleted or moved, which signals too.
+TDKP_API BOOL FindNextChangeNotification(HANDLE notification);
+TDKP_API BOOL FindCloseChangeNotification(HANDLE notification);
+
 // ---- File mappings: memory of its own only (INVALID_HANDLE_VALUE), without a name ----
 
 #define PAGE_READONLY 0x02u
@@ -206,6 +219,16 @@ TDKP_API DWORD GetModuleFileNameA(HMODULE module, LPSTR path, DWORD size);
 TDKP_API HMODULE GetModuleHandleA(LPCSTR name);
 // With FROM_ADDRESS: the module that holds the address `name`; a module's constructor gets its own handle so.
 TDKP_API BOOL GetModuleHandleExA(DWORD flags, LPCSTR name, HMODULE* module);
+
+// ---- Resources, by number only. They live in the module, as long as it does. ----
+
+#define ERROR_RESOURCE_NAME_NOT_FOUND 1814u
+
+// Null names the executable. Null with ERROR_RESOURCE_NAME_NOT_FOUND if there is no such resource.
+TDKP_API HRSRC FindResourceA(HMODULE module, LPCSTR name, LPCSTR type);
+TDKP_API HGLOBAL LoadResource(HMODULE module, HRSRC resource);
+TDKP_API LPVOID LockResource(HGLOBAL data);
+TDKP_API DWORD SizeofResource(HMODULE module, HRSRC resource);
 
 // ---- Text ----
 

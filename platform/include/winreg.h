@@ -66,9 +66,6 @@ TDKP_API LSTATUS RegSetValueExA(HKEY key, LPCSTR name, DWORD reserved, DWORD typ
 TDKP_API LSTATUS RegDeleteValueA(HKEY key, LPCSTR name);
 
 // Lengths of names are without their terminating zero when told, with it when given as a buffer's size.
-TDKP_API LSTATUS RegQueryInfoKeyA(HKEY key, LPSTR keyClass, DWORD* classLength, DWORD* reserved, DWORD* subKeys,
-                                  DWORD* longestSubKey, DWORD* longestClass, DWORD* values, DWORD* longestName,
-                                  DWORD* longestData, DWORD* securitySize, FILETIME* lastWrite);
 TDKP_API LSTATUS RegEnumValueA(HKEY key, DWORD index, LPSTR name, DWORD* nameLength, DWORD* reserved, DWORD* type,
                                BYTE* data, DWORD* size);
 TDKP_API LSTATUS RegEnumKeyExA(HKEY key, DWORD index, LPSTR name, DWORD* nameLength, DWORD* reserved, LPSTR keyClass,
@@ -78,4 +75,3 @@ TDKP_API LSTATUS RegEnumKeyExA(HKEY key, DWORD index, LPSTR name, DWORD* nameLen
 // `subKey` it empties the key itself.
 TDKP_API LSTATUS RegDeleteKeyA(HKEY key, LPCSTR subKey);
 TDKP_API LSTATUS RegDeleteTreeA(HKEY key, LPCSTR subKey);
-TDKP_API LSTATUS RegFlushKey(HKEY key);

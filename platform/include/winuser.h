@@ -8,6 +8,7 @@
 #include "windef.h"
 
 using WNDPROC = LRESULT(CALLBACK*)(HWND, UINT, WPARAM, LPARAM);
+using DLGPROC = INT_PTR(CALLBACK*)(HWND, UINT, WPARAM, LPARAM);
 using TIMERPROC = VOID(CALLBACK*)(HWND, UINT, UINT_PTR, DWORD);
 
 struct WNDCLASSA {
@@ -54,6 +55,28 @@ struct PAINTSTRUCT {
     BOOL fIncUpdate;
     BYTE rgbReserved[32];
 };
+// What a dialog's resource begins with. Behind it stand the menu, the class and the title, the font if the style
+// has DS_SETFONT, and at the next multiple of four bytes each of the controls.
+#pragma pack(push, 2)
+struct DLGTEMPLATE {
+    DWORD style;
+    DWORD dwExtendedStyle;
+    WORD cdit;
+    SHORT x;
+    SHORT y;
+    SHORT cx;
+    SHORT cy;
+};
+struct DLGITEMTEMPLATE {
+    DWORD style;
+    DWORD dwExtendedStyle;
+    SHORT x;
+    SHORT y;
+    SHORT cx;
+    SHORT cy;
+    WORD id;
+};
+#pragma pack(pop)
 inline LPSTR MAKEINTRESOURCEA(ULONG_PTR id) {
     return reinterpret_cast<LPSTR>(id & 0xFFFF);
 }
@@ -341,14 +364,41 @@ inline LPSTR MAKEINTRESOURCEA(ULONG_PTR id) {
 #define PM_REMOVE 0x0001
 #define PM_NOYIELD 0x0002
 
-// Buttons.
+// Controls: the classes "Button" (with these types), "Static" and, in commctrl.h, the trackbar.
 #define BS_PUSHBUTTON 0x00000000u
 #define BS_DEFPUSHBUTTON 0x00000001u
+#define BS_AUTOCHECKBOX 0x00000003u
+#define BS_GROUPBOX 0x00000007u
+#define BS_TYPEMASK 0x0000000Fu
 #define BN_CLICKED 0
+#define BM_GETCHECK 0x00F0
+#define BM_SETCHECK 0x00F1
 #define BM_GETSTATE 0x00F2
 #define BM_SETSTATE 0x00F3
 #define BM_CLICK 0x00F5
+#define BST_UNCHECKED 0x0000
+#define BST_CHECKED 0x0001
 #define BST_PUSHED 0x0004
+#define SS_LEFT 0x00000000u
+#define SS_CENTER 0x00000001u
+#define SS_RIGHT 0x00000002u
+#define SS_BLACKFRAME 0x00000007u
+#define SS_BITMAP 0x0000000Eu  // the title is "#" and the number of a bitmap resource, or empty
+#define SS_TYPEMASK 0x0000001Fu
+#define STM_SETIMAGE 0x0172  // gives the former image, which a program that set it owns
+#define IMAGE_BITMAP 0
+
+// Dialogs.
+#define DS_ABSALIGN 0x01u
+#define DS_SETFONT 0x40u
+#define DS_MODALFRAME 0x80u
+#define DS_CENTER 0x0800u
+#define DWLP_MSGRESULT 0
+#define DWLP_DLGPROC 8
+#define DWLP_USER 16
+#define DLGWINDOWEXTRA 48
+#define IDOK 1
+#define IDCANCEL 2
 
 // GetDlgCode answers.
 #define DLGC_WANTARROWS 0x0001
@@ -476,6 +526,19 @@ TDKP_API LONG_PTR SetWindowLongPtrA(HWND window, INT index, LONG_PTR value);
 TDKP_API LONG GetWindowLongA(HWND window, INT index);
 TDKP_API LONG SetWindowLongA(HWND window, INT index, LONG value);
 
+// Dialogs. The template is a resource of the module, or stands in memory; its units are a quarter of the average
+// width and an eighth of the height of its font. Without DS_ABSALIGN the place is counted from the client area of
+// the parent; a template that names no place is put into the middle of it, or of the screen. The size is that of
+// the client area. The first control that takes the keyboard goes along with WM_INITDIALOG and gets the focus if
+// the procedure gives TRUE. Texts are drawn with the font of the template, at TDKVIZ_DPI pixels to the inch.
+TDKP_API HWND CreateDialogParamA(HINSTANCE instance, LPCSTR name, HWND parent, DLGPROC procedure, LPARAM parameter);
+TDKP_API HWND CreateDialogIndirectParamA(HINSTANCE instance, const DLGTEMPLATE* dialog, HWND parent, DLGPROC procedure,
+                                         LPARAM parameter);
+// For message loops, which let go what it took: keys of dialogs, and every other message for one.
+TDKP_API BOOL IsDialogMessageA(HWND dialog, MSG* message);
+TDKP_API BOOL CheckDlgButton(HWND dialog, INT id, UINT check);
+TDKP_API UINT IsDlgButtonChecked(HWND dialog, INT id);
+
 // Messages.
 TDKP_API BOOL PostMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 TDKP_API BOOL PostThreadMessageA(DWORD threadId, UINT message, WPARAM wParam, LPARAM lParam);
@@ -524,6 +587,15 @@ TDKP_API HCURSOR SetCursor(HCURSOR cursor);
 TDKP_API UINT GetDoubleClickTime(void);
 TDKP_API UINT_PTR SetTimer(HWND window, UINT_PTR id, UINT milliseconds, TIMERPROC function);
 TDKP_API BOOL KillTimer(HWND window, UINT_PTR id);
+
+// Resources.
+#define RT_BITMAP MAKEINTRESOURCEA(2)
+#define RT_DIALOG MAKEINTRESOURCEA(5)
+#define RT_STRING MAKEINTRESOURCEA(6)
+// Gives the length of the text, UTF-8 and terminated within `size` bytes; 0 and an empty text if there is none.
+TDKP_API INT LoadStringA(HINSTANCE instance, UINT id, LPSTR buffer, INT size);
+// A DIB section of 24 bits, so that it takes any colour on any display. The caller deletes it.
+TDKP_API HBITMAP LoadBitmapA(HINSTANCE instance, LPCSTR name);
 
 // Measures.
 TDKP_API INT GetSystemMetrics(INT index);

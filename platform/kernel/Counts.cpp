@@ -11,6 +11,7 @@ std::atomic<int32_t> handles{0};
 std::atomic<int32_t> windows{0};
 std::atomic<int32_t> gdiObjects{0};
 std::atomic<int32_t> threads{0};
+std::atomic<int32_t> directDraw{0};
 
 }  // namespace
 
@@ -26,12 +27,16 @@ void CountGdiObject(int32_t change) {
 void CountThread(int32_t change) {
     threads.fetch_add(change, std::memory_order_relaxed);
 }
+void CountDirectDraw(int32_t change) {
+    directDraw.fetch_add(change, std::memory_order_relaxed);
+}
 
 static void ReadCounts(TdkpCounts& counts) {
     counts.handles = handles.load(std::memory_order_relaxed);
     counts.windows = windows.load(std::memory_order_relaxed);
     counts.gdiObjects = gdiObjects.load(std::memory_order_relaxed);
     counts.threads = threads.load(std::memory_order_relaxed);
+    counts.directDraw = directDraw.load(std::memory_order_relaxed);
 }
 
 }  // namespace tdkp

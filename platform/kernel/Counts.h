@@ -10,5 +10,6 @@ void CountHandle(int32_t change);
 void CountWindow(int32_t change);
 void CountGdiObject(int32_t change);
 void CountThread(int32_t change);
+void CountDirectDraw(int32_t change);
 
 }  // namespace tdkp

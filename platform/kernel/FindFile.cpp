@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -24,11 +23,6 @@ constexpr int64_t kSecondsFrom1601To1970 = 11'644'473'600;  // the two systems' 
 struct CloseDirectory {
     void operator()(DIR* directory) const { closedir(directory); }
 };
-
-std::string RealPath(const std::string& path) {
-    const std::unique_ptr<char, decltype(&std::free)> real(realpath(path.c_str(), nullptr), &std::free);
-    return real != nullptr ? real.get() : "";
-}
 
 // Does the name match the pattern, with * for any run of characters and ? for any one? Letters match in
 // either case.
@@ -73,10 +67,8 @@ public:
 
 private:
     bool Describe(const std::string& name, WIN32_FIND_DATAA& data) const;
-    bool LeadsUpwards(const std::string& path) const;
 
     const std::string folder_;  // with its closing separator, or empty
-    std::string realFolder_;
     std::vector<std::string> names_;
     size_t next_ = 0;
 };
@@ -86,7 +78,6 @@ DWORD FileSearch::Start(std::string_view pattern) {
     if (directory == nullptr) {
         return errno == EACCES ? ERROR_ACCESS_DENIED : ERROR_PATH_NOT_FOUND;
     }
-    realFolder_ = RealPath(folder_.empty() ? "." : folder_);
     if (pattern.find_first_of("*?") == std::string_view::npos) {
         names_.emplace_back(pattern);
         return NO_ERROR;
@@ -112,13 +103,6 @@ bool FileSearch::Next(WIN32_FIND_DATAA& data) {
         }
     }
     return false;
-}
-
-// A link to a folder that this one lies in: a walk through the tree would never end.
-bool FileSearch::LeadsUpwards(const std::string& path) const {
-    const std::string target = RealPath(path);
-    return !target.empty() && realFolder_.compare(0, target.size(), target) == 0 &&
-           (realFolder_.size() == target.size() || realFolder_[target.size()] == '/' || target == "/");
 }
 
 // False for what is no entry any more, or must not be one.

@@ -13,6 +13,7 @@
 #include "platform/include/winbase.h"
 #include "platform/kernel/Dispatcher.h"
 #include "platform/kernel/Immortal.h"
+#include "platform/kernel/LibraryFile.h"
 #include "platform/kernel/PathText.h"
 
 namespace tdkp {
@@ -106,7 +107,8 @@ void* Open(const std::string& path, int flags, bool& refused) {
     if (hasFolder && access(path.c_str(), F_OK) != 0) {
         return nullptr;
     }
-    void* module = dlopen(path.c_str(), flags);
+    const bool isBroken = hasFolder && flags == kLoadFlags && IsCutShort(path);
+    void* module = isBroken ? nullptr : dlopen(path.c_str(), flags);
     refused = refused || (module == nullptr && hasFolder);
     return module;
 }

@@ -15,6 +15,9 @@ std::string NativePath(std::string_view path);
 // Seen from the current folder now, so that a later change of it doesn't matter. Links stay.
 std::string AbsolutePath(const std::string& path);
 
+// Whether a link leads to a folder that it lies in, or was reached through: a walk that follows it would never end.
+bool LeadsUpwards(const std::string& link);
+
 bool EqualsIgnoringCase(std::string_view left, std::string_view right);
 
 }  // namespace tdkp

@@ -1,5 +1,6 @@
 #include "platform/registry/Database.h"
 
+#include <fcntl.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -13,7 +14,6 @@
 namespace tdkp {
 namespace {
 
-constexpr int kBusyMilliseconds = 5000;
 constexpr int kOpenFlags = SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_URI;
 
 constexpr const char* kJournal =
@@ -45,6 +45,11 @@ std::string_view ColumnBytes(sqlite3_stmt* statement, int column) {
 bool Exists(const std::string& fileName) {
     struct stat status;
     return stat(fileName.c_str(), &status) == 0;
+}
+
+// A file that may be written and yet counts as read-only is one whose header says so, which none of ours does.
+bool MayWrite(const std::string& fileName) {
+    return faccessat(AT_FDCWD, fileName.c_str(), W_OK, AT_EACCESS) == 0;
 }
 
 // The name of the file as one that nobody changes: the last way to read it when no lock can be had.
@@ -80,6 +85,11 @@ void Database::Close() {
     writable_ = false;
 }
 
+void Database::WaitAtMost(int milliseconds) {
+    patience_ = milliseconds;
+    if (connection_ != nullptr) sqlite3_busy_timeout(connection_, patience_);
+}
+
 DatabaseResult Database::ResultOf(int code) const {
     switch (code & 0xFF) {
         case SQLITE_OK:
@@ -93,6 +103,8 @@ DatabaseResult Database::ResultOf(int code) const {
         case SQLITE_CANTOPEN:
         case SQLITE_PERM:
             return DatabaseResult::kUnwritable;
+        case SQLITE_BUSY:
+            return DatabaseResult::kBusy;
         default:
             return DatabaseResult::kFailed;
     }
@@ -123,7 +135,7 @@ DatabaseResult Database::Open(const std::string& name, int flags) {
         Close();
         return result;
     }
-    sqlite3_busy_timeout(connection_, kBusyMilliseconds);
+    sqlite3_busy_timeout(connection_, patience_);
     return DatabaseResult::kDone;
 }
 
@@ -159,6 +171,8 @@ DatabaseResult Database::LoadOpened(Snapshot* snapshot) {
     };
     // A file that was made and never written has no tables.
     forEach("SELECT count(*) FROM sqlite_master", [&](sqlite3_stmt* row) { empty = sqlite3_column_int(row, 0) == 0; });
+    // This can be asked of every database; a file of which it can't has a header that says it is of no known form.
+    if (sqlite3_errcode(connection_) == SQLITE_ERROR) result = DatabaseResult::kDamaged;
     forEach(kAllKeys, [&](sqlite3_stmt* row) { snapshot->Add(ColumnBytes(row, 0)); });
     forEach(kAllValues, [&](sqlite3_stmt* row) {
         const std::string name(ColumnBytes(row, 1));
@@ -179,7 +193,7 @@ DatabaseResult Database::OpenForWriting() {
     DatabaseResult result = Open(fileName_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
     if (result == DatabaseResult::kDone) result = Run(kJournal);
     if (result == DatabaseResult::kDone && sqlite3_db_readonly(connection_, "main") != 0)
-        result = DatabaseResult::kUnwritable;
+        result = MayWrite(fileName_) ? DatabaseResult::kDamaged : DatabaseResult::kUnwritable;
     if (result != DatabaseResult::kDone) Close();
     writable_ = result == DatabaseResult::kDone;
     return result;

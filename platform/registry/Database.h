@@ -3,9 +3,8 @@
 // It is kept with a rollback journal, not a write-ahead log: at rest the registry is one file that can be copied,
 // it can be read in a folder that can't be written, and its header changes with every transaction, which lets
 // readers see without SQLite that nothing is new (RegistryStamp). A process that is killed in a write leaves the
-// journal behind, and whoever opens the file next rolls back. Two processes wait for each other up to
-// kBusyMilliseconds. Every write is a transaction of its own, synchronous, so that a power cut leaves either
-// the old value or the new one.
+// journal behind, and whoever opens the file next rolls back. Two processes wait for each other. Every write
+// is a transaction of its own, synchronous, so that a power cut leaves either the old value or the new one.
 #pragma once
 
 #include <cstdint>
@@ -24,7 +23,8 @@ enum class DatabaseResult : uint8_t {
     kDone,
     kUnwritable,  // the file, or the folder that it is to be in
     kDamaged,     // what is in the file is no database, or a broken one
-    kFailed,      // anything else: busy for too long, no room on the disk
+    kBusy,        // another process kept it locked for longer than we wait
+    kFailed,      // anything else, as no room on the disk
 };
 
 // One connection. Not for two threads at once.
@@ -34,6 +34,9 @@ public:
     ~Database();
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
+
+    // For other processes, in each operation from now on.
+    void WaitAtMost(int milliseconds);
 
     // Reads everything. A missing file is an empty registry.
     DatabaseResult Load(Snapshot* snapshot);
@@ -65,6 +68,7 @@ private:
 
     const std::string fileName_;
     sqlite3* connection_ = nullptr;
+    int patience_ = 0;  // milliseconds
     bool writable_ = false;
     Statement insertKey_;
     Statement setValue_;

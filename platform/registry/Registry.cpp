@@ -14,6 +14,11 @@ namespace {
 // Handles are small numbers of this distance; the roots' are far above.
 constexpr uintptr_t kHandleStep = 4;
 
+// How long one operation waits for another process, and how long when the last one has waited in vain: a program
+// that writes nineteen values and finds the file locked for good must not stand still nineteen times.
+constexpr int kPatienceMilliseconds = 5000;
+constexpr int kLostPatienceMilliseconds = 20;
+
 }  // namespace
 
 Registry& Registry::Instance() {
@@ -54,13 +59,31 @@ void Registry::UseFile() {
     if (fileName != fileName_) {
         fileName_ = std::move(fileName);
         stamp_ = {};
+        snapshot_ = {};
+        isHeldUp_ = false;
     }
+    OpenDatabase();
+}
+
+void Registry::OpenDatabase() {
     database_ = std::make_unique<Database>(fileName_);
+    database_->WaitAtMost(isHeldUp_ ? kLostPatienceMilliseconds : kPatienceMilliseconds);
+}
+
+void Registry::Learn(DatabaseResult result) {
+    const bool isBusy = result == DatabaseResult::kBusy;
+    if (isBusy == isHeldUp_) return;
+    isHeldUp_ = isBusy;
+    database_->WaitAtMost(isHeldUp_ ? kLostPatienceMilliseconds : kPatienceMilliseconds);
 }
 
 bool Registry::BeginAnew() {
-    database_ = std::make_unique<Database>(fileName_);
-    return SetDamagedFileAside(fileName_);
+    OpenDatabase();
+    if (!SetDamagedFileAside(fileName_)) return false;
+    snapshot_ = {};
+    // Whoever has a key open goes on with it.
+    for (const auto& [handle, key] : keys_) database_->CreateKey(key.path);
+    return true;
 }
 
 void Registry::EndUse() {
@@ -69,16 +92,25 @@ void Registry::EndUse() {
 
 const Snapshot& Registry::Contents() {
     UseFile();
+    if (looked_) return snapshot_;
+    looked_ = true;
     const RegistryStamp now = RegistryStamp::Of(fileName_);
     if (stamp_.StillHolds(now)) return snapshot_;
+    // Another file of this name: what is open is the one that was set aside.
+    if (!stamp_.IsOfSameFile(now)) OpenDatabase();
     stamp_ = now;
-    DatabaseResult result = database_->Load(&snapshot_);
-    if (result == DatabaseResult::kDamaged) {
-        snapshot_ = {};
-        if (BeginAnew()) result = database_->Load(&snapshot_);
+    Snapshot read;
+    DatabaseResult result = database_->Load(&read);
+    if (result == DatabaseResult::kDamaged && BeginAnew()) {
+        stamp_ = {};
+        result = database_->Load(&read);
     }
-    // What couldn't be read is tried again at the next call.
-    if (result != DatabaseResult::kDone) stamp_ = {};
+    Learn(result);
+    if (result == DatabaseResult::kDone) {
+        snapshot_ = std::move(read);
+    } else {
+        stamp_ = {};  // tried again at the next call
+    }
     return snapshot_;
 }
 
@@ -95,6 +127,7 @@ LSTATUS Registry::CodeOf(DatabaseResult result) {
         case DatabaseResult::kUnwritable:
             return ERROR_ACCESS_DENIED;
         case DatabaseResult::kDamaged:
+        case DatabaseResult::kBusy:
         case DatabaseResult::kFailed:
             return ERROR_WRITE_FAULT;
     }

@@ -2,7 +2,8 @@
 //
 // 1. Everything is guarded by one lock; no thread is terminated while it holds it.
 // 2. Reads are answered from a snapshot of the whole file, which is taken anew when the file's stamp has changed,
-//    so that a change by another process is seen at the next read.
+//    so that a change by another process is seen at the next read. While the file can't be read, the last snapshot
+//    of it stands.
 // 3. The file is chosen when the first key is opened, and the connection to it closed with the last key.
 #pragma once
 
@@ -28,7 +29,7 @@ public:
     // One call of the program: holds the lock, and ends the use of the file if no key is open afterwards.
     class Session {
     public:
-        Session() : registry_(Instance()), guard_(registry_.mutex_) {}
+        Session() : registry_(Instance()), guard_(registry_.mutex_) { registry_.looked_ = false; }
         ~Session() { registry_.EndUse(); }
         Session(const Session&) = delete;
         Session& operator=(const Session&) = delete;
@@ -47,6 +48,7 @@ public:
     HKEY OpenKey(std::string path, REGSAM access);
     LSTATUS CloseKey(HKEY key);
 
+    // Looks at the file once in a session, and once more after each write.
     const Snapshot& Contents();
     // Null if there is no such key; roots are always there.
     const RegistryKeyContents* FindKey(std::string_view path);
@@ -55,8 +57,10 @@ public:
     template <typename... Parameters, typename... Arguments>
     LSTATUS Write(DatabaseResult (Database::*operation)(Parameters...), Arguments&&... arguments) {
         UseFile();
+        looked_ = false;
         DatabaseResult result = (database_.get()->*operation)(arguments...);
         if (result == DatabaseResult::kDamaged && BeginAnew()) result = (database_.get()->*operation)(arguments...);
+        Learn(result);
         return CodeOf(result);
     }
 
@@ -67,6 +71,8 @@ private:
     };
 
     void UseFile();
+    void OpenDatabase();
+    void Learn(DatabaseResult result);
     bool BeginAnew();
     void EndUse();
     static LSTATUS CodeOf(DatabaseResult result);
@@ -77,6 +83,8 @@ private:
     uintptr_t lastHandle_ = 0;
     std::string fileName_;
     std::unique_ptr<Database> database_;  // null while the file is not in use
+    bool isHeldUp_ = false;               // the last use of the file waited for another process in vain
+    bool looked_ = false;                 // the snapshot stands for the rest of the session
     RegistryStamp stamp_;                 // of the file that `snapshot_` was read from
     Snapshot snapshot_;
 };

@@ -1,7 +1,7 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <cstring>
+#include <iterator>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -63,12 +63,6 @@ LSTATUS DeleteKey(HKEY key, LPCSTR subKey, bool withSubKeys) {
     return registry->Write(&Database::DeleteTree, target, keepKey);
 }
 
-DWORD Longest(const std::vector<std::string>& names) {
-    size_t longest = 0;
-    for (const std::string& name : names) longest = std::max(longest, name.size());
-    return static_cast<DWORD>(longest);
-}
-
 }  // namespace
 }  // namespace tdkp
 
@@ -107,12 +101,6 @@ TDKP_API LSTATUS RegOpenKeyExA(HKEY key, LPCSTR subKey, DWORD, REGSAM access, HK
 TDKP_API LSTATUS RegCloseKey(HKEY key) {
     const Registry::Session registry;
     return registry->CloseKey(key);
-}
-
-TDKP_API LSTATUS RegFlushKey(HKEY key) {
-    const Registry::Session registry;
-    std::string path;
-    return registry->PathOf(key, 0, &path);
 }
 
 TDKP_API LSTATUS RegQueryValueExA(HKEY key, LPCSTR name, DWORD*, DWORD* type, BYTE* data, DWORD* size) {
@@ -156,36 +144,6 @@ TDKP_API LSTATUS RegDeleteKeyA(HKEY key, LPCSTR subKey) {
 
 TDKP_API LSTATUS RegDeleteTreeA(HKEY key, LPCSTR subKey) {
     return DeleteKey(key, subKey, true);
-}
-
-TDKP_API LSTATUS RegQueryInfoKeyA(HKEY key, LPSTR keyClass, DWORD* classLength, DWORD*, DWORD* subKeys,
-                                  DWORD* longestSubKey, DWORD* longestClass, DWORD* values, DWORD* longestName,
-                                  DWORD* longestData, DWORD* securitySize, FILETIME* lastWrite) {
-    const Registry::Session registry;
-    std::string path;
-    const LSTATUS found = registry->PathOf(key, KEY_QUERY_VALUE, &path);
-    if (found != ERROR_SUCCESS) return found;
-    if (subKeys != nullptr || longestSubKey != nullptr) {
-        const std::vector<std::string> names = registry->Contents().SubKeys(path);
-        Tell(subKeys, static_cast<DWORD>(names.size()));
-        Tell(longestSubKey, Longest(names));
-    }
-    size_t name = 0, data = 0;
-    const RegistryKeyContents& contents = *registry->FindKey(path);
-    for (const auto& [folded, value] : contents.values) {
-        name = std::max(name, value.name.size());
-        data = std::max(data, value.data.size());
-    }
-    Tell(values, static_cast<DWORD>(contents.values.size()));
-    Tell(longestName, static_cast<DWORD>(name));
-    Tell(longestData, static_cast<DWORD>(data));
-    // Keys have no classes, no owners and no times here.
-    if (keyClass != nullptr && classLength != nullptr && *classLength > 0) *keyClass = '\0';
-    Tell(classLength, DWORD{0});
-    Tell(longestClass, DWORD{0});
-    Tell(securitySize, DWORD{0});
-    Tell(lastWrite, FILETIME{});
-    return ERROR_SUCCESS;
 }
 
 TDKP_API LSTATUS RegEnumValueA(HKEY key, DWORD index, LPSTR name, DWORD* nameLength, DWORD*, DWORD* type, BYTE* data,

@@ -19,6 +19,7 @@ public:
     // False if the two differ, or if equal stamps say nothing.
     bool StillHolds(const RegistryStamp& now) const { return trusted_ && now.trusted_ && *this == now; }
     bool operator==(const RegistryStamp&) const = default;
+    bool IsOfSameFile(const RegistryStamp& other) const { return device_ == other.device_ && inode_ == other.inode_; }
 
 private:
     static constexpr size_t kHeaderSize = 100;  // of a SQLite file

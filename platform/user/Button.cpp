@@ -1,6 +1,8 @@
 #include "platform/user/Button.h"
 
-#include <string>
+#include "platform/user/ButtonFace.h"
+#include "platform/user/ControlPaint.h"
+#include "platform/user/DialogWindow.h"
 
 namespace tdkp {
 namespace {
@@ -9,9 +11,16 @@ namespace {
 constexpr INT kStateOffset = 0;
 constexpr INT kFontOffset = sizeof(LONG_PTR);
 constexpr INT kExtraBytes = 2 * sizeof(LONG_PTR);
-constexpr LONG_PTR kPushed = BST_PUSHED;
 constexpr LONG_PTR kHeldByKey = 0x100;
 constexpr LONG_PTR kHeldByMouse = 0x200;
+
+UINT TypeOf(HWND button) {
+    return static_cast<UINT>(GetWindowLongPtrA(button, GWL_STYLE)) & BS_TYPEMASK;
+}
+
+bool IsPush(HWND button) {
+    return TypeOf(button) == BS_PUSHBUTTON || TypeOf(button) == BS_DEFPUSHBUTTON;
+}
 
 LONG_PTR StateOf(HWND button) {
     return GetWindowLongPtrA(button, kStateOffset);
@@ -21,18 +30,18 @@ void ChangeState(HWND button, LONG_PTR set, LONG_PTR clear) {
     const LONG_PTR former = StateOf(button);
     const LONG_PTR state = (former & ~clear) | set;
     SetWindowLongPtrA(button, kStateOffset, state);
-    if (((former ^ state) & kPushed) != 0) InvalidateRect(button, nullptr, FALSE);
+    if (((former ^ state) & (BST_PUSHED | BST_CHECKED)) != 0) InvalidateRect(button, nullptr, FALSE);
 }
 
 bool IsOver(HWND button, LPARAM position) {
     RECT client;
     GetClientRect(button, &client);
-    const POINT point = {static_cast<SHORT>(LOWORD(static_cast<DWORD_PTR>(position))),
-                         static_cast<SHORT>(HIWORD(static_cast<DWORD_PTR>(position)))};
-    return PtInRect(&client, point) != FALSE;
+    return PtInRect(&client, PointOf(position)) != FALSE;
 }
 
 void Click(HWND button) {
+    const LONG_PTR checked = StateOf(button) & BST_CHECKED;
+    if (TypeOf(button) == BS_AUTOCHECKBOX) ChangeState(button, BST_CHECKED & ~checked, checked);
     const auto id = static_cast<WORD>(GetDlgCtrlID(button));
     if (const HWND parent = GetParent(button))
         SendMessageA(parent, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), reinterpret_cast<LPARAM>(button));
@@ -42,99 +51,37 @@ void Click(HWND button) {
 void Release(HWND button, LONG_PTR holder, bool clicks) {
     const LONG_PTR state = StateOf(button);
     if ((state & holder) == 0) return;
-    ChangeState(button, 0, kPushed | holder);
+    ChangeState(button, 0, BST_PUSHED | holder);
     if (holder == kHeldByMouse && GetCapture() == button) ReleaseCapture();
-    if (clicks && (state & kPushed) != 0) Click(button);
+    if (clicks && (state & BST_PUSHED) != 0) Click(button);
 }
 
 void Press(HWND button) {
+    if (TypeOf(button) == BS_GROUPBOX) return;
     SetFocus(button);
     SetCapture(button);
-    ChangeState(button, kPushed | kHeldByMouse, 0);
+    ChangeState(button, BST_PUSHED | kHeldByMouse, 0);
 }
 
-void Edge(HDC dc, const RECT& box, INT topLeft, INT bottomRight) {
-    const RECT top = {box.left, box.top, box.right - 1, box.top + 1};
-    const RECT left = {box.left, box.top, box.left + 1, box.bottom - 1};
-    const RECT bottom = {box.left, box.bottom - 1, box.right, box.bottom};
-    const RECT right = {box.right - 1, box.top, box.right, box.bottom};
-    FillRect(dc, &top, GetSysColorBrush(topLeft));
-    FillRect(dc, &left, GetSysColorBrush(topLeft));
-    FillRect(dc, &bottom, GetSysColorBrush(bottomRight));
-    FillRect(dc, &right, GetSysColorBrush(bottomRight));
-}
-
-// Every other pixel of the outline.
-void FocusRect(HDC dc, const RECT& box) {
-    const COLORREF color = GetSysColor(COLOR_BTNTEXT);
-    for (LONG x = box.left; x < box.right; x += 2) {
-        SetPixel(dc, x, box.top, color);
-        SetPixel(dc, x, box.bottom - 1, color);
-    }
-    for (LONG y = box.top; y < box.bottom; y += 2) {
-        SetPixel(dc, box.left, y, color);
-        SetPixel(dc, box.right - 1, y, color);
-    }
-}
-
-void DrawFrame(HDC dc, RECT* box, bool isDefault, bool pushed) {
-    if (isDefault) {
-        FrameRect(dc, box, GetSysColorBrush(COLOR_WINDOWFRAME));
-        InflateRect(box, -1, -1);
-    }
-    if (pushed) {
-        FrameRect(dc, box, GetSysColorBrush(COLOR_BTNSHADOW));
-        InflateRect(box, -1, -1);
-    } else {
-        Edge(dc, *box, COLOR_BTNHIGHLIGHT, COLOR_3DDKSHADOW);
-        InflateRect(box, -1, -1);
-        Edge(dc, *box, COLOR_3DLIGHT, COLOR_BTNSHADOW);
-    }
-}
-
-void DrawLabel(HWND button, HDC dc, RECT box, bool pushed) {
-    const INT length = GetWindowTextLengthA(button);
-    std::string text(static_cast<size_t>(length) + 1, '\0');
-    GetWindowTextA(button, text.data(), length + 1);
-    const UINT format = DT_CENTER | DT_VCENTER | DT_SINGLELINE;
-    if (pushed) OffsetRect(&box, 1, 1);
-    SetBkMode(dc, TRANSPARENT);
-    if (!IsWindowEnabled(button)) {
-        RECT shadow = box;
-        OffsetRect(&shadow, 1, 1);
-        SetTextColor(dc, GetSysColor(COLOR_BTNHIGHLIGHT));
-        DrawTextA(dc, text.c_str(), length, &shadow, format);
-    }
-    SetTextColor(dc, GetSysColor(IsWindowEnabled(button) ? COLOR_BTNTEXT : COLOR_GRAYTEXT));
-    DrawTextA(dc, text.c_str(), length, &box, format);
+// A push button with the focus is the one that Enter presses; without one it is the dialog's own.
+bool IsDefault(HWND button) {
+    if (!IsPush(button)) return false;
+    const HWND focus = GetFocus();
+    if (focus == button) return TypeOf(button) == BS_DEFPUSHBUTTON || DialogOf(button) != nullptr;
+    const bool otherHasIt = focus != nullptr && (SendMessageA(focus, WM_GETDLGCODE, 0, 0) &
+                                                 (DLGC_DEFPUSHBUTTON | DLGC_UNDEFPUSHBUTTON)) != 0;
+    return TypeOf(button) == BS_DEFPUSHBUTTON && !(otherHasIt && GetParent(focus) == GetParent(button));
 }
 
 LRESULT Paint(HWND button) {
-    constexpr INT kFocusInset = 3;
-    PAINTSTRUCT paint;
-    const HDC dc = BeginPaint(button, &paint);
-    RECT box;
-    GetClientRect(button, &box);
-    auto font = reinterpret_cast<HGDIOBJ>(GetWindowLongPtrA(button, kFontOffset));
-    const HGDIOBJ former = SelectObject(dc, font != nullptr ? font : GetStockObject(DEFAULT_GUI_FONT));
-    const bool pushed = (StateOf(button) & kPushed) != 0;
-    const bool isDefault = (GetWindowLongPtrA(button, GWL_STYLE) & 0xF) == BS_DEFPUSHBUTTON;
-    FillRect(dc, &box, GetSysColorBrush(COLOR_BTNFACE));
-    DrawFrame(dc, &box, isDefault || pushed, pushed);
-    DrawLabel(button, dc, box, pushed);
-    if (GetFocus() == button) {
-        InflateRect(&box, -kFocusInset, -kFocusInset);
-        FocusRect(dc, box);
-    }
-    SelectObject(dc, former);
-    EndPaint(button, &paint);
+    PaintButton(button, TypeOf(button), StateOf(button), IsDefault(button));
     return 0;
 }
 
 LRESULT OnKey(HWND button, bool down, WPARAM key) {
     if (key != VK_SPACE) return 0;
     if (down && (StateOf(button) & (kHeldByKey | kHeldByMouse)) == 0)
-        ChangeState(button, kPushed | kHeldByKey, 0);
+        ChangeState(button, BST_PUSHED | kHeldByKey, 0);
     else if (!down)
         Release(button, kHeldByKey, true);
     return 0;
@@ -142,13 +89,15 @@ LRESULT OnKey(HWND button, bool down, WPARAM key) {
 
 LRESULT OnMouseMove(HWND button, LPARAM position) {
     if ((StateOf(button) & kHeldByMouse) != 0)
-        IsOver(button, position) ? ChangeState(button, kPushed, 0) : ChangeState(button, 0, kPushed);
+        IsOver(button, position) ? ChangeState(button, BST_PUSHED, 0) : ChangeState(button, 0, BST_PUSHED);
     return 0;
 }
 
-LRESULT LoseFocus(HWND button) {
-    Release(button, kHeldByKey, false);
+// The frame of the default button follows the focus.
+LRESULT OnFocus(HWND button, bool gained) {
+    if (!gained) Release(button, kHeldByKey, false);
     InvalidateRect(button, nullptr, FALSE);
+    if (const HWND dialog = DialogOf(button)) InvalidateRect(GetDlgItem(dialog, DefaultId(dialog)), nullptr, FALSE);
     return 0;
 }
 
@@ -158,8 +107,30 @@ LRESULT PassOn(HWND button, UINT message, WPARAM wParam, LPARAM lParam) {
     return result;
 }
 
+// What lies inside a group box is beside it in the tree, and shows on top of it.
+LRESULT OnNcCreate(HWND button) {
+    const LONG_PTR style = GetWindowLongPtrA(button, GWL_EXSTYLE);
+    if (TypeOf(button) == BS_GROUPBOX) SetWindowLongPtrA(button, GWL_EXSTYLE, style | WS_EX_TRANSPARENT);
+    return TRUE;
+}
+
+LRESULT DialogCode(HWND button) {
+    switch (TypeOf(button)) {
+        case BS_GROUPBOX:
+            return DLGC_STATIC;
+        case BS_AUTOCHECKBOX:
+            return DLGC_BUTTON;
+        case BS_DEFPUSHBUTTON:
+            return DLGC_BUTTON | DLGC_DEFPUSHBUTTON;
+        default:
+            return DLGC_BUTTON | DLGC_UNDEFPUSHBUTTON;
+    }
+}
+
 LRESULT CALLBACK ButtonProcedure(HWND button, UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
+        case WM_NCCREATE:
+            return OnNcCreate(button);
         case WM_PAINT:
             return Paint(button);
         case WM_ERASEBKGND:
@@ -177,8 +148,8 @@ LRESULT CALLBACK ButtonProcedure(HWND button, UINT message, WPARAM wParam, LPARA
         case WM_KEYUP:
             return OnKey(button, message == WM_KEYDOWN, wParam);
         case WM_KILLFOCUS:
-            return LoseFocus(button);
         case WM_SETFOCUS:
+            return OnFocus(button, message == WM_SETFOCUS);
         case WM_ENABLE:
         case WM_SETTEXT:
             return PassOn(button, message, wParam, lParam);
@@ -188,11 +159,15 @@ LRESULT CALLBACK ButtonProcedure(HWND button, UINT message, WPARAM wParam, LPARA
         case WM_GETFONT:
             return GetWindowLongPtrA(button, kFontOffset);
         case WM_GETDLGCODE:
-            return DLGC_BUTTON | DLGC_UNDEFPUSHBUTTON;
+            return DialogCode(button);
+        case BM_GETCHECK:
+            return StateOf(button) & BST_CHECKED;
+        case BM_SETCHECK:
+            return ChangeState(button, wParam != 0 ? BST_CHECKED : 0, wParam != 0 ? 0 : BST_CHECKED), 0;
         case BM_GETSTATE:
-            return StateOf(button) & kPushed;
+            return StateOf(button) & (BST_PUSHED | BST_CHECKED);
         case BM_SETSTATE:
-            return ChangeState(button, wParam != 0 ? kPushed : 0, wParam != 0 ? 0 : kPushed), 0;
+            return ChangeState(button, wParam != 0 ? BST_PUSHED : 0, wParam != 0 ? 0 : BST_PUSHED), 0;
         case BM_CLICK:
             return Click(button), 0;
         default:

@@ -1,12 +1,16 @@
 #include "platform/user/ClassTable.h"
 
+#include <commctrl.h>
 #include <strings.h>
 
 #include <algorithm>
 
 #include "platform/kernel/Immortal.h"
 #include "platform/user/Button.h"
+#include "platform/user/DialogWindow.h"
+#include "platform/user/Static.h"
 #include "platform/user/SystemColors.h"
+#include "platform/user/Trackbar.h"
 #include "platform/user/WindowTable.h"
 
 namespace tdkp {
@@ -35,7 +39,11 @@ ATOM Append(Classes& classes, const WNDCLASSA& info, LPCSTR name, bool builtIn) 
 // The classes that every process has. New controls get their line here.
 Classes& TheClasses() {
     Classes& classes = Immortal<Classes>();
-    if (classes.list.empty()) Append(classes, ButtonClass(), "Button", true);
+    if (!classes.list.empty()) return classes;
+    Append(classes, ButtonClass(), "Button", true);
+    Append(classes, StaticClass(), "Static", true);
+    Append(classes, TrackbarClass(), TRACKBAR_CLASSA, true);
+    Append(classes, DialogClass(), kDialogClass, true);
     return classes;
 }
 

@@ -53,6 +53,12 @@ LRESULT ChooseCursor(HWND window, WPARAM wParam, LPARAM lParam) {
     return FALSE;
 }
 
+HWND RootWindowOf(HWND window) {
+    DispatcherGuard guard(DispatcherLock());
+    Window* state = FindWindowState(guard, window);
+    return state != nullptr ? RootOf(guard, *state)->handle : nullptr;
+}
+
 LRESULT PassToParent(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     HWND parent = nullptr;
     {
@@ -84,7 +90,7 @@ TDKP_API LRESULT DefWindowProcA(HWND window, UINT message, WPARAM wParam, LPARAM
         case WM_SYSCOMMAND:
             return (wParam & 0xFFF0) == SC_CLOSE ? SendMessageA(window, WM_CLOSE, 0, 0) : 0;
         case WM_SYSKEYDOWN:
-            return wParam == VK_F4 ? SendMessageA(window, WM_SYSCOMMAND, SC_CLOSE, 0) : 0;
+            return wParam == VK_F4 ? SendMessageA(tdkp::RootWindowOf(window), WM_SYSCOMMAND, SC_CLOSE, 0) : 0;
         case WM_ACTIVATE:
             return tdkp::OnActivate(window, wParam);
         case WM_SETTEXT:

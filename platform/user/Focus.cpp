@@ -57,22 +57,28 @@ HWND MoveCapture(uint32_t thread, HWND window) {
 void Activate(HWND window) {
     const uint32_t thread = CurrentThreadId();
     HWND former = nullptr;
-    uint32_t formerThread = 0;
+    {
+        DispatcherGuard guard(DispatcherLock());
+        const Window* state = FindWindowState(guard, window);
+        if (state == nullptr || state->destroying || activeWindow == window) return;
+        former = activeWindow;
+    }
+    Deactivate(former);  // of this thread
+    HWND other = nullptr;
+    uint32_t otherThread = 0;
     {
         DispatcherGuard guard(DispatcherLock());
         MessageQueue* queue = FindQueue(guard, thread);
         const Window* state = FindWindowState(guard, window);
-        if (queue == nullptr || state == nullptr || state->destroying || activeWindow == window) return;
-        former = activeWindow;
-        const Window* formerState = FindWindowState(guard, former);
-        formerThread = formerState != nullptr ? formerState->thread : 0;
+        if (queue == nullptr || state == nullptr || state->destroying) return;
+        if (const Window* otherState = FindWindowState(guard, activeWindow)) {
+            other = activeWindow;
+            otherThread = otherState->thread;
+        }
         activeWindow = window;
         queue->active = window;
     }
-    if (formerThread == thread)
-        Deactivate(former);
-    else if (formerThread != 0)
-        PostWork(formerThread, [former] { Deactivate(former); });
+    if (otherThread != 0 && otherThread != thread) PostWork(otherThread, [other] { Deactivate(other); });
     CallProcedure(window, WM_ACTIVATE, WA_ACTIVE, reinterpret_cast<LPARAM>(former));
     HWND focus = window;
     {
@@ -100,6 +106,11 @@ void Deactivate(HWND window) {
     }
     CallProcedure(window, WM_ACTIVATE, WA_INACTIVE, 0);
     if (hasFocus) MoveFocus(thread, nullptr);
+}
+
+void FocusWhenActive(HWND control) {
+    DispatcherGuard guard(DispatcherLock());
+    if (Window* state = FindWindowState(guard, control)) RootOf(guard, *state)->lastFocus = control;
 }
 
 void LeaveWindow(HWND window) {

@@ -10,6 +10,9 @@ namespace tdkp {
 void Activate(HWND window);
 void Deactivate(HWND window);
 
+// The control gets the focus when its window becomes the active one.
+void FocusWhenActive(HWND control);
+
 // A window is about to be hidden or destroyed: focus, capture and activation leave it and all inside it.
 void LeaveWindow(HWND window);
 

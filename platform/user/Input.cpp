@@ -27,6 +27,12 @@ bool IsMouse(UINT message) {
     return message >= WM_MOUSEFIRST && message <= WM_MOUSELAST;
 }
 
+// The end of a press, or a move during one: for the window that was pressed, wherever the mouse is by then.
+bool BelongsToPress(UINT message, WPARAM keys) {
+    if (message == WM_MOUSEMOVE) return (keys & (MK_LBUTTON | MK_RBUTTON | MK_MBUTTON)) != 0;
+    return message == WM_LBUTTONUP || message == WM_RBUTTONUP || message == WM_MBUTTONUP;
+}
+
 // Moves the point from the client area of one window into that of another. False if they share no root.
 bool MovePoint(const DispatcherGuard& guard, Window& from, Window& to, POINT* point) {
     if (RootOf(guard, from) != RootOf(guard, to)) return false;
@@ -38,16 +44,18 @@ bool MovePoint(const DispatcherGuard& guard, Window& from, Window& to, POINT* po
 }
 
 // Who gets a mouse message for this window: the capture, else the first enabled window outwards.
-Window* MouseTarget(const DispatcherGuard& guard, Window& window, POINT* point) {
+Window* MouseTarget(const DispatcherGuard& guard, Window& window, bool ofPress, POINT* point) {
     const MessageQueue* queue = FindQueue(guard, window.thread);
     Window* captor = queue != nullptr ? FindWindowState(guard, queue->capture) : nullptr;
     if (captor != nullptr && MovePoint(guard, window, *captor, point)) return captor;
+    const RECT client = window.Client();
+    if (window.edge > 0 && !ofPress && !PtInRect(&client, *point)) return nullptr;  // its frame
     const Window* root = RootOf(guard, window);
     if ((root->style & WS_DISABLED) != 0) return nullptr;
     Window* target = &window;
     while ((target->style & WS_DISABLED) != 0) {
-        point->x += target->bounds.left;
-        point->y += target->bounds.top;
+        point->x += target->bounds.left + target->edge;
+        point->y += target->bounds.top + target->edge;
         target = FindWindowState(guard, target->parent);
     }
     return target;
@@ -70,8 +78,9 @@ UINT CountClick(MessageQueue& queue, const Window& window, UINT message, POINT p
 
 POINT ToScreen(const DispatcherGuard& guard, Window& window, POINT point) {
     const POINT offset = OffsetInRoot(guard, window);
-    const RECT& root = RootOf(guard, window)->bounds;
-    return POINT{root.left + offset.x + point.x, root.top + offset.y + point.y};
+    const Window* root = RootOf(guard, window);
+    return POINT{root->bounds.left + root->edge + offset.x + point.x,
+                 root->bounds.top + root->edge + offset.y + point.y};
 }
 
 LPARAM Pack(POINT point) {
@@ -92,14 +101,14 @@ constexpr ButtonKey kButtonKeys[] = {{MK_LBUTTON, VK_LBUTTON}, {MK_RBUTTON, VK_R
 
 }  // namespace
 
-void QueueMouse(HWND handle, UINT message, WPARAM keys, POINT point, DWORD time) {
+void QueueMouse(HWND handle, UINT message, WPARAM keys, POINT point, const POINT* screen, DWORD time) {
     DispatcherGuard guard(DispatcherLock());
     Window* window = FindWindowState(guard, handle);
     if (window == nullptr) return;
-    window = MouseTarget(guard, *window, &point);
+    window = MouseTarget(guard, *window, BelongsToPress(message, keys), &point);
     MessageQueue* queue = window != nullptr ? FindQueue(guard, window->thread) : nullptr;
     if (queue == nullptr || window->destroying) return;
-    pointer = ToScreen(guard, *window, point);
+    pointer = screen != nullptr ? *screen : ToScreen(guard, *window, point);
     QueuedMessage queued;
     queued.message.hwnd = window->handle;
     queued.message.message = CountClick(*queue, *window, message, point, time);

@@ -13,8 +13,9 @@ struct KeyStroke {
     uint32_t time;
 };
 
-// Client coordinates of the window. `keys` carries the wheel's turn in its high word. Any thread.
-void QueueMouse(HWND window, UINT message, WPARAM keys, POINT point, DWORD time);
+// Client coordinates of the window, and where that is on the screen; null: where the window's place says. `keys`
+// carries the wheel's turn in its high word. Any thread.
+void QueueMouse(HWND window, UINT message, WPARAM keys, POINT point, const POINT* screen, DWORD time);
 void QueueKey(HWND window, const KeyStroke& stroke);
 
 // What a thread knows of keys and pointer once it has taken this message out.

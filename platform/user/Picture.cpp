@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "platform/user/ClientEdge.h"
 #include "platform/user/WindowTable.h"
 
 namespace tdkp {
@@ -22,13 +23,13 @@ int BlackPixel(const Raster& raster) {
     return 0;
 }
 
-bool MakeLarger(Display& display, HWND window, const RECT& client, const Raster& old, Raster* made) {
-    const int32_t width = std::min(old.width, client.right);
-    const int32_t height = std::min(old.height, client.bottom);
+bool MakeLarger(Display& display, HWND window, const RECT& size, const Raster& old, Raster* made) {
+    const int32_t width = std::min(old.width, size.right);
+    const int32_t height = std::min(old.height, size.bottom);
     const int32_t keptPitch = old.topRow != nullptr ? width * BytesPerPixel(old.format) : 0;
     std::vector<uint8_t> kept(static_cast<size_t>(keptPitch) * static_cast<size_t>(std::max(height, 0)));
     if (!kept.empty()) CopyRows(old, kept.data(), keptPitch, width, height);
-    if (!display.MakePicture(IdOf(window), client.right, client.bottom, made) || made->topRow == nullptr) return false;
+    if (!display.MakePicture(IdOf(window), size.right, size.bottom, made) || made->topRow == nullptr) return false;
     const size_t rowBytes = static_cast<size_t>(made->width) * static_cast<size_t>(BytesPerPixel(made->format));
     const int black = BlackPixel(*made);
     for (int32_t row = 0; row < made->height; ++row)
@@ -81,18 +82,22 @@ void LetGoPicture(DispatcherGuard& guard, Window& window) {
 bool FitPicture(DispatcherGuard& guard, Window& window) {
     WindowPicture& picture = window.picture;
     const RECT client = window.Client();
+    const RECT all = {0, 0, window.Width(), window.Height()};
     if (IsRectEmpty(&client) || !window.MayHavePicture()) return false;
-    const bool fits = picture.raster.topRow != nullptr && picture.raster.width == client.right &&
-                      picture.raster.height == client.bottom;
+    const bool fits =
+        picture.raster.topRow != nullptr && picture.raster.width == all.right && picture.raster.height == all.bottom;
     // Inside a nested hold the outer one still draws on the old memory.
     if (fits || picture.depth > 1) return picture.raster.topRow != nullptr;
     const Raster old = picture.raster;
     Raster made;
     TerminationDeferral deferral;
     guard.unlock();
-    const bool works = MakeLarger(*window.display, window.handle, client, old, &made);
+    const bool works = MakeLarger(*window.display, window.handle, all, old, &made);
+    if (works && window.edge > 0) DrawClientEdge(made);
     guard.lock();
     picture.raster = works ? made : Raster();
+    // The frame is no part of what will be drawn, so it is shown when the picture is let go.
+    if (works && window.edge > 0) picture.exposed = all;
     return works;
 }
 

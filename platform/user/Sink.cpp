@@ -20,15 +20,23 @@ uint32_t ThreadOf(HWND window) {
     return state != nullptr ? state->thread : 0;
 }
 
+// From a place in the display's window to one in the client area.
+POINT InClient(WindowId window, POINT point) {
+    DispatcherGuard guard(DispatcherLock());
+    const Window* state = FindWindowState(guard, HandleOf(window));
+    const LONG edge = state != nullptr ? state->edge : 0;
+    return POINT{point.x - edge, point.y - edge};
+}
+
 class UserSink final : public DisplaySink {
 public:
-    void OnMouse(WindowId window, uint32_t message, WPARAM keys, int x, int y, uint32_t time) override {
-        QueueMouse(HandleOf(window), message, keys, POINT{x, y}, time);
+    void OnMouse(WindowId window, uint32_t message, WPARAM keys, POINT point, POINT screen, uint32_t time) override {
+        QueueMouse(HandleOf(window), message, keys, InClient(window, point), &screen, time);
     }
 
-    void OnWheel(WindowId window, int delta, WPARAM keys, int x, int y, uint32_t time) override {
+    void OnWheel(WindowId window, int delta, WPARAM keys, POINT point, POINT screen, uint32_t time) override {
         const WPARAM both = MAKEWPARAM(LOWORD(keys), static_cast<WORD>(delta));
-        QueueMouse(HandleOf(window), WM_MOUSEWHEEL, both, POINT{x, y}, time);
+        QueueMouse(HandleOf(window), WM_MOUSEWHEEL, both, InClient(window, point), &screen, time);
     }
 
     void OnKey(WindowId window, bool down, uint32_t virtualKey, uint32_t text, bool altDown, uint32_t time) override {
@@ -71,7 +79,9 @@ public:
         const RECT former = state->picture.exposed;
         UnionRect(&state->picture.exposed, &former, &rect);
         if (!TryHoldPicture(guard, *state, thread)) return;
-        if (state->picture.raster.topRow == nullptr) InvalidateState(guard, *state, rect, true);
+        RECT part = rect;
+        OffsetRect(&part, -state->edge, -state->edge);
+        if (state->picture.raster.topRow == nullptr) InvalidateState(guard, *state, part, true);
         LetGoPicture(guard, *state);
     }
 

@@ -4,7 +4,9 @@
 #include <tdkplatform.h>
 
 #include <algorithm>
+#include <cstring>
 
+#include "platform/user/DialogWindow.h"
 #include "platform/user/Input.h"
 #include "platform/user/Picture.h"
 #include "platform/user/SentCalls.h"
@@ -44,20 +46,33 @@ uint32_t ColorAt(const Raster& raster, const uint8_t* row, int32_t x) {
     return 0;
 }
 
+void CopyColors(const Raster& raster, const uint8_t* row, int32_t x, int32_t count, DWORD* to) {
+    if (raster.format == PixelFormat::kRgb32 && count > 0) {
+        constexpr int32_t kBlock = 16;  // a fixed number is what compilers make vectors of
+        std::memcpy(to, row + static_cast<ptrdiff_t>(x) * sizeof(DWORD), static_cast<size_t>(count) * sizeof(DWORD));
+        for (; count >= kBlock; count -= kBlock, to += kBlock)
+            for (int32_t i = 0; i < kBlock; ++i) to[i] &= 0xFFFFFF;
+        for (int32_t i = 0; i < count; ++i) to[i] &= 0xFFFFFF;
+        return;
+    }
+    for (int32_t i = 0; i < count; ++i) to[i] = ColorAt(raster, row, x + i);
+}
+
 struct Layer {
     HWND window;
-    POINT origin;  // in the window that is read
+    POINT origin;  // of its picture, in the client area that is read
     RECT seen;     // in the same coordinates
 };
 
 // The window and what is shown inside it, from the bottom up.
 void AppendLayers(const DispatcherGuard& guard, const Window& window, Layer layer, std::vector<Layer>* layers) {
     layers->push_back(layer);
-    for (auto handle = window.children.rbegin(); handle != window.children.rend(); ++handle) {
+    const std::vector<HWND> stack = StackOf(guard, window);
+    for (auto handle = stack.rbegin(); handle != stack.rend(); ++handle) {
         const Window* child = FindWindowState(guard, *handle);
         if (child == nullptr || (child->style & WS_VISIBLE) == 0) continue;
         RECT place = child->bounds;
-        OffsetRect(&place, layer.origin.x, layer.origin.y);
+        OffsetRect(&place, layer.origin.x + window.edge, layer.origin.y + window.edge);
         Layer inner = {*handle, {place.left, place.top}, {0, 0, 0, 0}};
         if (IntersectRect(&inner.seen, &place, &layer.seen)) AppendLayers(guard, *child, inner, layers);
     }
@@ -74,11 +89,12 @@ void CopyLayer(const Layer& layer, uint32_t thread, DWORD* pixels, int32_t width
         const uint8_t* row = raster.topRow != nullptr && sourceY < raster.height
                                  ? raster.topRow + static_cast<ptrdiff_t>(sourceY) * raster.pitch
                                  : nullptr;
-        for (LONG x = layer.seen.left; x < layer.seen.right; ++x) {
-            const LONG sourceX = x - layer.origin.x;
-            const bool inside = row != nullptr && sourceX < raster.width;
-            pixels[static_cast<ptrdiff_t>(y) * width + x] = inside ? ColorAt(raster, row, sourceX) : 0;
-        }
+        DWORD* to = pixels + static_cast<ptrdiff_t>(y) * width;
+        const LONG from = layer.seen.left - layer.origin.x;
+        const LONG end =
+            row != nullptr ? std::clamp<LONG>(raster.width - from, 0, layer.seen.right - layer.seen.left) : 0;
+        CopyColors(raster, row, from, end, to + layer.seen.left);
+        std::fill(to + layer.seen.left + end, to + layer.seen.right, 0);
     }
     guard.lock();
     LetGoPicture(guard, *window);
@@ -99,7 +115,7 @@ TDKP_API BOOL TdkpReadWindow(HWND window, DWORD* pixels, int capacity, int* widt
         const tdkp::Window* state = tdkp::FindWindowState(guard, window);
         if (state == nullptr) return FALSE;
         client = state->Client();
-        tdkp::AppendLayers(guard, *state, tdkp::Layer{window, {0, 0}, client}, &layers);
+        tdkp::AppendLayers(guard, *state, tdkp::Layer{window, {-state->edge, -state->edge}, client}, &layers);
     }
     if (width != nullptr) *width = client.right;
     if (height != nullptr) *height = client.bottom;
@@ -116,7 +132,7 @@ TDKP_API void TdkpFeedMouse(HWND window, UINT message, WPARAM keys, int x, int y
         if (state == nullptr) return;
         window = tdkp::WindowAt(guard, *state, &point);
     }
-    tdkp::QueueMouse(window, message, keys, point, GetTickCount());
+    tdkp::QueueMouse(window, message, keys, point, nullptr, GetTickCount());
 }
 
 TDKP_API void TdkpFeedKey(HWND window, BOOL down, UINT virtualKey, UINT character) {
@@ -137,6 +153,8 @@ TDKP_API uint32_t TdkpDispatchMessages() {
             // Meant for a loop that runs until then; the host's own goes on.
             continue;
         }
+        const HWND dialog = tdkp::DialogOf(message.hwnd);
+        if (dialog != nullptr && IsDialogMessageA(dialog, &message)) continue;
         TranslateMessage(&message);
         DispatchMessageA(&message);
     }

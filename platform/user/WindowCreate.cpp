@@ -2,6 +2,7 @@
 #include <string>
 
 #include "platform/user/ClassTable.h"
+#include "platform/user/ClientEdge.h"
 #include "platform/user/DisplayUse.h"
 #include "platform/user/MessageQueue.h"
 #include "platform/user/SentCalls.h"
@@ -55,16 +56,21 @@ bool ResolveParent(const CREATESTRUCTA& create, Display& display, Window* window
     }
     if (child)
         (ours ? window->parent : window->foreignParent) = parent;
-    else if (ours)
-        window->owner = root;
+    else
+        window->owner = ours ? root : parent;
+    if (child && (create.dwExStyle & WS_EX_CLIENTEDGE) != 0) window->edge = kClientEdge;
     return true;
 }
 
 WindowId MakeOnDisplay(Display& display, const Window& window) {
     DisplayWindowInfo info;
     info.parent = IdOf(window.parent != nullptr ? window.parent : window.foreignParent);
-    info.x = window.bounds.left;
-    info.y = window.bounds.top;
+    {
+        DispatcherGuard guard(DispatcherLock());
+        const POINT corner = PlaceOnDisplay(guard, window);
+        info.x = corner.x;
+        info.y = corner.y;
+    }
     info.width = std::max(window.Width(), 1);
     info.height = std::max(window.Height(), 1);
     info.topLevel = window.TopLevel();
@@ -94,12 +100,6 @@ bool SendCreation(HWND window, CREATESTRUCTA* create) {
         return false;
     }
     return IsWindow(window) != FALSE;
-}
-
-void SendFirstPlace(HWND window, const CREATESTRUCTA& create) {
-    const LPARAM size = MAKELPARAM(static_cast<WORD>(create.cx), static_cast<WORD>(create.cy));
-    CallProcedure(window, WM_SIZE, SIZE_RESTORED, size);
-    CallProcedure(window, WM_MOVE, 0, MAKELPARAM(static_cast<WORD>(create.x), static_cast<WORD>(create.y)));
 }
 
 std::unique_ptr<Window> StateOf(const CREATESTRUCTA& create, std::shared_ptr<WindowClass> windowClass) {
@@ -158,7 +158,8 @@ HWND CreateOnOwner(CREATESTRUCTA create) {
     if (window == nullptr) return nullptr;
     RaiseSiblings(window);
     if (!SendCreation(window, &create)) return nullptr;
-    SendFirstPlace(window, create);
+    SendSize(window);
+    SendMove(window);
     if ((static_cast<DWORD>(create.style) & WS_VISIBLE) != 0) ShowWindow(window, SW_SHOW);
     return IsWindow(window) ? window : nullptr;
 }

@@ -74,16 +74,18 @@ bool ShowOnOwner(HWND window, bool show, bool activate) {
 // Erases what a change of size uncovers and lets it be painted; all of the window if the class wants so.
 void InvalidateResized(HWND window, const RECT& former) {
     RECT client;
+    LONG edges = 0;
     bool whole = false;
     {
         DispatcherGuard guard(DispatcherLock());
         const Window* state = FindWindowState(guard, window);
         if (state == nullptr) return;
         client = state->Client();
+        edges = 2 * state->edge;
         whole = (state->windowClass->info.style & (CS_HREDRAW | CS_VREDRAW)) != 0;
     }
-    const LONG keptWidth = whole ? 0 : std::min(former.right - former.left, client.right);
-    const LONG keptHeight = whole ? 0 : std::min(former.bottom - former.top, client.bottom);
+    const LONG keptWidth = whole ? 0 : std::min(former.right - former.left - edges, client.right);
+    const LONG keptHeight = whole ? 0 : std::min(former.bottom - former.top - edges, client.bottom);
     const RECT right = {keptWidth, 0, client.right, keptHeight};
     const RECT below = {0, keptHeight, client.right, client.bottom};
     RECT uncovered;
@@ -104,13 +106,10 @@ void AnnouncePlace(HWND window, const RECT& former, bool redraw) {
         if (state == nullptr) return;
         place = state->bounds;
     }
-    const LONG width = place.right - place.left;
-    const LONG height = place.bottom - place.top;
-    const bool sized = width != former.right - former.left || height != former.bottom - former.top;
-    if (place.left != former.left || place.top != former.top)
-        CallProcedure(window, WM_MOVE, 0, MAKELPARAM(static_cast<WORD>(place.left), static_cast<WORD>(place.top)));
-    if (sized)
-        CallProcedure(window, WM_SIZE, SIZE_RESTORED, MAKELPARAM(static_cast<WORD>(width), static_cast<WORD>(height)));
+    const bool sized = place.right - place.left != former.right - former.left ||
+                       place.bottom - place.top != former.bottom - former.top;
+    if (place.left != former.left || place.top != former.top) SendMove(window);
+    if (sized) SendSize(window);
     if (sized && redraw) InvalidateResized(window, former);
 }
 
@@ -124,6 +123,7 @@ bool PlaceOnOwner(HWND window, const RECT& place, bool redraw) {
     if (display == nullptr) return false;
     const SIZE screen = display->ScreenSize();
     RECT former;
+    POINT corner;
     bool fullScreen = false;
     bool wasFullScreen = false;
     {
@@ -133,12 +133,13 @@ bool PlaceOnOwner(HWND window, const RECT& place, bool redraw) {
         wasFullScreen = state->fullScreen;
         fullScreen = state->fullScreen = CoversScreen(*state, place, screen);
         state->bounds = place;
+        corner = PlaceOnDisplay(guard, *state);
     }
     if (wasFullScreen != fullScreen) display->SetFullScreen(IdOf(window), fullScreen);
     const bool changed = place.left != former.left || place.top != former.top || place.right != former.right ||
                          place.bottom != former.bottom;
     if (changed)
-        display->Move(IdOf(window), place.left, place.top, std::max(place.right - place.left, 1),
+        display->Move(IdOf(window), corner.x, corner.y, std::max(place.right - place.left, 1),
                       std::max(place.bottom - place.top, 1));
     if (changed) AnnouncePlace(window, former, redraw);
     return true;
@@ -233,6 +234,24 @@ void AnnounceIconified(HWND window, bool iconified) {
                   MAKELPARAM(static_cast<WORD>(client.right), static_cast<WORD>(client.bottom)));
 }
 
+void SendMove(HWND window) {
+    POINT corner;
+    {
+        DispatcherGuard guard(DispatcherLock());
+        const Window* state = FindWindowState(guard, window);
+        if (state == nullptr) return;
+        corner = POINT{state->bounds.left + state->edge, state->bounds.top + state->edge};
+    }
+    CallProcedure(window, WM_MOVE, 0, MAKELPARAM(static_cast<WORD>(corner.x), static_cast<WORD>(corner.y)));
+}
+
+void SendSize(HWND window) {
+    RECT client;
+    if (!GetClientRect(window, &client)) return;
+    CallProcedure(window, WM_SIZE, SIZE_RESTORED,
+                  MAKELPARAM(static_cast<WORD>(client.right), static_cast<WORD>(client.bottom)));
+}
+
 void RaiseSiblings(HWND window) {
     std::vector<WindowId> above;
     Display* display = nullptr;
@@ -243,7 +262,7 @@ void RaiseSiblings(HWND window) {
         if (parent == nullptr) return;
         display = state->display;
         bool meets = false;
-        for (const HWND handle : parent->children) {
+        for (const HWND handle : StackOf(guard, *parent)) {
             const Window* sibling = FindWindowState(guard, handle);
             RECT common;
             meets = meets || (handle != window && IntersectRect(&common, &sibling->bounds, &state->bounds));
@@ -273,6 +292,9 @@ TDKP_API BOOL MoveWindow(HWND window, INT x, INT y, INT width, INT height, BOOL 
     return SetWindowPos(window, nullptr, x, y, width, height, SWP_NOZORDER | SWP_NOACTIVATE | redraw);
 }
 
+// A top-level window that is shown becomes the active one, too.
 TDKP_API BOOL BringWindowToTop(HWND window) {
-    return SetWindowPos(window, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
+    const bool child = (GetWindowLongA(window, GWL_STYLE) & static_cast<LONG>(WS_CHILD)) != 0;
+    const bool activates = !child && IsWindowVisible(window);
+    return SetWindowPos(window, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | (activates ? SWP_SHOWWINDOW : 0));
 }

@@ -6,6 +6,7 @@
 #include "platform/user/Focus.h"
 #include "platform/user/Paint.h"
 #include "platform/user/SentCalls.h"
+#include "platform/user/WindowRaster.h"
 #include "platform/user/WindowTable.h"
 
 #include <unistd.h>
@@ -20,9 +21,19 @@ bool ForeignRect(HWND window, RECT* rect) {
     return display->GetScreenRect(IdOf(window), rect);
 }
 
-bool ScreenRect(HWND window, RECT* rect) {
-    RECT root = {0, 0, 0, 0};
+// The same of a window of the layer inside such a window; kept for ScreenOriginTold.
+bool TellPlace(HWND root, RECT* rect) {
+    if (!ForeignRect(root, rect)) return false;
+    DispatcherGuard guard(DispatcherLock());
+    if (Window* state = FindWindowState(guard, root)) state->toldRect = *rect;
+    return true;
+}
+
+// The whole window, or its client area; in a foreign window where it was last told to be, or is now.
+bool ScreenRect(HWND window, RECT* rect, bool client, bool asTold = false) {
+    RECT root = {0, 0, 0, 0}, onScreen = {0, 0, 0, 0};
     HWND inForeign = nullptr;
+    LONG rootEdge = 0;
     bool found = false;
     {
         DispatcherGuard guard(DispatcherLock());
@@ -32,7 +43,11 @@ bool ScreenRect(HWND window, RECT* rect) {
             const Window* rootState = RootOf(guard, *state);
             root = rootState->bounds;
             if (rootState->foreignParent != nullptr) inForeign = rootState->handle;
-            *rect = RECT{offset.x, offset.y, offset.x + state->Width(), offset.y + state->Height()};
+            if (asTold) onScreen = rootState->toldRect;
+            rootEdge = rootState->edge;
+            *rect = state->Client();
+            if (!client) InflateRect(rect, state->edge, state->edge);
+            OffsetRect(rect, offset.x, offset.y);
         }
     }
     if (!found && window == GetDesktopWindow()) {
@@ -41,9 +56,8 @@ bool ScreenRect(HWND window, RECT* rect) {
         return true;
     }
     if (!found) return ForeignRect(window, rect);
-    RECT onScreen;
-    if (inForeign != nullptr && ForeignRect(inForeign, &onScreen)) root = onScreen;
-    OffsetRect(rect, root.left, root.top);
+    if (inForeign != nullptr && (!IsRectEmpty(&onScreen) || TellPlace(inForeign, &onScreen))) root = onScreen;
+    OffsetRect(rect, root.left + rootEdge, root.top + rootEdge);
     return true;
 }
 
@@ -70,6 +84,13 @@ HWND Sibling(const DispatcherGuard& guard, const Window& window, UINT relation) 
 }
 
 }  // namespace
+
+POINT ScreenOriginTold(HWND window) {
+    RECT rect = {0, 0, 0, 0};
+    ScreenRect(window, &rect, true, true);
+    return POINT{rect.left, rect.top};
+}
+
 }  // namespace tdkp
 
 using tdkp::DispatcherGuard;
@@ -171,13 +192,13 @@ TDKP_API BOOL GetClientRect(HWND window, RECT* rect) {
             return TRUE;
         }
     }
-    if (!tdkp::ScreenRect(window, rect)) return tdkp::Fail();
+    if (!tdkp::ScreenRect(window, rect, true)) return tdkp::Fail();
     OffsetRect(rect, -rect->left, -rect->top);
     return TRUE;
 }
 
 TDKP_API BOOL GetWindowRect(HWND window, RECT* rect) {
-    return rect != nullptr && (tdkp::ScreenRect(window, rect) || tdkp::Fail());
+    return rect != nullptr && (tdkp::ScreenRect(window, rect, false) || tdkp::Fail());
 }
 
 TDKP_API BOOL AdjustWindowRectEx(RECT* rect, DWORD, BOOL, DWORD) {
@@ -189,14 +210,14 @@ TDKP_API BOOL AdjustWindowRect(RECT* rect, DWORD, BOOL) {
 
 TDKP_API BOOL ClientToScreen(HWND window, POINT* point) {
     RECT rect;
-    if (point == nullptr || !GetWindowRect(window, &rect)) return FALSE;
+    if (point == nullptr || !(tdkp::ScreenRect(window, &rect, true) || tdkp::Fail())) return FALSE;
     *point = POINT{point->x + rect.left, point->y + rect.top};
     return TRUE;
 }
 
 TDKP_API BOOL ScreenToClient(HWND window, POINT* point) {
     RECT rect;
-    if (point == nullptr || !GetWindowRect(window, &rect)) return FALSE;
+    if (point == nullptr || !(tdkp::ScreenRect(window, &rect, true) || tdkp::Fail())) return FALSE;
     *point = POINT{point->x - rect.left, point->y - rect.top};
     return TRUE;
 }

@@ -28,25 +28,40 @@ int Subtract(const RECT& piece, const RECT& hole, RECT* parts) {
     return count;
 }
 
+// Takes `hole` out of the pieces. False, and nothing done, if they would be more than fit.
+bool TakeOut(const RECT& hole, RECT* pieces, int* count) {
+    constexpr int kMaxParts = 4;
+    RECT left[WindowRasterLock::kMaxClip + kMaxParts];
+    int leftCount = 0;
+    for (int piece = 0; piece < *count; ++piece) {
+        leftCount += Subtract(pieces[piece], hole, left + leftCount);
+        if (leftCount > WindowRasterLock::kMaxClip) return false;
+    }
+    std::copy(left, left + leftCount, pieces);
+    *count = leftCount;
+    return true;
+}
+
 // With more pieces than fit the clip stays larger than it could be: child windows cover what is below them.
 int ClipOf(const DispatcherGuard& guard, const Window& window, const RECT& all, RECT* clip) {
-    constexpr int kMaxParts = 4;
-    std::vector<RECT> pieces = {all};
-    if ((window.style & WS_CLIPCHILDREN) != 0) {
-        for (const HWND handle : window.children) {
-            const Window* child = FindWindowState(guard, handle);
-            if (child == nullptr || (child->style & WS_VISIBLE) == 0) continue;
-            std::vector<RECT> next;
-            for (const RECT& piece : pieces) {
-                RECT parts[kMaxParts];
-                next.insert(next.end(), parts, parts + Subtract(piece, child->bounds, parts));
-            }
-            if (next.size() > WindowRasterLock::kMaxClip) break;
-            pieces.swap(next);
-        }
+    clip[0] = all;
+    int count = 1;
+    if ((window.style & WS_CLIPCHILDREN) == 0) return count;
+    for (const HWND handle : window.children) {
+        const Window* child = FindWindowState(guard, handle);
+        if (child == nullptr || (child->style & WS_VISIBLE) == 0) continue;
+        if (!TakeOut(child->bounds, clip, &count)) break;
     }
-    std::copy(pieces.begin(), pieces.end(), clip);
-    return static_cast<int>(pieces.size());
+    return count;
+}
+
+Raster InsideEdge(Raster raster, LONG edge) {
+    if (edge == 0 || raster.topRow == nullptr) return raster;
+    raster.topRow +=
+        static_cast<ptrdiff_t>(edge) * raster.pitch + static_cast<ptrdiff_t>(edge) * BytesPerPixel(raster.format);
+    raster.width -= 2 * edge;
+    raster.height -= 2 * edge;
+    return raster;
 }
 
 }  // namespace
@@ -61,7 +76,7 @@ WindowRasterLock::WindowRasterLock(HWND window) : window_(window) {
         return;
     }
     state_ = state;
-    raster = state->picture.raster;
+    raster = InsideEdge(state->picture.raster, state->edge);
     clipCount = ClipOf(guard, *state, RECT{0, 0, raster.width, raster.height}, clip);
 }
 
@@ -71,6 +86,7 @@ WindowRasterLock::~WindowRasterLock() {
     const RECT all = {0, 0, raster.width, raster.height};
     RECT damaged;
     if (IntersectRect(&damaged, &damage_, &all)) {
+        OffsetRect(&damaged, state.edge, state.edge);
         TerminationDeferral deferral;
         state.display->PutPicture(IdOf(window_), damaged);
     }

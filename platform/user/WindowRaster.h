@@ -40,6 +40,10 @@ private:
 void WindowContextTaken(HWND window);
 void WindowContextReturned(HWND window);
 
+// Where the client area lay on the screen when the program last asked for that, or now if it never did: what
+// the program says in screen coordinates is meant from there. Asks the display for nothing that was told before.
+POINT ScreenOriginTold(HWND window);
+
 // The pixel format of the display (of the desktop window): depth 24 and 32 give kRgb32, 16 kRgb565,
 // 15 kRgb555, 8 kIndexed8.
 PixelFormat DisplayPixelFormat();

@@ -12,6 +12,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -46,7 +47,8 @@ struct Window {
     uint32_t thread = 0;
     HWND parent = nullptr;         // of a child inside another window of the layer
     HWND foreignParent = nullptr;  // of a child inside a window that the layer didn't make
-    HWND owner = nullptr;          // of a top-level window
+    HWND owner = nullptr;          // of a top-level window; may be one that the layer didn't make
+    LONG edge = 0;                 // width of the sunken frame that the layer draws around a child's client area
 
     WNDPROC procedure = nullptr;
     HINSTANCE instance = nullptr;
@@ -56,8 +58,9 @@ struct Window {
     LONG_PTR userData = 0;
     std::vector<uint8_t> extra;
     std::string title;
-    std::vector<HWND> children;  // the topmost first
-    RECT bounds = {0, 0, 0, 0};  // in the parent's client area; of a top-level window on the screen
+    std::vector<HWND> children;    // the topmost first
+    RECT bounds = {0, 0, 0, 0};    // in the parent's client area; of a top-level window on the screen
+    RECT toldRect = {0, 0, 0, 0};  // of a root in a foreign parent: its place on the screen, as last told
     bool destroying = false;
     bool fullScreen = false;
 
@@ -83,7 +86,9 @@ struct Window {
     bool TopLevel() const { return parent == nullptr && foreignParent == nullptr; }
     LONG Width() const { return bounds.right - bounds.left; }
     LONG Height() const { return bounds.bottom - bounds.top; }
-    RECT Client() const { return RECT{0, 0, Width(), Height()}; }
+    RECT Client() const { return RECT{0, 0, std::max(Width() - 2 * edge, 0), std::max(Height() - 2 * edge, 0)}; }
+    // Its siblings show on top of it, whatever the order.
+    bool Backdrop() const { return !TopLevel() && (exStyle & WS_EX_TRANSPARENT) != 0; }
 };
 
 inline WindowId IdOf(HWND window) {

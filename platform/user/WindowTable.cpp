@@ -50,8 +50,8 @@ void RemoveWindow(DispatcherGuard& guard, HWND handle) {
     WakeWaiters(guard);
 }
 
-void ForEachWindow(const DispatcherGuard&, const std::function<void(Window&)>& visit) {
-    for (auto& entry : TheTable()) visit(*entry.second);
+void ForEachWindow(const DispatcherGuard&, void (*visit)(void* context, Window& window), void* context) {
+    for (auto& entry : TheTable()) visit(context, *entry.second);
 }
 
 Window* RootOf(const DispatcherGuard& guard, Window& window) {
@@ -64,11 +64,24 @@ POINT OffsetInRoot(const DispatcherGuard& guard, const Window& window) {
     POINT offset = {0, 0};
     const Window* walk = &window;
     while (const Window* parent = FindWindowState(guard, walk->parent)) {
-        offset.x += walk->bounds.left;
-        offset.y += walk->bounds.top;
+        offset.x += walk->bounds.left + walk->edge;
+        offset.y += walk->bounds.top + walk->edge;
         walk = parent;
     }
     return offset;
+}
+
+POINT PlaceOnDisplay(const DispatcherGuard& guard, const Window& window) {
+    const Window* parent = FindWindowState(guard, window.parent);
+    const LONG edge = parent != nullptr ? parent->edge : 0;
+    return POINT{window.bounds.left + edge, window.bounds.top + edge};
+}
+
+std::vector<HWND> StackOf(const DispatcherGuard& guard, const Window& window) {
+    std::vector<HWND> stack = window.children;
+    std::stable_partition(stack.begin(), stack.end(),
+                          [&](HWND child) { return !FindWindowState(guard, child)->Backdrop(); });
+    return stack;
 }
 
 bool IsShown(const DispatcherGuard& guard, const Window& window) {
@@ -86,11 +99,11 @@ bool IsInside(const DispatcherGuard& guard, HWND parent, HWND window) {
 }
 
 HWND WindowAt(const DispatcherGuard& guard, Window& window, POINT* point) {
-    for (const HWND handle : window.children) {
+    for (const HWND handle : StackOf(guard, window)) {
         Window* child = FindWindowState(guard, handle);
         if (child == nullptr || (child->style & WS_VISIBLE) == 0 || !PtInRect(&child->bounds, *point)) continue;
-        point->x -= child->bounds.left;
-        point->y -= child->bounds.top;
+        point->x -= child->bounds.left + child->edge;
+        point->y -= child->bounds.top + child->edge;
         return WindowAt(guard, *child, point);
     }
     return window.handle;

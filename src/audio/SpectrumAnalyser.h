@@ -30,7 +30,6 @@ private:
 
     void Restart();
     void FeedBlock(const int16_t* block);
-    void Transform();
 
     uint32_t SampleRate = 0;
     uint32_t CallSamples = 0;
@@ -38,10 +37,10 @@ private:
     int32_t BlockIndex = 0;
     int32_t PartialCount = 0;
     std::array<int16_t, kTransformBands> PartialBlock{};
-    std::array<Bands, 2> Energy{};
+    std::array<Bands, 2> Energy{};  // in the order of SpectrumTables::BandAt
     std::unique_ptr<int32_t[]> Output;
     std::array<float, kTransformSamples> History{};
-    Bands Coefficients{};
+    Bands Coefficients{};  // likewise
     uint8_t CurrentBank = 0;
     uint8_t PreviousBank = 1;
     std::shared_ptr<const SpectrumTables> tables_;

@@ -1,7 +1,5 @@
 #include "src/audio/SpectrumTables.h"
 
-#include <algorithm>
-#include <bit>
 #include <cmath>
 #include <mutex>
 #include <new>
@@ -14,33 +12,6 @@ using std::numbers::pi;
 
 constexpr int kFftBits = 7;
 static_assert(1 << kFftBits == kFftPoints);
-
-constexpr int kFractionEntries = 64;
-constexpr int kFractionBits = 6;
-constexpr int kMantissaBits = 23;
-constexpr int kExponentBias = 127;
-constexpr int kLog2Unit = 256;  // log2 in units of 1/256
-// 6165 / 2^18 is 20 log10(2) / 256. The offset takes away the exponent's bias and adds the rounding half.
-constexpr int kDecibelScale = 6165;
-constexpr int kDecibelShift = 18;
-constexpr int kDecibelOffset = kExponentBias * kLog2Unit * kDecibelScale - (1 << (kDecibelShift - 1));
-constexpr int kSilentDecibels = 70;
-constexpr int kLoudest = 255;
-
-using FractionTable = std::array<int32_t, kFractionEntries>;
-
-FractionTable MakeLog2Fraction() {
-    FractionTable table;
-    for (int i = 0; i < kFractionEntries; ++i) {
-        table[i] = static_cast<int32_t>(kLog2Unit * std::log2(1 + (i + 0.5) / kFractionEntries) + 0.5);
-    }
-    return table;
-}
-
-const FractionTable& Log2Fraction() {
-    static const FractionTable table = MakeLog2Fraction();
-    return table;
-}
 
 uint32_t ReverseBits(uint32_t value) {
     uint32_t reversed = 0;
@@ -57,13 +28,21 @@ SpectrumTables::SpectrumTables() {
     for (int j = 0; j < kFftPoints; ++j) {
         PreCos[j] = static_cast<float>(std::cos((j + 0.25) * pi / kTransformBands));
         PreSin[j] = static_cast<float>(std::sin((j + 0.25) * pi / kTransformBands));
-        BitReverse[j] = ReverseBits(j);
     }
-    for (int j = 0; j <= kFftPoints; ++j) {
-        Post[j] = static_cast<float>(std::cos(j * pi / kTransformBands) * std::sqrt(2.0 / kTransformBands));
+    const auto post = [](int j) {
+        return static_cast<float>(std::cos(j * pi / kTransformBands) * std::sqrt(2.0 / kTransformBands));
+    };
+    for (int p = 0; p < kFftPoints; ++p) {
+        // Blocks of 4 x 4 points come out transposed.
+        const int point = (p & ~15) | (p & 3) << 2 | (p >> 2 & 3);
+        const int j = static_cast<int>(ReverseBits(static_cast<uint32_t>(point)));
+        BandAt[p] = static_cast<uint8_t>(2 * j);
+        BandAt[kFftPoints + p] = static_cast<uint8_t>(kTransformBands - 1 - 2 * j);
+        PostP[p] = post(j);
+        PostQ[p] = post(kFftPoints - j);
     }
     for (int i = 0; i < kFftPoints / 2; ++i) {
-        const double angle = 2 * pi * BitReverse[2 * i] / kFftPoints;
+        const double angle = 2 * pi * ReverseBits(2 * i) / kFftPoints;
         TwiddleCos[i] = static_cast<float>(std::cos(angle));
         TwiddleSin[i] = static_cast<float>(std::sin(angle));
     }
@@ -85,13 +64,29 @@ std::shared_ptr<const SpectrumTables> SpectrumTables::Acquire() {
     return tables;
 }
 
-int32_t LoudnessOfEnergy(float energy) {
-    const auto bits = std::bit_cast<uint32_t>(energy);
-    const uint32_t mantissa = bits >> (kMantissaBits - kFractionBits) & (kFractionEntries - 1);
-    const auto exponent = static_cast<int32_t>(bits >> kMantissaBits);
-    const int32_t log2 = Log2Fraction()[mantissa] + kLog2Unit * exponent;
+int32_t LoudnessScale::LoudnessOfLeading(int32_t leading) {
+    constexpr int kLog2Unit = 256;  // log2 in units of 1/256
+    // 6165 / 2^18 is 20 log10(2) / 256. The offset takes away the exponent's bias and adds the rounding half.
+    constexpr int kDecibelScale = 6165, kDecibelShift = 18;
+    constexpr int kDecibelOffset = kExponentBias * kLog2Unit * kDecibelScale - (1 << (kDecibelShift - 1));
+    constexpr int kSilentDecibels = 70, kLoudest = 255;
+    const int32_t fraction = leading & ((1 << kFractionBits) - 1), exponent = leading >> kFractionBits;
+    const double mantissa = 1 + (fraction + 0.5) / (1 << kFractionBits);
+    const int32_t log2 = static_cast<int32_t>(kLog2Unit * std::log2(mantissa) + 0.5) + kLog2Unit * exponent;
     const int32_t decibels = (log2 * kDecibelScale - kDecibelOffset) >> kDecibelShift;
     return std::clamp(2 * (decibels - kSilentDecibels), 0, kLoudest);
 }
+
+LoudnessScale::Table LoudnessScale::MakeTable() {
+    Table table;
+    for (int i = 0; i < kEntries; ++i) table[i] = static_cast<uint8_t>(LoudnessOfLeading(kFirstLeading + i));
+    return table;
+}
+
+LoudnessScale::LoudnessScale()
+    : table_([] {
+          static const Table table = MakeTable();
+          return table.data();
+      }()) {}
 
 }  // namespace tdkviz

@@ -28,7 +28,7 @@ HRESULT FrameWorker::Start() {
     WorkerThread.Reset(CreateThread(nullptr, 0, ThreadMain, this, 0, &threadId));
     if (!WorkerThread) return E_FAIL;
     WorkerThreadId = threadId;
-    if (WaitForSingleObject(WorkerDone.Get(), kThreadAnswerLimit) != WAIT_OBJECT_0) {
+    if (!WaitForAnswer(WorkerDone.Get())) {
         TerminateThread(WorkerThread.Get(), kTerminatedExitCode);
         WorkerThread.Reset();
         return E_FAIL;
@@ -39,11 +39,12 @@ HRESULT FrameWorker::Start() {
 
 bool FrameWorker::Stop() {
     const MutexLock lock(&controlLock_);
+    // Taken out first: what is served during the wait may come here again.
+    const Handle thread = std::move(WorkerThread);
     bool ended = true;
-    if (WorkerThread) {
+    if (thread) {
         SetEvent(WorkerEvents[kStop].Get());
-        ended = EndThreadInTime(WorkerThread.Get());
-        WorkerThread.Reset();
+        ended = EndThreadInTime(thread.Get());
     }
     ClearThread();
     return ended;

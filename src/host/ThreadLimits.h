@@ -12,12 +12,11 @@ inline constexpr DWORD kTerminatedExitCode = static_cast<DWORD>(-1);
 // The id field of a thread that isn't there.
 inline constexpr DWORD kNoThreadId = static_cast<DWORD>(-1);
 
-// Waits for a thread to end, and terminates it if it takes longer than kThreadAnswerLimit. True if it
-// ended by itself.
-inline bool EndThreadInTime(HANDLE thread) {
-    if (WaitForSingleObject(thread, kThreadAnswerLimit) == WAIT_OBJECT_0) return true;
-    TerminateThread(thread, kTerminatedExitCode);
-    return false;
-}
+// Waits for another thread's answer, kThreadAnswerLimit at most, and serves what other threads send to this one
+// meanwhile: they may need their answer before they can give theirs. True if `object` was signalled.
+bool WaitForAnswer(HANDLE object);
+
+// Waits for a thread to end in the same way, and terminates it if it takes longer. True if it ended by itself.
+bool EndThreadInTime(HANDLE thread);
 
 }  // namespace tdkviz

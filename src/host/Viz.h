@@ -1,5 +1,6 @@
 // CViz: one visualization on screen, as the host holds it. Ties together an output window, the plug-in
-// that paints, the effect record that applies, and an effect engine.
+// that paints, the effect record that applies, and an effect engine. Its sources: Viz.cpp (life, the host's
+// operations), VizFrames.cpp (output window, frames), VizPlugins.cpp (the current plug-in).
 //
 // Invariants:
 //  1. The output window is made, resized, drawn and destroyed on the worker thread only. Other threads
@@ -108,6 +109,7 @@ private:
 
     using ReceiverQueue = std::list<IUnknown*>;
 
+    static MPAVizWindowRecord RecordOf(HWND window);
     bool MakeRotateButton(int32_t width, int32_t height);
     void DestroyRotateButton(bool fromLastRelease);
     void ShowWindowOf(CVizWindow& window, int32_t width, int32_t height);

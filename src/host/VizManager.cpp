@@ -40,6 +40,7 @@ CVizManager::CVizManager(HMODULE module, IUnknown* hostContext, ManagerOwner* ow
 
 CVizManager::~CVizManager() {
     UnregisterObservers();
+    Retrievers.StopWatching();
     Timer.reset();
     EndRemainingViews();
     Worker.Stop();
@@ -193,6 +194,12 @@ void CVizManager::SetCurrentPlugin(const char* path) {
         CurrentPluginPath = path;
     }
     if (Owner) Owner->CurrentPluginChanged();
+}
+
+CNQString CVizManager::GetCurrentPluginPath() {
+    const MutexLock lock(&pathLock_);
+    // A copy of its own: values that share their text must stay under one lock.
+    return CNQString(CurrentPluginPath.GetText());
 }
 
 // ---- Receivers and the dialog's parent

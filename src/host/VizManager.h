@@ -7,8 +7,8 @@
 // Invariants:
 //  1. The reference count owns nothing: the manager lives as long as its owner keeps it.
 //  2. Mutex guards PluginsByPath alone; ViewsLock guards Views and retired_; ReceiversLock guards the
-//     two receiver maps. Each is held for a lookup or a copy only, never across a call into a plug-in, a
-//     receiver or a view.
+//     two receiver maps; listLock_ guards who builds the list. Each is held for a lookup or a copy only,
+//     never across a call into a plug-in, a receiver or a view.
 //  3. Whoever walks views or receivers walks a counted copy in the map's order, so what is removed
 //     meanwhile stays alive until the walk is over.
 #pragma once
@@ -31,6 +31,8 @@
 #include "src/plugins/PluginRetriever.h"
 #include "src/plugins/PreferencesMaker.h"
 #include "src/render/VizEffectParams.h"
+#include "src/settings/SettingsModel.h"
+#include "src/support/Handle.h"
 #include "src/support/Mutex.h"
 #include "src/support/NQMaps.h"
 #include "src/support/NQString.h"
@@ -62,13 +64,14 @@ class CVizManager final : public IMPAVizMgr,
                           public ITKStateObserver,
                           public ITKTrackObserver,
                           public ITKPlaybackEngineObserver,
+                          public SettingsModel,
                           private FrameWorkerClient,
                           private VizOwner,
                           private PreferencesMaker {
 public:
     // `hostContext` may be null: no player then, and no frames. `owner` outlives the manager. [host]
     CVizManager(HMODULE module, IUnknown* hostContext, ManagerOwner* owner);
-    // Takes everything down in order: player, timer, worker, audio, settings, plug-ins. [host]
+    // Takes everything down in order: player, watcher, timer, worker, audio, settings, plug-ins. [host]
     ~CVizManager();
     CVizManager(const CVizManager&) = delete;
     CVizManager& operator=(const CVizManager&) = delete;
@@ -99,6 +102,7 @@ public:
     // IPluginDirChangeReceiver [watch]
     void OnPluginAdded(CVizPlugin* plugin) override;
     void OnPluginRemoved(CVizPlugin* plugin) override;
+    void OnPluginStillGone(CVizPlugin* plugin) override;
 
     // IMPAAdvancedConfiguration [host]
     HRESULT GetConfiguration(IKVAValues** values) override;
@@ -110,16 +114,24 @@ public:
     HRESULT OnTrackChange(IUnknown* track) override;
     HRESULT OnEngineChange(IUnknown* engine) override;
 
-    // For the component and the settings dialog. [host]
+    // SettingsModel [host]
+    VizEffectParams& GetUserEffects() override { return UserEffects; }
+    bool IsEffectsOn() const override { return EffectsOn; }
+    void SetEffectsOn(bool on) override;
+    bool IsRandomizeOn() const override { return Randomize; }
+    void SetRandomize(bool on) override;
+    bool IsAlwaysOnTopOffered() const override { return ShowAlwaysOnTop; }
+    void SetAlwaysOnTop(bool on) override;
+    bool IsDirectDrawUsed() const override { return UseDirectDraw; }
+    void SetUseDirectDraw(bool use) override { UseDirectDraw = use; }
+    uint32_t GetFrameRate() const override { return FrameRate; }
+    void ApplyFrameRate(uint32_t rate) override;
+    CNQString GetCurrentPluginPath() override;
+    CVizPlugin* FindPlugin(const char* path) override;
+
+    // For the component. [host]
     void EnsurePluginList();
-    CVizPlugin* FindPlugin(const char* path);
     VizEffectParams* CurrentEffects();
-    void SetFrameRate(uint32_t rate) { ApplyFrameRate(rate); }
-    uint32_t GetFrameRate() const { return FrameRate; }
-    bool IsEffectsOn() const { return EffectsOn; }
-    void SetEffectsOn(bool on);
-    void SetRandomize(bool on);
-    void SetAlwaysOnTop(bool on);
     void RegisterObservers();
     void StartVisualization();
     void StopVisualization();
@@ -140,7 +152,6 @@ private:
 
     void LoadStoredSettings();
     void SaveStoredSettings();
-    void ApplyFrameRate(uint32_t rate);
     void GiveViewsCurrentEffects();
     CVizTimer* FindTimer();
     CVizTimer& EnsureTimer();
@@ -158,8 +169,10 @@ private:
     bool IsPaletteDisplay() const;
     void BlankVisibleViews();
 
+    bool MayBuildList();
     CVizPlugin* LookupPlugin(const char* path) const;
     void FillPluginsByPath();
+    bool TellListReceivers(HRESULT (IMPAListReceiver::*news)(const char*), const CVizPlugin& plugin) const;
 
     ITKPlaybackEngine* GetEngine() const;
     bool CanVisualize() const;
@@ -167,7 +180,7 @@ private:
     void UnregisterObservers();
 
     // The locks come first: they outlive whatever may still use them from another thread.
-    KVAWinMutex listLock_;  // one builder of the plug-in list; recursive, for plug-ins that ask back
+    KVAWinMutex listLock_;
     KVAWinMutex timerLock_;
     KVAWinMutex pathLock_;
     mutable KVAWinMutex ViewsLock;
@@ -202,9 +215,10 @@ private:
     CNQString CurrentPluginPath;       // guarded by pathLock_
     ManagerOwner* const Owner;
 
-    bool listBuilding_ = false;  // guarded by listLock_
-    ViewList retired_;           // guarded by ViewsLock; views whose windows the worker still has to destroy
-    ViewList frameViews_;        // the worker's own
+    DWORD listBuilder_ = 0;                                // guarded by listLock_; the thread that builds, 0 before
+    const Handle listBuilt_ = Handle::ManualResetEvent();  // set with PluginListReady
+    ViewList retired_;     // guarded by ViewsLock; views whose windows the worker still has to destroy
+    ViewList frameViews_;  // the worker's own
     // Cleared by a frame that finds no visible view, so that a hidden view costs no frames. In order with
     // CViz::Visible, hence not relaxed.
     std::atomic<bool> somethingToShow_{false};

@@ -1,7 +1,9 @@
 // The manager's side of the plug-in list.
 #include <cstring>
 
+#include "src/host/ThreadLimits.h"
 #include "src/host/VizManager.h"
+#include "src/plugins/DirectoryWatcher.h"
 #include "src/plugins/PluginList.h"
 #include "src/plugins/VizPlugin.h"
 
@@ -23,26 +25,43 @@ bool Fits(const char* text, uint32_t size) {
 
 }  // namespace
 
+// One thread builds the list and may ask back meanwhile, for a plug-in that is loaded by the scan. Others wait for it,
+// but not for ever: such a plug-in may be waiting for one of them.
+bool CVizManager::MayBuildList() {
+    const DWORD self = GetCurrentThreadId();
+    {
+        const MutexLock lock(&listLock_);
+        if (listBuilder_ == 0) {
+            listBuilder_ = self;
+            return true;
+        }
+        if (PluginListReady || listBuilder_ == self) return false;
+    }
+    WaitForSingleObject(listBuilt_.Get(), kThreadAnswerLimit);
+    return false;
+}
+
 void CVizManager::EnsurePluginList() {
-    const MutexLock lock(&listLock_);
-    // A plug-in that is loaded during the scan may ask back.
-    if (PluginListReady || listBuilding_) return;
-    listBuilding_ = true;
+    if (!MayBuildList()) return;
     Retrievers.SetReceiver(this);
     Retrievers.SetPreferencesMaker(this);
     Retrievers.AddRetriever();
     Plugins = Retrievers.GetList();
     FillPluginsByPath();
-    PluginListReady = true;
-    listBuilding_ = false;
+    {
+        const MutexLock lock(&listLock_);
+        PluginListReady = true;
+    }
+    SetEvent(listBuilt_.Get());
 }
 
 void CVizManager::FillPluginsByPath() {
     if (!Plugins) return;
-    const std::vector<CVizPlugin*> plugins = Plugins->Snapshot();
     const MutexLock lock(Mutex.get());
     PluginsByPath.RemoveAll();
-    for (CVizPlugin* plugin : plugins) PluginsByPath.Set(plugin->GetPath(), reinterpret_cast<uintptr_t>(plugin));
+    // Under the lock, so that of two threads the later one has the later list.
+    for (CVizPlugin* plugin : Plugins->Snapshot())
+        PluginsByPath.Set(plugin->GetPath(), reinterpret_cast<uintptr_t>(plugin));
 }
 
 CVizPlugin* CVizManager::LookupPlugin(const char* path) const {
@@ -93,17 +112,26 @@ HRESULT CVizManager::GetPluginName(const char* path, char* name, uint32_t size) 
     return plugin && CopyText(plugin->GetName(), name, size) ? S_OK : E_FAIL;
 }
 
+// False if the watcher was stopped while they were told: manager and plug-in may have gone by then.
+bool CVizManager::TellListReceivers(HRESULT (IMPAListReceiver::*news)(const char*), const CVizPlugin& plugin) const {
+    const CNQString path = plugin.GetPath();
+    const auto receivers = CopyReceivers<IMPAListReceiver>(ListReceivers);
+    return DirectoryWatcher::CallOut([&] {
+        for (const auto& receiver : receivers) (receiver.Get()->*news)(path.GetText());
+    });
+}
+
 void CVizManager::OnPluginAdded(CVizPlugin* plugin) {
     FillPluginsByPath();
-    for (const auto& receiver : CopyReceivers<IMPAListReceiver>(ListReceivers)) {
-        receiver->PluginAppeared(plugin->GetPath());
-    }
+    TellListReceivers(&IMPAListReceiver::PluginAppeared, *plugin);
 }
 
 void CVizManager::OnPluginRemoved(CVizPlugin* plugin) {
-    for (const auto& receiver : CopyReceivers<IMPAListReceiver>(ListReceivers)) {
-        receiver->PluginVanished(plugin->GetPath());
-    }
+    if (TellListReceivers(&IMPAListReceiver::PluginVanished, *plugin)) OnPluginStillGone(plugin);
+}
+
+// Views may have come since it went.
+void CVizManager::OnPluginStillGone(CVizPlugin* plugin) {
     const ViewList views = CopyViews();
     if (views.empty()) return;
     views.front()->DropPlugin(plugin);

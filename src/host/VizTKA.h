@@ -1,4 +1,5 @@
 // CVizTKA: the component that the host loads: a button of the player, and the owner of everything else.
+// Its sources: VizTKA.cpp (life), VizTKAButton.cpp (picture, label, dialog).
 #pragma once
 
 #include <windows.h>
@@ -9,6 +10,8 @@
 #include <tdkviz/viz.h>
 
 #include "src/host/VizManager.h"
+#include "src/settings/VizSettingsDialog.h"
+#include "src/support/Mutex.h"
 #include "src/support/RefPtr.h"
 #include "src/support/Relaxed.h"
 
@@ -16,7 +19,7 @@ namespace tdkviz {
 
 // All operations come on the host's threads, but for BitmapChanged and CurrentPluginChanged. The host calls
 // Initialize once, and Shutdown before the last Release.
-class CVizTKA final : public ITKCommandButton, private ManagerOwner {
+class CVizTKA final : public ITKCommandButton, private ManagerOwner, private DialogOwner {
 public:
     CVizTKA() = default;
 
@@ -44,13 +47,25 @@ private:
     void SetDialogParent(const MPAVizWindowRecord& record) override { DialogParent = record; }
     void UseDialogParent(bool use) override { HasDialogParent = use; }
 
-    void MakeManager();
+    // DialogOwner
+    void DialogClosed() override;
+    void ShowHelp() override;
 
+    void MakeManager();
+    HRESULT TakeSite(IUnknown* site);
+    void SetSite(RefPtr<ITKButtonSite> site);
+    RefPtr<ITKButtonSite> GetSite() const;
+    void OpenDialog(const MPAVizWindowRecord* parent);
+    void EndDialog();
+
+    // Held to look at or replace Site and Dialog, never across a call to the host or into the dialog's work.
+    mutable KVAWinMutex buttonLock_;
     RefCount References;
-    RefPtr<ITKButtonSite> Site;
+    RefPtr<ITKButtonSite> Site;  // guarded by buttonLock_
     uint32_t CommandId = 0;
     bool DialogOpen = false;
-    IUnknown* Context = nullptr;  // not counted
+    std::unique_ptr<CVizSettingsDialog> Dialog;  // changed by the host's thread alone, under buttonLock_
+    IUnknown* Context = nullptr;                 // not counted
     std::unique_ptr<CVizManager> Manager;
     RefPtr<IKVAClassFactory> ClassFactory;
     bool HasDialogParent = false;

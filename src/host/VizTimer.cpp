@@ -25,7 +25,7 @@ HRESULT CVizTimer::Start() {
     DWORD threadId = kNoThreadId;
     Thread.Reset(CreateThread(nullptr, 0, ThreadMain, this, 0, &threadId));
     if (!Thread) return E_FAIL;
-    if (WaitForSingleObject(StartedEvent.Get(), kThreadAnswerLimit) != WAIT_OBJECT_0) {
+    if (!WaitForAnswer(StartedEvent.Get())) {
         TerminateThread(Thread.Get(), kTerminatedExitCode);
         Thread.Reset();
         return E_FAIL;
@@ -40,8 +40,9 @@ void CVizTimer::Stop(bool wait) {
     if (!Thread) return;
     SetEvent(StopEvent.Get());
     if (!wait) return;
-    EndThreadInTime(Thread.Get());
-    Thread.Reset();
+    // Taken out first: what is served during the wait may come here again.
+    const Handle thread = std::move(Thread);
+    EndThreadInTime(thread.Get());
     ThreadId = kNoThreadId;
     Running = false;
 }

@@ -12,7 +12,7 @@ namespace {
 
 constexpr char kEveryName[] = "*.*";
 constexpr char kPluginExtension[] = ".tkv";
-constexpr int kMaxDepth = 16;
+constexpr int kMaxDepth = 64;
 
 void CollectFiles(const std::string& folder, int depth, std::vector<std::string>& files) {
     const std::string below = folder + SeparatorFor(folder.c_str());

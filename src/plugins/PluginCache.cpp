@@ -28,6 +28,25 @@ struct CachedText {
     bool Read(RegistryKey& key, const char* name) { return key.GetString(name, "", Text, size); }
 };
 
+struct CachedTexts {
+    CachedText<kPluginTextSize> Name;
+    CachedText<kPluginTextSize> Creator;
+    CachedText<kPluginTextSize> Description;
+    CachedText<kChecksumSize> Checksum;
+
+    // False if the entry isn't complete.
+    bool Read(RegistryKey& key) {
+        return Name.Read(key, kCacheName) && Creator.Read(key, kCacheCreator) &&
+               Description.Read(key, kCacheDescription) && Checksum.Read(key, kCacheChecksum);
+    }
+    void Give(CVizPlugin& plugin) const {
+        plugin.SetName(Name.Text);
+        plugin.SetCreator(Creator.Text);
+        plugin.SetDescription(Description.Text);
+        plugin.SetChecksum(Checksum.Text);
+    }
+};
+
 }  // namespace
 
 CNQString PluginCacheKey(const char* path) {
@@ -39,27 +58,28 @@ CNQString PluginCacheKey(const char* path) {
 bool ReadCache(CVizPlugin& plugin) {
     RegistryKey key;
     if (!OpenCacheKey(plugin, key)) return false;
-    CachedText<kPluginTextSize> name;
-    CachedText<kPluginTextSize> creator;
-    CachedText<kPluginTextSize> description;
-    CachedText<kChecksumSize> checksum;
-    if (!name.Read(key, kCacheName) || !creator.Read(key, kCacheCreator) || !description.Read(key, kCacheDescription) ||
-        !checksum.Read(key, kCacheChecksum)) {
-        return false;
-    }
+    CachedTexts texts;
+    if (!texts.Read(key)) return false;
     uint32_t supportsConfigure = 0;
     uint32_t renderMode = 0;
     key.GetNumber(kCacheSupportsConfigure, 0, &supportsConfigure);
     key.GetNumber(kCacheRenderMode, 0, &renderMode);
 
-    plugin.SetName(name.Text);
-    plugin.SetCreator(creator.Text);
-    plugin.SetDescription(description.Text);
-    plugin.SetChecksum(checksum.Text);
+    texts.Give(plugin);
     plugin.SetSupportsConfigure(supportsConfigure != 0);
     plugin.SetRenderMode(renderMode);
     plugin.SetInfoValid();
     return true;
+}
+
+void RefreshFromCache(CVizPlugin& plugin) {
+    RegistryKey key;
+    CachedTexts texts;
+    if (!OpenCacheKey(plugin, key) || !texts.Read(key)) return;
+    char checksum[kChecksumSize];
+    uint32_t size = sizeof checksum;
+    if (!ComputeChecksum(plugin.GetPath(), checksum, &size)) return;
+    if (std::strcmp(texts.Checksum.Text, checksum) == 0) texts.Give(plugin);
 }
 
 bool WriteCache(CVizPlugin& plugin) {

@@ -21,6 +21,9 @@ inline constexpr char kCacheRenderMode[] = "RenderMode";
 CNQString PluginCacheKey(const char* path);
 // Describes the plug-in from its entry. False, with the plug-in untouched, if that isn't complete.
 bool ReadCache(CVizPlugin& plugin);
+// Gives the plug-in the texts of its entry if that is of the file as it stands, and leaves it to the plug-in to
+// describe itself: numbers aren't read, and the first question for a text loads it.
+void RefreshFromCache(CVizPlugin& plugin);
 // Stores texts and stamp. Asks for the texts, which loads a plug-in that isn't described. False without a key.
 bool WriteCache(CVizPlugin& plugin);
 

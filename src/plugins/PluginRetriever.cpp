@@ -2,8 +2,9 @@
 
 #include <cstring>
 #include <new>
-#include <string>
+#include <utility>
 
+#include "src/plugins/DirectoryWatcher.h"
 #include "src/plugins/FileStamp.h"
 #include "src/plugins/FolderScan.h"
 #include "src/plugins/PluginCache.h"
@@ -44,10 +45,19 @@ CTKVPluginRetriever::CTKVPluginRetriever(IPluginDirChangeReceiver* receiver, Pre
 CTKVPluginRetriever::CTKVPluginRetriever(IPluginDirChangeReceiver* receiver, PreferencesMaker* maker,
                                          const char* folder)
     : CPluginRetriever(receiver, maker), Folder(folder) {
-    Retrieve();
+    DirectoryWatcher::Start({Folder.GetText(), &Plugins, Receiver, maker_}, Retrieve());
+    isWatching_ = true;
 }
 
-void CTKVPluginRetriever::Retrieve() {
+CTKVPluginRetriever::~CTKVPluginRetriever() {
+    StopWatching();
+}
+
+void CTKVPluginRetriever::StopWatching() {
+    if (std::exchange(isWatching_, false)) DirectoryWatcher::Stop(&Plugins);
+}
+
+std::vector<std::string> CTKVPluginRetriever::Retrieve() {
     std::vector<std::string> files;
     ScanFolder(Folder.GetText(), files);
     for (const std::string& path : files) {
@@ -56,6 +66,7 @@ void CTKVPluginRetriever::Retrieve() {
         DescribePlugin(*plugin);
         Plugins.Append(std::move(plugin));
     }
+    return files;
 }
 
 bool CPluginRetrieverSet::AddRetriever() {
@@ -66,6 +77,10 @@ bool CPluginRetrieverSet::AddRetriever() {
     }
     list_ = retrievers_.front()->GetList();
     return true;
+}
+
+void CPluginRetrieverSet::StopWatching() {
+    for (const auto& retriever : retrievers_) retriever->StopWatching();
 }
 
 void CPluginRetrieverSet::UnloadAll() {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "src/plugins/PluginList.h"
@@ -27,6 +28,8 @@ public:
     // Closes and unloads every plug-in, those that left the list too. One in which a thread was ended stays
     // in memory; waiting for such ones takes no longer than CVizPlugin::kPatience in all.
     virtual void UnloadAll();
+    // No call of the receiver begins afterwards. The destructor does the same.
+    virtual void StopWatching() {}
 
     PluginList* GetList() { return &Plugins; }
 
@@ -36,19 +39,24 @@ protected:
     PreferencesMaker* const maker_;
 };
 
-// Scans when it is made, on the calling thread. New and changed plug-ins get loaded and stay in memory.
+// Scans when it is made, on the calling thread. New and changed plug-ins get loaded and stay in memory. From then
+// on a DirectoryWatcher keeps the list in step with the folder.
 class CTKVPluginRetriever : public CPluginRetriever {
 public:
     // Takes the folder "Visualizations" beside the executable.
     CTKVPluginRetriever(IPluginDirChangeReceiver* receiver, PreferencesMaker* maker);
     CTKVPluginRetriever(IPluginDirChangeReceiver* receiver, PreferencesMaker* maker, const char* folder);
+    ~CTKVPluginRetriever() override;
+    void StopWatching() override;
 
     const char* GetFolder() const { return Folder.GetText(); }
 
 private:
-    void Retrieve();
+    // Gives the files that it found.
+    std::vector<std::string> Retrieve();
 
     CNQString Folder;
+    bool isWatching_ = false;
 };
 
 // Receiver and maker are set before the first AddRetriever.
@@ -60,6 +68,7 @@ public:
     bool AddRetriever();
     // The first retriever's list; null before there is one.
     PluginList* GetList() const { return list_; }
+    void StopWatching();
     void UnloadAll();
 
 private:

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <thread>
 #include <utility>
 
@@ -10,7 +11,6 @@
 #include "src/plugins/FileStamp.h"
 #include "src/plugins/PluginCache.h"
 #include "src/plugins/PreferencesMaker.h"
-#include "src/support/Module.h"
 #include "src/support/NQHeader.h"
 #include "src/support/RefPtr.h"
 #include "src/support/RegistryKey.h"
@@ -81,9 +81,9 @@ private:
     bool mayCall_;
 };
 
-CVizPlugin::CVizPlugin(const char* path, PreferencesMaker* maker)
+CVizPlugin::CVizPlugin(const char* path, PreferencesMaker* maker, IUnknown* host)
     : Path(path), CacheKey(PluginCacheKey(path)), Lock(std::make_unique<KVAWinMutex>()), maker_(maker) {
-    AskHostString();
+    AskHostString(host);
 }
 
 CVizPlugin::~CVizPlugin() {
@@ -235,8 +235,8 @@ HRESULT CVizPlugin::Close() {
     return S_OK;
 }
 
-void CVizPlugin::AskHostString() {
-    const auto service = QueryFor<ITKNameService>(HostContext, kIID_ITKNameService);
+void CVizPlugin::AskHostString(IUnknown* host) {
+    const auto service = QueryFor<ITKNameService>(host, kIID_ITKNameService);
     RefPtr<IUnknown> found;
     if (!service || FAILED(service->GetCatalog(found.Receive())) || !found) return;
     const RefPtr<ITKNameCatalog> catalog = RefPtr<ITKNameCatalog>::Adopt(static_cast<ITKNameCatalog*>(found.Detach()));
@@ -255,16 +255,22 @@ void CVizPlugin::LoadForAnswer() {
 }
 
 void CVizPlugin::LoadForDescription() {
-    if (InfoValid || Loaded) return;
+    if (InfoValid) return;
     const MutexLock hold(Lock.get());
-    if (InfoValid || Loaded) return;
+    if (InfoValid || (Loaded && !HasChangedSinceTried())) return;
     Load();
     Loaded = true;
     Unload();
 }
 
-bool CVizPlugin::LoadLocked() {
+bool CVizPlugin::HasChangedSinceTried() const {
     char checksum[kChecksumSize];
+    uint32_t size = sizeof checksum;
+    return ComputeChecksum(GetPath(), checksum, &size) && std::strcmp(checksum, triedStamp_.GetText()) != 0;
+}
+
+bool CVizPlugin::LoadLocked() {
+    char checksum[kChecksumSize] = {};
     uint32_t size = sizeof checksum;
     RegistryKey key;
     if (ComputeChecksum(GetPath(), checksum, &size) && !CacheKey.IsEmpty() &&
@@ -272,6 +278,7 @@ bool CVizPlugin::LoadLocked() {
         key.SetString(kCacheChecksum, checksum);
     }
     key.Close();
+    triedStamp_ = checksum;
 
     const HMODULE loaded = LoadLibraryA(GetPath());
     if (!loaded) return false;

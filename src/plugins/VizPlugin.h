@@ -11,6 +11,7 @@
 #include <tdkviz/plugin.h>
 
 #include "src/plugins/KeptText.h"
+#include "src/support/Module.h"
 #include "src/support/Mutex.h"
 #include "src/support/NQString.h"
 #include "src/support/Relaxed.h"
@@ -33,8 +34,9 @@ class CVizPlugin {
 public:
     static constexpr std::chrono::milliseconds kPatience{100};
 
-    // `maker` (may be null) outlives the wrapper. Touches neither the library nor the registry.
-    explicit CVizPlugin(const char* path, PreferencesMaker* maker = nullptr);
+    // `maker` (may be null) outlives the wrapper. Asks `host` (may be null) for the file's text and touches neither
+    // the library nor the registry.
+    explicit CVizPlugin(const char* path, PreferencesMaker* maker = nullptr, IUnknown* host = HostContext);
     CVizPlugin(const CVizPlugin&) = delete;
     CVizPlugin& operator=(const CVizPlugin&) = delete;
 
@@ -67,7 +69,8 @@ public:
     // In memory with an object that was accepted: can become a view's plug-in.
     bool IsReady() const { return ready_; }
     bool IsInfoValid() const { return InfoValid; }
-    // These load and free the library once if nothing is known yet.
+    // These load and free the library once if nothing is known yet. What couldn't be loaded is tried again when its
+    // file has changed: it may have been half copied.
     const char* GetName();
     const char* GetCreator();
     const char* GetDescription();
@@ -102,9 +105,10 @@ public:
 private:
     class CallScope;
 
-    void AskHostString();
+    void AskHostString(IUnknown* host);
     void LoadForAnswer();
     void LoadForDescription();
+    bool HasChangedSinceTried() const;
     bool LoadLocked();
     void WriteDescription() const;
     // Takes over whichever interface the object offers.
@@ -142,6 +146,7 @@ private:
     std::unique_ptr<KVAMutex> Lock;
 
     PreferencesMaker* const maker_;
+    CNQString triedStamp_;            // of the file when it was loaded last; under the lock
     std::atomic<bool> ready_{false};  // calls are forwarded
     std::atomic<int32_t> calls_{0};   // forwarded calls under way
     bool abandoned_ = false;          // left in memory by Retire

@@ -1,11 +1,11 @@
 #include "src/render/ColorConverterAccess.h"
 
 #include <cstring>
-#include <string>
 #include <string_view>
 
 #include "src/support/DLLAccess.h"
 #include "src/support/DLLAccessPath.h"
+#include "src/support/NQString.h"
 
 namespace tdkviz {
 
@@ -53,18 +53,14 @@ constexpr size_t IndexOf(std::string_view name) {
 constexpr size_t kInitColorConverter = IndexOf("InitColorConverter");
 constexpr size_t kGetColorConverter = IndexOf("GetColorConverter");
 
-using InitColorConverterFunction = int32_t (*)();
-using GetColorConverterFunction = ColorConverterFunction (*)(uint32_t from, uint32_t to);
-
 // The folder of codecs; by default the one of that name among the plug-ins.
 bool HasCodecsFolder() {
     DLLAccessPath* table = GetDLLAccessPath();
-    if (!table->GetPath(DLLKind::Codecs)) {
-        if (const char* plugins = table->GetPath(DLLKind::Plugins)) {
-            table->SetPath(DLLKind::Codecs, (std::string(plugins) + kCodecsFolder).c_str());
-        }
-    }
-    return table->GetPath(DLLKind::Codecs) != nullptr;
+    if (!table->CopyPath(DLLKind::Codecs).IsEmpty()) return true;
+    const CNQString plugins = table->CopyPath(DLLKind::Plugins);
+    if (plugins.IsEmpty()) return false;
+    table->SetPath(DLLKind::Codecs, (plugins + kCodecsFolder).GetText());
+    return true;
 }
 
 }  // namespace

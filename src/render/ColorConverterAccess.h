@@ -6,20 +6,12 @@
 #include <cstdint>
 #include <memory>
 
+#include <tdkviz/color_converter.h>
 #include <tdkviz/com.h>
 
 namespace tdkviz {
 
 class DLLAccess;
-
-// Takes a picture of one format and size to another, scaling as needed. Pitches are signed bytes; the
-// rectangles lie in their images. The result is not looked at.
-using ColorConverterFunction = int32_t (*)(void* destination, int32_t destinationWidth, int32_t destinationHeight,
-                                           int32_t destinationPitch, int32_t destinationX, int32_t destinationY,
-                                           int32_t destinationRectWidth, int32_t destinationRectHeight,
-                                           const void* source, int32_t sourceWidth, int32_t sourceHeight,
-                                           int32_t sourcePitch, int32_t sourceX, int32_t sourceY,
-                                           int32_t sourceRectWidth, int32_t sourceRectHeight);
 
 // Looks for "qzcolor.dll", then "qzltcolor.dll" in the folder of codecs, and holds the library open as
 // long as the object lives. An object without a library is a normal one: it finds no converters.

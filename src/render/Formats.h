@@ -1,39 +1,14 @@
-// Pixel formats: their ids, how they are told from bitmap headers, sizes and row pitches.
+// Pixel formats: how they are told from bitmap headers, sizes and row pitches.
 #pragma once
 
 #include <cstdint>
 
 #include <windows.h>
 
+#include <tdkviz/color_converter.h>
+
 namespace tdkviz {
 
-// The numbers are shared with the colour converter library; they never change.
-enum FormatId : uint32_t {
-    FormatI420 = 0,
-    FormatYV12 = 1,
-    FormatYVU9 = 2,
-    FormatYUY2 = 3,
-    FormatUYVY = 4,
-    FormatRGB32 = 5,  // all frames: 0x00RRGGBB words
-    FormatRGB24 = 6,
-    FormatRGB565 = 7,
-    FormatRGB555 = 8,
-    FormatRGB8 = 9,
-    FormatZVQN = 10,
-    FormatARGB = 11,
-    FormatYUVA = 12,
-    FormatNone = 13,  // what nothing matches; no bitmap can be made for it, nor for ids above 22
-    FormatBGR32 = 14,
-    FormatBGR24 = 15,
-    FormatBGR565 = 16,
-    FormatBGR555 = 17,
-    FormatMC12 = 18,
-    FormatMCAM = 19,
-    FormatMCS3 = 20,
-    FormatIGOR = 21,
-    FormatDVPF = 22,
-};
-inline constexpr uint32_t kFormatCount = 23;
 inline constexpr int kPaletteEntries = 256;
 
 // A bitmap header with room for three colour masks or a palette behind it.

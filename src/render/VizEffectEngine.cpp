@@ -92,7 +92,7 @@ bool VizEffectEngine::ApplyEffects(const void* source, void* destination, int32_
         .fade = values.fade,
     };
     if (values.autoEdge) pass.clamp = ClampsByZoom(pass);
-    ChoosePass(pass)(pass);
+    ChoosePass(pass, BestInstructionSet())(pass);
     return true;
 }
 

@@ -112,15 +112,10 @@ void CVizWindow::Destroy() {
 
 HRESULT CVizWindow::Resize(int32_t width, int32_t height) {
     const int32_t roundedWidth = RoundUp(width), roundedHeight = RoundUp(height);
-    const HWND window = Window;
-    if (window && !IsOnOwnThread()) {
-        SendMessageA(window, kMessageResize,
-                     MAKEWPARAM(static_cast<WORD>(roundedWidth), static_cast<WORD>(roundedHeight)), 0);
-        return S_OK;
-    }
+    if (ResizeOnOwnThread(roundedWidth, roundedHeight)) return S_OK;
     {
         const MutexLock lock(&SizeLock);
-        if (window && DrawsFrames) {
+        if (Window && DrawsFrames) {
             BuildSurfaces(roundedWidth, roundedHeight);
         } else {
             // A surface of the old size must not be taken for one of the new size later.
@@ -129,12 +124,23 @@ HRESULT CVizWindow::Resize(int32_t width, int32_t height) {
             DisplayHeight = roundedHeight;
         }
     }
-    if (window) {
-        const RECT client = ClientRect(window);
-        MoveWindow(window, client.left, client.top, client.left + roundedWidth, client.top + roundedHeight, FALSE);
-    }
+    SizeWindow(roundedWidth, roundedHeight);
     Present(false);
     return S_OK;
+}
+
+bool CVizWindow::ResizeOnOwnThread(int32_t width, int32_t height) {
+    const HWND window = Window;
+    if (!window || IsOnOwnThread()) return false;
+    SendMessageA(window, kMessageResize, MAKEWPARAM(static_cast<WORD>(width), static_cast<WORD>(height)), 0);
+    return true;
+}
+
+void CVizWindow::SizeWindow(int32_t width, int32_t height) {
+    const HWND window = Window;
+    if (!window) return;
+    const RECT client = ClientRect(window);
+    MoveWindow(window, client.left, client.top, client.left + width, client.top + height, FALSE);
 }
 
 bool CVizWindow::IsUnlocked() {

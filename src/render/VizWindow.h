@@ -113,9 +113,12 @@ public:
     int32_t GetFrameWidth() const { return FrameWidth; }    // pixels
     int32_t GetFrameHeight() const { return FrameHeight; }  // pixels
     int32_t GetFramePitch() const { return FramePitch; }    // bytes, negative: the rows are bottom-up
+    int32_t GetFrameStride() const;                         // pixels from one row to the next in memory
+    // Effects write their rows without gaps: moves those of such a frame to where the window's begin. [frame]
+    void SpreadRows(void* frame) const;
     HWND GetWindowHandle() const { return Window; }
     // False while another thread holds the surfaces: for ever, if that thread was ended by force.
-    bool IsUnlocked() TDKVIZ_UNCHECKED;
+    virtual bool IsUnlocked() TDKVIZ_UNCHECKED;
     // The view's receivers [not counted], or null.
     void SetClickTarget(IVizClickReceiver* target) { ClickTarget = target; }
     void SetRightClickTarget(IVizRightClickReceiver* target) { RightClickTarget = target; }
@@ -136,6 +139,13 @@ protected:
     void OnDrawsFramesChanged(bool former);
     void OnUnload(CVizPlugin* plugin);
 
+    // True if another thread owns the window: it has done the whole Resize.
+    bool ResizeOnOwnThread(int32_t width, int32_t height);
+    void SizeWindow(int32_t width, int32_t height);
+    // Ends the frame: what waited for that comes now.
+    void ServeDeferred();
+    // At once outside of a frame; within one, at its end before all else that waits. [frame]
+    void ResizeAfterFrame(int32_t width, int32_t height);
     void StoreFrameSize(int32_t width, int32_t height);
     void ChooseFormats();
     void MakeFrameBuffers();
@@ -170,6 +180,15 @@ protected:
     VizSurfacePtr Surface;
     BitmapInfoRecord DisplayInfo = {};
     BitmapInfoRecord FrameInfo = {};
+    FrameBuffer RawBuffer0, RawBuffer1;
+    bool frontInUse_ = false;
+    bool inFrame_ = false;
+    bool backInUse_ = false;
+    bool wipePending_ = false;  // the next frame comes out black
+
+    // Other threads read these under SizeLock, and only while there is a Surface. The window's thread alone writes
+    // them: under SizeLock in this class, while CDDVizWindow, which has no Surface until it falls back, uses them
+    // without it.
     uint32_t DisplayFormat = FormatRGB32;
     uint32_t FrameFormat = FormatRGB32;
     int32_t DisplayPitch = 0;
@@ -178,11 +197,6 @@ protected:
     bool NeedsConversion = false;  // Present goes through ConvertFrame
     uint8_t* FrontPixels = nullptr;
     uint8_t* BackPixels = nullptr;
-    FrameBuffer RawBuffer0, RawBuffer1;
-    bool frontInUse_ = false;
-    bool inFrame_ = false;
-    bool backInUse_ = false;
-    bool wipePending_ = false;  // the next frame comes out black
 
     // Guarded by receiverLock_.
     KVAWinMutex receiverLock_;
@@ -200,7 +214,6 @@ private:
     bool MakeWindow(int32_t width, int32_t height);
     bool IsOnOwnThread() const;
     bool DeferDuringFrame(UINT message, WPARAM wParam, LPARAM lParam);
-    void ServeDeferred();
     void TakeFrame();
     void CopyFrameToSurface();
     void WipeSurface();

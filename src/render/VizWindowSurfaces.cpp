@@ -79,6 +79,21 @@ bool CVizWindow::FrameFillsDisplay() const {
     return FrameWidth == DisplayWidth && FrameHeight == DisplayHeight;
 }
 
+int32_t CVizWindow::GetFrameStride() const {
+    const int32_t pitch = FramePitch;
+    return (pitch < 0 ? -pitch : pitch) / static_cast<int32_t>(sizeof(uint32_t));
+}
+
+void CVizWindow::SpreadRows(void* frame) const {
+    const ptrdiff_t width = FrameWidth, stride = GetFrameStride();
+    if (stride == width) return;
+    auto* pixels = static_cast<uint32_t*>(frame);
+    // The last row first: none is written over before it has moved.
+    for (ptrdiff_t row = FrameHeight - 1; row > 0; --row) {
+        std::memmove(pixels + row * stride, pixels + row * width, static_cast<size_t>(width) * sizeof(uint32_t));
+    }
+}
+
 void* CVizWindow::GetFrontPixels() {
     const MutexLock lock(&SizeLock);
     if (Rebuilding || !FrontPixels) return nullptr;
@@ -170,6 +185,18 @@ bool CVizWindow::DeferDuringFrame(UINT message, WPARAM wParam, LPARAM lParam) {
     if (!inFrame_ && !frontInUse_ && !backInUse_) return false;
     deferred_.push_back({message, wParam, lParam});
     return true;
+}
+
+void CVizWindow::ResizeAfterFrame(int32_t width, int32_t height) {
+    {
+        const MutexLock lock(&SizeLock);
+        if (inFrame_ || frontInUse_ || backInUse_) {
+            const WPARAM size = MAKEWPARAM(static_cast<WORD>(width), static_cast<WORD>(height));
+            deferred_.insert(deferred_.begin(), {kMessageResize, size, 0});
+            return;
+        }
+    }
+    Resize(width, height);
 }
 
 void CVizWindow::BeginFrame() {

@@ -12,7 +12,7 @@ namespace tdkviz {
 
 namespace {
 
-constexpr uint32_t kLongestText = 9216;  // bytes, with the terminator
+constexpr uint32_t kWorkSize = 9216;  // bytes
 
 }  // namespace
 
@@ -40,10 +40,10 @@ HRESULT CIKVAPrefsWrapper::ReadValue(const char* name, IKVABuffer** buffer) {
     if (!name || !buffer) return E_INVALIDARG;
     *buffer = nullptr;
     RegistryKey key;
-    char text[kLongestText];
-    if (!key.Open(HKEY_CURRENT_USER, KeyPath.GetText()) || !key.GetString(name, "", text, kLongestText)) return E_FAIL;
-    text[kLongestText - 1] = '\0';
-    RefPtr<IKVABuffer> value(new CNQBuffer);
+    char text[kWorkSize + 1] = {};  // the longest text fills the work size, and ends behind it
+    if (!key.Open(HKEY_CURRENT_USER, KeyPath.GetText()) || !key.GetString(name, "", text, kWorkSize)) return E_FAIL;
+    RefPtr<IKVABuffer> value = RefPtr<IKVABuffer>::Adopt(CNQBuffer::Create());
+    if (!value) return E_OUTOFMEMORY;
     const HRESULT result = value->SetContents(text, static_cast<uint32_t>(std::strlen(text) + 1));
     if (FAILED(result)) return result;
     *buffer = value.Detach();

@@ -33,7 +33,7 @@ DLLAccess::~DLLAccess() {
 uint32_t DLLAccess::Open(const char* name, DLLKind kind) {
     if (IsOpen) return Fail(kDLLLibraryError, kAlreadyOpen);
     CNQString fullName;
-    if (kind != DLLKind::NotDef) fullName = GetDLLAccessPath()->GetPath(kind);
+    if (kind != DLLKind::NotDef) fullName = GetDLLAccessPath()->CopyPath(kind);
     fullName += name;
     Module = LoadQuietly(fullName.GetText());
     if (!Module) return Fail(kDLLLibraryError, kUnableToLoad);

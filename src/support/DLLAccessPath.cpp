@@ -62,6 +62,11 @@ const char* DLLAccessPath::GetPath(DLLKind kind) const {
     return kind < DLLKind::Count ? GetPath(kKindNames[static_cast<size_t>(kind)]) : nullptr;
 }
 
+CNQString DLLAccessPath::CopyPath(DLLKind kind) const {
+    const MutexLock lock(&mutex_);
+    return CNQString(GetPath(kind));  // from the text: a copied value would share its block beyond the lock
+}
+
 HRESULT DLLAccessPath::SetFromBlock(const char* block) {
     if (!block) return S_OK;
     for (const char* entry = block; *entry; entry += std::strlen(entry) + 1) {

@@ -9,6 +9,7 @@
 
 #include "src/support/Mutex.h"
 #include "src/support/NQMaps.h"
+#include "src/support/NQString.h"
 #include "src/support/RefPtr.h"
 
 namespace tdkviz {
@@ -41,6 +42,8 @@ public:
     // The stored folder, good until it is replaced, or null.
     const char* GetPath(const char* name) const;
     const char* GetPath(DLLKind kind) const;
+    // The same as the caller's own text, whoever replaces it meanwhile; empty if there is none.
+    CNQString CopyPath(DLLKind kind) const;
 
     // Takes in a run of zero-terminated Name=Folder strings, closed by an empty one; null does nothing. S_OK.
     HRESULT SetFromBlock(const char* block);

@@ -56,7 +56,7 @@ bool RegistryKey::GetString(const char* name, const char* fallback, char* out, u
     if (!work) return false;
     DWORD type = REG_NONE;
     const LSTATUS status = RegQueryValueExA(key_, name, nullptr, &type, work.get(), &read);
-    const bool isFound = status == ERROR_SUCCESS && type == REG_SZ && HasValues();
+    const bool isFound = status == ERROR_SUCCESS && type == REG_SZ;
     if (!isFound) {
         CopyFilled(out, fallback, size);
         return false;
@@ -72,17 +72,10 @@ bool RegistryKey::GetNumber(const char* name, uint32_t fallback, uint32_t* out) 
     DWORD read = sizeof work;
     DWORD type = REG_NONE;
     const LSTATUS status = RegQueryValueExA(key_, name, nullptr, &type, work, &read);
-    const bool isFound = status == ERROR_SUCCESS && type == REG_DWORD && HasValues();
+    const bool isFound = status == ERROR_SUCCESS && type == REG_DWORD;
     *out = fallback;
     if (isFound) std::memcpy(out, work, sizeof *out);
     return isFound;
-}
-
-bool RegistryKey::HasValues() const {
-    DWORD values = 0;
-    const LSTATUS status = RegQueryInfoKeyA(key_, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &values,
-                                            nullptr, nullptr, nullptr, nullptr);
-    return status == ERROR_SUCCESS && values > 0;
 }
 
 bool WriteNumberSetting(const char* name, uint32_t value, const char* subKey) {

@@ -30,8 +30,6 @@ public:
     bool GetNumber(const char* name, uint32_t fallback, uint32_t* out);
 
 private:
-    bool HasValues() const;
-
     HKEY key_ = nullptr;
 };
 

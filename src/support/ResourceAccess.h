@@ -15,6 +15,10 @@ inline constexpr uint16_t kAddOnResourceTag = 1615;
 // In the upper half of an id: the current tag, and no tag at all.
 inline constexpr uint16_t kCurrentTagMark = 0;
 inline constexpr uint16_t kNoTagMark = 0xFFFF;
+// The id of the add-on's own resource of this number.
+constexpr uint32_t AddOnResource(uint16_t number) {
+    return uint32_t{kAddOnResourceTag} << 16 | number;
+}
 
 // Looks for the library in the host's folder for common libraries, then beside the executable.
 void StartResourceAccess();

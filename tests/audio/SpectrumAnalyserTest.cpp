@@ -79,7 +79,8 @@ TEST(SpectrumAnalyser, KnownPictures) {
 TEST(SpectrumAnalyser, LoudnessScale) {
     const std::pair<float, int> cases[] = {{0.0F, 0},   {1.0F, 0},    {3162.0F, 0},  {10000.0F, 20},
                                            {1e8F, 180}, {1e10F, 255}, {7.9e9F, 255}, {4e12F, 255}};
-    for (const auto& [energy, loudness] : cases) EXPECT_EQ(LoudnessOfEnergy(energy), loudness) << energy;
+    for (const auto& [energy, loudness] : cases)
+        EXPECT_EQ(LoudnessScale().OfStep(LoudnessScale::StepOfEnergy(energy)), loudness) << energy;
 }
 
 TEST(SpectrumAnalyser, AnySplitIntoCallsGivesTheSamePairs) {

@@ -76,45 +76,6 @@ INSTANTIATE_TEST_SUITE_P(Blit, BetweenForms, testing::Combine(testing::ValuesIn(
                              return std::string(std::get<0>(all.param).name) + "_" + std::get<1>(all.param).name;
                          });
 
-TEST(Blit, RasterOperationsFollowTheirTruthTable) {
-    struct Case {
-        DWORD operation;
-        uint32_t (*model)(uint32_t pattern, uint32_t source, uint32_t destination);
-    };
-    const Case cases[] = {
-        {SRCAND, [](uint32_t, uint32_t s, uint32_t d) { return s & d; }},
-        {SRCPAINT, [](uint32_t, uint32_t s, uint32_t d) { return s | d; }},
-        {SRCINVERT, [](uint32_t, uint32_t s, uint32_t d) { return s ^ d; }},
-        {SRCERASE, [](uint32_t, uint32_t s, uint32_t d) { return s & ~d; }},
-        {NOTSRCCOPY, [](uint32_t, uint32_t s, uint32_t) { return ~s; }},
-        {MERGEPAINT, [](uint32_t, uint32_t s, uint32_t d) { return ~s | d; }},
-        {MERGECOPY, [](uint32_t p, uint32_t s, uint32_t) { return p & s; }},
-        {PATINVERT, [](uint32_t p, uint32_t, uint32_t d) { return p ^ d; }},
-        {PATCOPY, [](uint32_t p, uint32_t, uint32_t) { return p; }},
-        {DSTINVERT, [](uint32_t, uint32_t, uint32_t d) { return ~d; }},
-        {BLACKNESS, [](uint32_t, uint32_t, uint32_t) { return 0u; }},
-        {WHITENESS, [](uint32_t, uint32_t, uint32_t) { return ~0u; }},
-    };
-    for (const Form& form : {k565, k24, k32}) {
-        for (const Case& one : cases) {
-            Surface from(form, 17, 3), to(form, 17, 3);
-            from.FillWithNoise(5);
-            to.FillWithNoise(6);
-            const HBRUSH brush = CreateSolidBrush(RGB(0x12, 0x34, 0xF6));
-            const HGDIOBJ former = SelectObject(to.dc, brush);
-            const uint32_t pattern = to.RawOf(0x1234F6);
-            const uint32_t mask = static_cast<uint32_t>((uint64_t{1} << form.bits) - 1);
-            std::vector<uint32_t> expected = to.Picture();
-            for (int x = 2; x < 15; ++x)
-                expected[static_cast<size_t>(17 + x)] = one.model(pattern, from.Raw(x - 1, 2), to.Raw(x, 1)) & mask;
-            EXPECT_TRUE(BitBlt(to.dc, 2, 1, 13, 1, from.dc, 1, 2, one.operation));
-            EXPECT_EQ("", FirstDifference(to, expected)) << form << " " << std::hex << one.operation;
-            SelectObject(to.dc, former);
-            DeleteObject(brush);
-        }
-    }
-}
-
 TEST(Blit, MovingInsideOneBitmapReadsBeforeItWrites) {
     const Rect moves[] = {{3, 2, 12, 8}, {0, 0, 12, 8}, {4, 1, 12, 8}, {2, 1, 12, 8}, {3, 1, 12, 8}};
     for (const Form& form : {k8, k24, k32}) {
@@ -128,14 +89,6 @@ TEST(Blit, MovingInsideOneBitmapReadsBeforeItWrites) {
             }
         }
     }
-}
-
-TEST(Blit, MirroringInsideOneBitmap) {
-    Surface surface(k32, 20, 12);
-    surface.FillWithNoise(9);
-    const std::vector<uint32_t> expected = ModelCopy(surface, {0, 0, 20, 12}, surface, {19, 11, -20, -12});
-    StretchBlt(surface.dc, 0, 0, 20, 12, surface.dc, 19, 11, -20, -12, SRCCOPY);
-    EXPECT_EQ("", FirstDifference(surface, expected));
 }
 
 TEST(Blit, NothingComesOfExtentsThatReachNowhere) {

@@ -1,29 +1,18 @@
-// Drawing and the display: what its depth makes of answers and pictures. On displays in memory of every depth.
+// Drawing on windows, on displays in memory of every depth.
 #include <gtest/gtest.h>
 #include <windows.h>
-
-#include <cstring>
 
 #include "tests/platform/gdiSupport.h"
 #include "tests/support/Picture.h"
 
 namespace {
 
-using gditest::Header;
 using gditest::k32;
 using gditest::Surface;
 
-struct Depth {
-    int depth;
-    int bits;
-    DWORD compression;
-    DWORD masks[3];
-    int colors;  // NUMCOLORS
-};
-
-class OnDisplay : public testing::TestWithParam<Depth> {
+class OnDisplay : public testing::TestWithParam<int> {
 protected:
-    void SetUp() override { ASSERT_TRUE(TdkpUseMemoryDisplay(640, 480, GetParam().depth)); }
+    void SetUp() override { ASSERT_TRUE(TdkpUseMemoryDisplay(640, 480, GetParam())); }
     static void TearDownTestSuite() { TdkpUseMemoryDisplay(1920, 1080, 32); }
 };
 
@@ -53,31 +42,6 @@ public:
     HDC dc;
 };
 
-TEST_P(OnDisplay, TellsItsFormat) {
-    const HDC screen = CreateDCA("DISPLAY", nullptr, nullptr, nullptr);
-    ASSERT_NE(nullptr, screen);
-    EXPECT_EQ(640, GetDeviceCaps(screen, HORZRES));
-    EXPECT_EQ(480, GetDeviceCaps(screen, VERTRES));
-    EXPECT_EQ(GetParam().bits, GetDeviceCaps(screen, BITSPIXEL) * GetDeviceCaps(screen, PLANES));
-    EXPECT_EQ(GetParam().colors, GetDeviceCaps(screen, NUMCOLORS));
-    EXPECT_EQ(GetParam().colors >= 0, (GetDeviceCaps(screen, RASTERCAPS) & RC_PALETTE) != 0);
-    const HBITMAP bitmap = CreateCompatibleBitmap(screen, 1, 1);
-    Header info;
-    std::memset(&info, 0, sizeof(info));
-    info.header.biSize = sizeof(BITMAPINFOHEADER);
-    // The first call fills in the header, the second the masks.
-    EXPECT_NE(0, GetDIBits(screen, bitmap, 0, 1, nullptr, info.Info(), DIB_RGB_COLORS));
-    EXPECT_EQ(0u, info.masks[0]);
-    EXPECT_NE(0, GetDIBits(screen, bitmap, 0, 1, nullptr, info.Info(), DIB_RGB_COLORS));
-    EXPECT_EQ(GetParam().bits, info.header.biBitCount);
-    EXPECT_EQ(GetParam().compression, info.header.biCompression);
-    EXPECT_EQ(1, info.header.biWidth);
-    EXPECT_EQ(1, info.header.biHeight);
-    for (int i = 0; i < 3 && GetParam().compression == BI_BITFIELDS; ++i) EXPECT_EQ(GetParam().masks[i], info.masks[i]);
-    DeleteObject(bitmap);
-    DeleteDC(screen);
-}
-
 TEST_P(OnDisplay, ShowsWhatIsBlittedToAWindow) {
     Window window;
     Surface picture(k32, 40, 30);
@@ -96,13 +60,8 @@ TEST_P(OnDisplay, ShowsWhatIsBlittedToAWindow) {
     for (int i = 0; i < 5; ++i) EXPECT_EQ(picture.Color(10 + i, 7), window.Seen(12 + i, 8)) << i;
 }
 
-INSTANTIATE_TEST_SUITE_P(Depths, OnDisplay,
-                         testing::Values(Depth{32, 32, BI_BITFIELDS, {0xFF0000, 0xFF00, 0xFF}, -1},
-                                         Depth{24, 32, BI_BITFIELDS, {0xFF0000, 0xFF00, 0xFF}, -1},
-                                         Depth{16, 16, BI_BITFIELDS, {0xF800, 0x07E0, 0x001F}, -1},
-                                         Depth{15, 16, BI_BITFIELDS, {0x7C00, 0x03E0, 0x001F}, -1},
-                                         Depth{8, 8, BI_RGB, {}, 20}),
-                         [](const auto& one) { return "Depth" + std::to_string(one.param.depth); });
+INSTANTIATE_TEST_SUITE_P(Depths, OnDisplay, testing::Values(32, 24, 16, 15, 8),
+                         [](const auto& one) { return "Depth" + std::to_string(one.param); });
 
 TEST(WindowContext, ChildrenAreLeftOutWhereTheStyleSaysSo) {
     Window window(WS_POPUP | WS_VISIBLE | WS_CLIPCHILDREN);

@@ -45,42 +45,11 @@ DWORD WINAPI SetForever(LPVOID event) {
     }
 }
 
-DWORD WINAPI ReturnArgument(LPVOID argument) {
-    return static_cast<DWORD>(reinterpret_cast<UINT_PTR>(argument));
-}
-
-DWORD WINAPI ReturnOwnId(LPVOID) {
-    return GetCurrentThreadId();
-}
-
 HANDLE Start(LPTHREAD_START_ROUTINE entry, LPVOID argument) {
     entered.store(false);
     const HANDLE thread = CreateThread(nullptr, 0, entry, argument, 0, nullptr);
     while (thread != nullptr && !entered.load()) Sleep(1);
     return thread;
-}
-
-TEST(KernelThread, ExitCodeAndIdReachTheOutside) {
-    DWORD id = 0;
-    const HANDLE thread = CreateThread(nullptr, 0, ReturnOwnId, nullptr, 0, &id);
-    ASSERT_NE(thread, nullptr);
-    EXPECT_EQ(WaitForSingleObject(thread, kLong), WAIT_OBJECT_0);
-    DWORD code = 0;
-    EXPECT_TRUE(GetExitCodeThread(thread, &code));
-    EXPECT_EQ(code, id);
-    EXPECT_NE(id, GetCurrentThreadId());
-    // An ended thread stays signalled.
-    EXPECT_EQ(WaitForSingleObject(thread, 0), WAIT_OBJECT_0);
-    EXPECT_TRUE(CloseHandle(thread));
-
-    const HANDLE failing = CreateThread(nullptr, 0, ReturnArgument, reinterpret_cast<LPVOID>(0x80004005u), 0, nullptr);
-    EXPECT_EQ(WaitForSingleObject(failing, kLong), WAIT_OBJECT_0);
-    EXPECT_TRUE(GetExitCodeThread(failing, &code));
-    EXPECT_EQ(code, 0x80004005u);
-    TerminateThread(failing, 9);
-    EXPECT_TRUE(GetExitCodeThread(failing, &code));
-    EXPECT_EQ(code, 0x80004005u) << "it had ended before";
-    EXPECT_TRUE(CloseHandle(failing));
 }
 
 TEST(KernelThread, TerminatedWhereverItStands) {
@@ -129,34 +98,6 @@ TEST(KernelThread, TerminationLeavesTheSystemUsable) {
     }
     CloseHandle(own);
     CloseHandle(busy);
-}
-
-struct Counter {
-    CRITICAL_SECTION Section;
-    int Value = 0;
-};
-
-DWORD WINAPI CountUp(LPVOID argument) {
-    auto& counter = *static_cast<Counter*>(argument);
-    for (int i = 0; i < 2000; ++i) {
-        EnterCriticalSection(&counter.Section);
-        EnterCriticalSection(&counter.Section);
-        LeaveCriticalSection(&counter.Section);
-        ++counter.Value;
-        LeaveCriticalSection(&counter.Section);
-    }
-    return 0;
-}
-
-TEST(KernelThread, CriticalSectionIsRecursiveAndExclusive) {
-    Counter counter;
-    InitializeCriticalSection(&counter.Section);
-    const HANDLE threads[] = {CreateThread(nullptr, 0, CountUp, &counter, 0, nullptr),
-                              CreateThread(nullptr, 0, CountUp, &counter, 0, nullptr)};
-    EXPECT_EQ(WaitForMultipleObjects(2, threads, TRUE, kLong), WAIT_OBJECT_0);
-    EXPECT_EQ(counter.Value, 4000);
-    DeleteCriticalSection(&counter.Section);
-    for (HANDLE thread : threads) CloseHandle(thread);
 }
 
 }  // namespace

@@ -27,26 +27,6 @@ TEST(UserMessages, PostedMessagesComeInOrderAndRangesPickAmongThem) {
     EXPECT_EQ(message.hwnd, nullptr);
 }
 
-TEST(UserMessages, AThreadHasNoQueueBeforeItLooksForMessages) {
-    TestEvent looked, go, started;
-    TestThread thread([&] {
-        started.Set();
-        go.Await();
-        MakeQueue();
-        looked.Set();
-        go.Await();
-        MSG message;
-        EXPECT_TRUE(PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE));
-    });
-    ASSERT_TRUE(started.Await());
-    EXPECT_FALSE(PostThreadMessageA(thread.Id(), WM_USER, 0, 0));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_THREAD_ID});
-    go.Set();
-    ASSERT_TRUE(looked.Await());
-    EXPECT_TRUE(PostThreadMessageA(thread.Id(), WM_USER, 0, 0));
-    go.Set();
-}
-
 TEST(UserMessages, QuitComesAfterPostedMessagesAndOnce) {
     MakeQueue();
     PostQuitMessage(7);

@@ -3,7 +3,6 @@
 #include <windows.h>
 
 #include <atomic>
-#include <cstring>
 
 #include "tests/platform/userSupport.h"
 
@@ -25,30 +24,6 @@ Pairs PairsOf(const std::vector<TestClass::Entry>& entries) {
 }
 
 }  // namespace
-
-TEST(UserWindows, AClassGoesWithoutWindowsOnlyAndItsExtraBytesHoldPointers) {
-    TestClass windows(0, 2 * sizeof(void*));
-    const HINSTANCE module = GetModuleHandleA(nullptr);
-    WNDCLASSA info = {};
-    ASSERT_TRUE(GetClassInfoA(module, "USERTESTCLASS", &info));
-    info.lpszClassName = TestClass::kName;
-    EXPECT_EQ(RegisterClassA(&info), 0);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_CLASS_ALREADY_EXISTS});
-    const HWND window = windows.Make();
-    EXPECT_FALSE(UnregisterClassA(TestClass::kName, module));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_CLASS_HAS_WINDOWS});
-
-    const auto pointer = reinterpret_cast<LONG_PTR>(&windows);
-    for (const int index : {0, static_cast<int>(sizeof(void*)), GWLP_USERDATA})
-        EXPECT_EQ(SetWindowLongPtrA(window, index, pointer + index), 0);
-    EXPECT_EQ(SetWindowLongPtrA(window, sizeof(void*) + 1, 3), 0);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_INDEX});
-    for (const int index : {0, static_cast<int>(sizeof(void*)), GWLP_USERDATA})
-        EXPECT_EQ(GetWindowLongPtrA(window, index), pointer + index);
-    DestroyWindow(window);
-    EXPECT_TRUE(UnregisterClassA(TestClass::kName, module));
-    EXPECT_EQ(windows.Make(), nullptr);
-}
 
 TEST(UserWindows, CreationAndDestructionSpeakInThePublishedOrder) {
     TestClass windows;
@@ -74,49 +49,6 @@ TEST(UserWindows, CreationAndDestructionSpeakInThePublishedOrder) {
         EXPECT_EQ(SendMessageA(gone, WM_USER, 0, 0), 0);
         EXPECT_EQ(GetDC(gone), nullptr);
     }
-}
-
-TEST(UserWindows, AProgramCanRefuseItsWindowAndCloseDestroysByDefault) {
-    for (const UINT refused : {WM_NCCREATE, WM_CREATE}) {
-        TestClass windows;
-        windows.handler = [refused](HWND, UINT message, WPARAM, LPARAM, LRESULT* result) {
-            *result = message == WM_CREATE ? -1 : 0;
-            return message == refused;
-        };
-        EXPECT_EQ(windows.Make(WS_POPUP | WS_VISIBLE), nullptr);
-        EXPECT_EQ(windows.Take({WM_NCDESTROY}).size(), 1u);
-    }
-    TestClass windows;
-    const HWND window = windows.Make();
-    for (const UINT message : {UINT{WM_CLOSE}, UINT{WM_USER}}) PostMessageA(window, message, 0, 0);
-    ServeMessages();
-    EXPECT_FALSE(IsWindow(window));
-    EXPECT_TRUE(windows.Take({WM_USER}).empty()) << "what waited for the window went with it";
-}
-
-TEST(UserWindows, PlacesAndRelations) {
-    TestClass windows;
-    const HWND parent = windows.Make(WS_POPUP, nullptr, 200, 100);
-    const HWND child = windows.Make(WS_CHILD | WS_VISIBLE, parent);
-    SetWindowLongPtrA(child, GWLP_ID, 17);
-    EXPECT_EQ(GetDlgItem(parent, 17), child);
-    EXPECT_EQ(GetParent(child), parent);
-    EXPECT_TRUE(IsChild(parent, child));
-    EXPECT_FALSE(IsWindowVisible(child)) << "its parent is hidden";
-    windows.Take({});
-    EXPECT_TRUE(MoveWindow(child, 10, 20, 50, 60, FALSE));
-    EXPECT_EQ(Numbers(windows.Take({WM_MOVE, WM_SIZE})), (std::vector<UINT>{WM_MOVE, WM_SIZE}));
-    EXPECT_TRUE(SetWindowPos(child, nullptr, 0, 0, 70, 80, SWP_NOMOVE | SWP_NOZORDER));
-    const auto sized = windows.Take({WM_MOVE, WM_SIZE});
-    ASSERT_EQ(sized.size(), 1u);
-    EXPECT_EQ(sized[0].lParam, MAKELPARAM(70, 80));
-    SetWindowTextA(parent, "a title");
-    char text[5];
-    EXPECT_EQ(GetWindowTextA(parent, text, sizeof(text)), 4);
-    EXPECT_STREQ(text, "a ti");
-    EXPECT_EQ(windows.Make(WS_CHILD), nullptr) << "a child needs a parent";
-    EXPECT_EQ(windows.Make(WS_CHILD, reinterpret_cast<HWND>(0x7654321)), nullptr);
-    DestroyWindow(parent);
 }
 
 TEST(UserWindows, ShowingAnotherThreadsWindowWaitsForThatThread) {

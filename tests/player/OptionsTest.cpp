@@ -20,6 +20,7 @@ TEST(Options, TakeWhatIsGivenAndLeaveTheRestToTheUser) {
     ASSERT_TRUE(plain);
     EXPECT_TRUE(plain->File.empty());
     EXPECT_FALSE(plain->Picture.FrameRate || plain->Picture.Effects || plain->Picture.Randomize || plain->Duration);
+    EXPECT_FALSE(plain->Size || plain->Volume || plain->Device);
     EXPECT_EQ(plain->Output, "auto");
 
     const std::optional<Options> full =
@@ -29,8 +30,7 @@ TEST(Options, TakeWhatIsGivenAndLeaveTheRestToTheUser) {
     ASSERT_TRUE(full);
     EXPECT_EQ(full->File, "song.flac");
     EXPECT_EQ(full->Plugin, "bars");
-    EXPECT_EQ(full->Width, 320);
-    EXPECT_EQ(full->Height, 240);
+    EXPECT_EQ(full->Size->Text(), "320x240");
     EXPECT_EQ(full->Picture.FrameRate, 25u);
     EXPECT_EQ(full->Picture.Effects, true);
     EXPECT_EQ(full->Picture.Randomize, false);
@@ -70,7 +70,17 @@ TEST(Options, RefuseWhatMakesNoSenseInOneLine) {
                                  "--duration -1",
                                  "--headless --window",
                                  "--output gramophone",
-                                 "--no-audio --output pulse"};
+                                 "--no-audio --output pulse",
+                                 "--volume 101",
+                                 "--volume -1",
+                                 "--device a --no-audio",
+                                 "--settings --reset-settings",
+                                 "--render a.avi",
+                                 "--render a.mp4 --loop",
+                                 "--render a.mp4 --snapshot a.png --at 1",
+                                 "--render a.mp4 --seed -1",
+                                 "--seed 1",
+                                 "--json"};
     for (const std::string line : cases) {
         SCOPED_TRACE(line);
         try {

@@ -84,7 +84,7 @@ protected:
 
     void Load(double seconds, bool loop = false) {
         playback_.emplace(*context_, std::make_unique<CountingDecoder>(static_cast<uint64_t>(seconds * kFormat.Rate)),
-                          kSilentName, loop);
+                          OutputRequest{kSilentName, {}, false}, loop);
     }
     AudioPump::State DeliverAhead() {
         AudioPump::Step step = {};
@@ -170,6 +170,57 @@ TEST_F(PlaybackTest, EndsWhenTheLastFrameHasBeenHeard) {
     EXPECT_EQ(PlayFor(49), AudioPump::State::kDraining);
     EXPECT_EQ(PlayFor(1), AudioPump::State::kEnded);
     EXPECT_EQ(hook_->FirstFrames.size(), 40u);
+}
+
+// Keeps what a device gets.
+class RecordingOutput final : public SilentOutput {
+public:
+    RecordingOutput() : SilentOutput(kFormat) {}
+    std::vector<int16_t> Samples;
+
+    void Write(const int16_t* samples, size_t frames) override {
+        Samples.insert(Samples.end(), samples, samples + frames * kFormat.Channels);
+        SilentOutput::Write(samples, frames);
+    }
+};
+
+TEST_F(PlaybackTest, TheVolumeIsForTheListenerAlone) {
+    Load(10.0);
+    const auto output = std::make_shared<RecordingOutput>();
+    const auto engine = MakeCom<Engine>(1.0);
+    context_->Player().SetEngine(engine);
+    playback_->Pump().SetOutput(output, engine);
+    playback_->Play();
+    const std::pair<int, double> steps[] = {{kFullVolume, 1.0}, {50, 0.125}, {-5, 0.0}};
+    for (const auto& [volume, factor] : steps) {
+        playback_->SetVolume(volume);
+        PlayFor(100);
+        const auto frame = static_cast<int16_t>(output->Samples.size() / 2 - 1);
+        EXPECT_EQ(output->Samples[output->Samples.size() - 2], std::lround(frame * factor)) << volume;
+    }
+    EXPECT_EQ(playback_->Volume(), 0);
+    for (size_t i = 1; i < hook_->FirstFrames.size(); ++i)
+        ASSERT_EQ(hook_->FirstFrames[i] - hook_->FirstFrames[i - 1], hook_->Format.BlockSize / kFormat.FrameBytes());
+}
+
+TEST(Gain, GoesWithoutAStepToWhatWasAskedFor) {
+    std::vector<int16_t> samples(2 * 1000);
+    const auto apply = [&samples](Gain& gain) {
+        for (size_t i = 0; i < samples.size(); ++i) samples[i] = i % 2 == 0 ? INT16_MAX : INT16_MIN;
+        gain.Apply(samples.data(), 1000, 2);
+    };
+    Gain gain;
+    gain.SetPercent(50);
+    apply(gain);
+    EXPECT_EQ(samples.front(), 4096) << "the first block has its volume from the start";
+    EXPECT_EQ(samples.back(), -4096);
+    gain.SetPercent(100);
+    apply(gain);
+    for (size_t i = 2; i < samples.size(); ++i) ASSERT_LE(std::abs(samples[i] - samples[i - 2]), 30) << i;
+    EXPECT_EQ(samples[1998], INT16_MAX);
+    apply(gain);
+    EXPECT_EQ(samples.front(), INT16_MAX);
+    EXPECT_EQ(samples.back(), INT16_MIN);
 }
 
 TEST_F(PlaybackTest, LoopBeginsAgain) {

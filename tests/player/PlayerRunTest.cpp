@@ -1,88 +1,19 @@
 // The player from outside: the staged program, its exit codes, its words and its pictures.
 #include <gtest/gtest.h>
 
-#include <fcntl.h>
 #include <png.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <csignal>
 #include <sstream>
 #include <thread>
 
-#include "player/ExitCode.h"
-#include "tests/player/TestFiles.h"
+#include "tests/player/PlayerRun.h"
 
 namespace tdkplay {
 namespace {
 
 namespace fs = std::filesystem;
-
-struct Outcome {
-    int Code = -1;  // exit code; -1 if a signal ended it
-    std::string Out;
-    std::string Error;
-};
-
-std::string ReadFile(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-// Runs the player without a display, in a folder of its own and with a registry of its own.
-class PlayerRun : public testing::Test {
-protected:
-    void SetUp() override {
-        if (!fs::exists(Stage() + "/tdkplay") || !fs::exists(Stage() + "/tdkviz.so"))
-            GTEST_SKIP() << "nothing is staged";
-        song_ = folder_.File("song.wav");
-        ASSERT_TRUE(WriteSines(song_, SF_FORMAT_WAV | SF_FORMAT_PCM_16, 44100, 2, 5.0));
-    }
-
-    static std::string Stage() { return STAGE_DIR; }
-
-    pid_t Start(std::vector<std::string> arguments, const std::string& program = Stage() + "/tdkplay") const {
-        arguments.insert(arguments.begin(), program);
-        std::vector<char*> pointers;
-        for (std::string& argument : arguments) pointers.push_back(argument.data());
-        pointers.push_back(nullptr);
-        const pid_t child = fork();
-        if (child != 0) return child;
-        const int out = open(folder_.File("stdout").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-        const int error = open(folder_.File("stderr").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-        dup2(out, STDOUT_FILENO);
-        dup2(error, STDERR_FILENO);
-        unsetenv("DISPLAY");
-        unsetenv("TDKVIZ_DISPLAY");
-        setenv("TDKVIZ_REGISTRY", folder_.File("registry.db").c_str(), 1);
-        if (chdir(folder_.File("").c_str()) == 0) execv(program.c_str(), pointers.data());
-        _exit(127);
-    }
-    Outcome Finish(pid_t child) const {
-        int status = 0;
-        waitpid(child, &status, 0);
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadFile(folder_.File("stdout")),
-                ReadFile(folder_.File("stderr"))};
-    }
-    Outcome Run(const std::vector<std::string>& arguments, const std::string& program = Stage() + "/tdkplay") const {
-        return Finish(Start(arguments, program));
-    }
-    void ExpectError(ExitCode code, const Outcome& outcome) const {
-        EXPECT_EQ(outcome.Code, static_cast<int>(code)) << outcome.Error;
-        EXPECT_EQ(outcome.Error.rfind("tdkplay: ", 0), 0u) << outcome.Error;
-        EXPECT_EQ(std::count(outcome.Error.begin(), outcome.Error.end(), '\n'), 1) << outcome.Error;
-    }
-    std::vector<std::string> PluginNames() const {
-        std::vector<std::string> names;
-        std::istringstream lines(Run({"--list"}).Out);
-        for (std::string line; std::getline(lines, line);) names.push_back(line.substr(0, line.find('\t')));
-        return names;
-    }
-
-    const TemporaryFolder folder_;
-    std::string song_;
-};
 
 struct Pixels {
     unsigned Width = 0;

@@ -30,13 +30,18 @@ TEST(FolderScan, FindsPlainFilesSortedWithoutCase) {
     EXPECT_EQ(files, std::vector<std::string>{"kept"});
 }
 
-TEST(FolderScan, EndsInAFolderLinkedIntoItself) {
+TEST(FolderScan, GoesDeepAndNeverRoundInCircles) {
     const TemporaryFolder folder;
-    folder.Write("a.tkv", "");
-    std::filesystem::create_directory_symlink(folder.Path(), folder.Path() / "loop");
-    const auto files = Scan(folder);
-    EXPECT_FALSE(files.empty());
-    EXPECT_LT(files.size(), 50u);
+    std::string deep = "c/";
+    for (int i = 0; i < 20; ++i) deep += "d/";
+    for (const std::string& name : {std::string("a/f"), std::string("b/g"), deep + "h"}) folder.Write(name, "");
+    for (const char* each : {"a", "b", ".."}) {
+        std::filesystem::create_directory_symlink(folder.Path() / each,
+                                                  folder.Path() / "a" / ("to " + std::string(each)));
+        std::filesystem::create_directory_symlink(folder.Path() / each,
+                                                  folder.Path() / "b" / ("to " + std::string(each)));
+    }
+    EXPECT_EQ(Scan(folder), (std::vector<std::string>{"a/f", "a/to b/g", "b/g", "b/to a/f", deep + "h"}));
 }
 
 TEST(FolderScan, PluginFiles) {

@@ -98,11 +98,15 @@ TEST_F(PluginRetrieverTest, EntriesWithoutOrWithOddNumbers) {
     CacheOf(path, key).SetNumber(kCacheRenderMode, 7);
     key.SetString(kCacheSupportsConfigure, "1");
     key.SetString(kCacheName, std::string(256, 'x').c_str());
+    std::string umlauts;
+    while (umlauts.size() < 256) umlauts += "\xC3\xBC";
+    key.SetString(kCacheDescription, umlauts.c_str());
     const auto retriever = Retrieve();
     CVizPlugin* plugin = retriever->GetList()->At(0);
     EXPECT_EQ(plugin->GetRenderMode(), 0u);
     EXPECT_FALSE(plugin->GetSupportsConfigure());
     EXPECT_STREQ(plugin->GetName(), std::string(256, 'x').c_str());
+    EXPECT_EQ(plugin->GetDescription(), umlauts);
 }
 
 TEST_F(PluginRetrieverTest, AFailedLoadLeavesAnEntryThatIsTakenNextTime) {

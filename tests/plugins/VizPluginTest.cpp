@@ -4,6 +4,8 @@
 
 #include <atomic>
 #include <chrono>
+#include <fstream>
+#include <iterator>
 #include <thread>
 
 #include "src/plugins/PluginCache.h"
@@ -132,6 +134,23 @@ TEST_F(VizPluginTest, EveryKindOfFailure) {
             << "every object has gone";
         EXPECT_EQ(std::count(log.begin(), log.end(), "SetPreferences"), 0);
     }
+}
+
+TEST_F(VizPluginTest, AFailedPluginIsTriedAgainWhenItsFileHasChanged) {
+    const TemporaryFolder folder;
+    std::ifstream source(TestPluginPath("Good2.tkv"), std::ios::binary);
+    const std::string whole{std::istreambuf_iterator<char>(source), {}};
+    const std::string path = folder.Write("Copied.tkv", whole.substr(0, whole.size() / 2));
+    CVizPlugin plugin(path.c_str(), &preferences_);
+    EXPECT_STREQ(plugin.GetName(), "");
+    EXPECT_EQ(Cached(plugin, kCacheChecksum).size(), 32u) << "each attempt writes it";
+    EmptyPluginCache();
+    EXPECT_STREQ(plugin.GetName(), "");
+    EXPECT_EQ(Cached(plugin, kCacheChecksum), "nothing") << "no attempt at the same file";
+    folder.Write("Copied.tkv", whole);
+    EXPECT_STREQ(plugin.GetName(), "Good two");
+    EXPECT_TRUE(plugin.IsInfoValid());
+    EXPECT_FALSE(plugin.IsLoaded());
 }
 
 TEST_F(VizPluginTest, TextsThatFillTheirBuffersAndTextsLeftAlone) {

@@ -1,10 +1,13 @@
+#include <algorithm>
 #include <atomic>
+#include <cstdlib>
 #include <string>
 #include <thread>
 
 #include <gtest/gtest.h>
 
 #include "src/render/VizWindow.h"
+#include "src/support/DLLAccessPath.h"
 #include "tests/render/WindowTools.h"
 #include "tests/support/TestObjects.h"
 
@@ -28,8 +31,6 @@ protected:
         window_.ReleaseFront();
         return pixels;
     }
-    // Presents a frame in which every pixel differs from its neighbours; coordinates from the top.
-    static uint32_t ColorAt(int x, int y) { return static_cast<uint32_t>(0x010101 + (x << 12) + y) & 0xFFFFFF; }
     void PresentPattern() {
         uint32_t* pixels = Front();
         ASSERT_NE(pixels, nullptr);
@@ -38,6 +39,20 @@ protected:
             for (int x = 0; x < width; ++x) pixels[(height - 1 - y) * width + x] = ColorAt(x, y);
         }
         window_.Present(true);
+    }
+    // How far a colour of the pattern's is off, in a window that shows each pixel of the frame once or twice.
+    int LargestError(const Picture& picture) const {
+        int largest = 0;
+        for (int y = 0; y < picture.height; ++y) {
+            for (int x = 0; x < picture.width; ++x) {
+                const uint32_t expected =
+                    ColorAt(x * window_.GetFrameWidth() / picture.width, y * window_.GetFrameHeight() / picture.height);
+                for (const int shift : {0, 8, 16})
+                    largest = std::max(largest, std::abs(static_cast<int>(picture.At(x, y) >> shift & 0xFF) -
+                                                         static_cast<int>(expected >> shift & 0xFF)));
+            }
+        }
+        return largest;
     }
     void PresentColor(uint32_t color) {
         uint32_t* pixels = Front();
@@ -91,15 +106,36 @@ TEST_F(VizWindowTest, SizesOfWindowAndFramesAndTheRightWayUp) {
         const Picture picture(Handle());
         ASSERT_EQ(picture.width, c.displayWidth);
         ASSERT_EQ(picture.height, c.displayHeight);
-        int wrong = 0;
-        for (int y = 0; y < picture.height; ++y) {
-            for (int x = 0; x < picture.width; ++x) {
-                const int frameX = x * c.frameWidth / c.displayWidth, frameY = y * c.frameHeight / c.displayHeight;
-                wrong += picture.At(x, y) != ColorAt(frameX, frameY);
+        EXPECT_EQ(LargestError(picture), 0);
+    }
+}
+
+// The depth changes under a window, and comes to it with its next size.
+TEST_F(VizWindowTest, EachRebuildTakesTheDepthOfThatTime) {
+    for (const char* codecs : {STAGE_DIR "/Codecs", "/nowhere"}) {
+        window_.Destroy();
+        GetDLLAccessPath()->SetPath(DLLKind::Codecs, codecs);
+        ASSERT_TRUE(window_.Create(1, 1));
+        for (const int depth : {32, 16, 15, 8, 32, 15, 32}) {
+            EXPECT_TRUE(TdkpChangeDisplayDepth(depth));
+            PresentPattern();  // the surface is still the one of before
+            for (const SizeCase& c : {kSizeCases[0], kSizeCases[2], kSizeCases[3]}) {
+                SCOPED_TRACE(codecs + (" " + std::to_string(depth)) + ", width " + std::to_string(c.width));
+                Show(c.width, c.height);
+                EXPECT_EQ(GetDisplayFormat(), depth == 32   ? FormatRGB32
+                                              : depth == 16 ? FormatRGB565
+                                              : depth == 15 ? FormatRGB555
+                                                            : FormatRGB8);
+                PresentPattern();
+                // Two bytes a pixel keep five bits of a colour, and a palette the nearest of its own.
+                const Picture picture(Handle());
+                EXPECT_EQ(picture.width, c.displayWidth);
+                EXPECT_LE(LargestError(picture), depth == 8 ? 255 : 7);
+                EXPECT_EQ(LargestError(picture) == 0, depth == 32);
             }
         }
-        EXPECT_EQ(wrong, 0);
     }
+    EXPECT_FALSE(TdkpChangeDisplayDepth(12));
 }
 
 TEST_F(VizWindowTest, NothingStaysFromBeforeAResize) {
@@ -294,41 +330,6 @@ TEST_F(VizWindowTest, WithoutAWindowNothingIsDone) {
         window->SetDrawsFrames(false);
         window->Destroy();
     }
-}
-
-// Reaches what only a converter would bring about.
-class ProbeWindow : public CVizWindow {
-public:
-    using CVizWindow::CVizWindow;
-    void UseConverter(ColorConverterFunction function) {
-        NeedsConversion = true;
-        ConvertFrame = function;
-    }
-};
-
-std::vector<int32_t> g_converted;
-int32_t FillWithConverter(void* to, int32_t toWidth, int32_t toHeight, int32_t toPitch, int32_t toX, int32_t toY,
-                          int32_t toRectWidth, int32_t toRectHeight, const void* from, int32_t fromWidth,
-                          int32_t fromHeight, int32_t fromPitch, int32_t fromX, int32_t fromY, int32_t fromRectWidth,
-                          int32_t fromRectHeight) {
-    g_converted = {toWidth,   toHeight,   toPitch,   toX,   toY,   toRectWidth,   toRectHeight,
-                   fromWidth, fromHeight, fromPitch, fromX, fromY, fromRectWidth, fromRectHeight};
-    std::fill_n(static_cast<uint32_t*>(to), static_cast<size_t>(toWidth * toHeight),
-                *static_cast<const uint32_t*>(from));
-    return 0;
-}
-
-TEST(VizWindowProbeTest, TheConverterFillsTheWholeSurface) {
-    const ParentWindow parent;
-    ProbeWindow window(nullptr, parent.Handle());
-    window.Resize(640, 480);
-    ShowWindow(window.GetWindowHandle(), SW_SHOW);
-    window.UseConverter(FillWithConverter);
-    *static_cast<uint32_t*>(window.GetFrontPixels()) = 0x00123456;
-    window.ReleaseFront();
-    window.Present(true);
-    EXPECT_EQ(g_converted, (std::vector<int32_t>{640, 480, -2560, 0, 0, 640, 480, 320, 240, -1280, 0, 0, 320, 240}));
-    EXPECT_EQ(Picture(window.GetWindowHandle()).FirstOtherThan(0x00123456), -1);
 }
 
 TEST(VizWindowLifeTest, TheClassGoesWithTheLastWindow) {

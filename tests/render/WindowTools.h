@@ -9,15 +9,20 @@ inline constexpr int kDisplayWidth = 1600;
 inline constexpr int kDisplayHeight = 1000;
 
 // No effect, and none needed, if another test of the process was first.
-inline void UseMemoryDisplay() {
-    TdkpUseMemoryDisplay(kDisplayWidth, kDisplayHeight, 32);
+inline void UseMemoryDisplay(int depth = 32) {
+    TdkpUseMemoryDisplay(kDisplayWidth, kDisplayHeight, depth);
+}
+
+// Of a picture in which every pixel differs from its neighbours; coordinates from the top.
+inline uint32_t ColorAt(int x, int y) {
+    return static_cast<uint32_t>(0x010101 + (x << 12) + y) & 0xFFFFFF;
 }
 
 // A visible top-level window of this thread.
 class ParentWindow {
 public:
-    ParentWindow() {
-        UseMemoryDisplay();
+    explicit ParentWindow(int depth = 32) {
+        UseMemoryDisplay(depth);
         WNDCLASSA windowClass = {};
         windowClass.lpfnWndProc = DefWindowProcA;
         windowClass.lpszClassName = "RenderTestParent";

@@ -18,6 +18,7 @@ public:
         EXPECT_EQ(after.windows, before_.windows);
         EXPECT_EQ(after.gdiObjects, before_.gdiObjects);
         EXPECT_EQ(after.threads, before_.threads);
+        EXPECT_EQ(after.directDraw, before_.directDraw);
     }
 
 private:

@@ -60,10 +60,14 @@ std::string TestHost::PluginPath(const std::string& name) {
     return (ProgramFolder() / "Visualizations" / name).string();
 }
 
-TestHost::TestHost() : engine(&firstEngine) {
+TestHost::TestHost(const std::string& codecs) : engine(&firstEngine) {
     parent_ = MakeParent();
     library_ = LoadLibraryA((fs::path(STAGE_DIR) / "tdkviz.so").c_str());
     if (!library_) throw std::runtime_error("the add-on can't be loaded");
+    if (!codecs.empty()) {
+        const std::string block = "DT_Codecs=" + codecs + std::string(1, '\0');
+        SymbolOf<SetDLLAccessPathFunction>(library_, kSetDLLAccessPathName)(block.c_str());
+    }
     auto create = SymbolOf<TKCreateInstanceFunction>(library_, kCreateInstanceName);
     IUnknown* made = nullptr;
     EXPECT_EQ(create(&made), S_OK);

@@ -59,7 +59,8 @@ public:
     static void InstallPlugins(const std::vector<std::string>& files);
     static std::string PluginPath(const std::string& name);
 
-    TestHost();
+    // `codecs`: the folder of colour converters, or "" for none.
+    explicit TestHost(const std::string& codecs = "");
     ~TestHost();
     TestHost(const TestHost&) = delete;
 

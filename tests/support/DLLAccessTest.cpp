@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <set>
 #include <string>
+#include <thread>
 
 #include "src/support/PathName.h"
 #include "tests/support/TemporaryFolder.h"
@@ -42,6 +43,21 @@ TEST(DLLAccessPath, Blocks) {
     EXPECT_EQ(table.PassTo(KeepBlock), S_OK);
     EXPECT_EQ(lastBlock,
               (std::set<std::string>{"DT_Plugins=C:\\x\\", "DT_Codecs=/before/", "Mine=/a=b/", "dt_common=/c" + own}));
+}
+
+TEST(DLLAccessPath, ACopyStandsWhileTheFolderIsReplaced) {
+    const std::string folders[] = {"/a longer folder/", "/another folder/"};
+    DLLAccessPath table;
+    EXPECT_TRUE(table.CopyPath(DLLKind::Codecs).IsEmpty());
+    table.SetPath(DLLKind::Codecs, folders[0].c_str());
+    std::thread host([&] {
+        for (size_t i = 0; i < 2000; ++i) table.SetPath(DLLKind::Codecs, folders[i % 2].c_str());
+    });
+    for (int i = 0; i < 2000; ++i) {
+        const CNQString copy = table.CopyPath(DLLKind::Codecs);
+        EXPECT_TRUE(copy.GetText() == folders[0] || copy.GetText() == folders[1]) << copy.GetText();
+    }
+    host.join();
 }
 
 TEST(DLLAccess, OpensByKindAndHandsTheTableOn) {

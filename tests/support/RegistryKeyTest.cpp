@@ -57,7 +57,7 @@ TEST_F(RegistryKeyTest, Numbers) {
     key_.SetNumber("Value", 0xFFFFFFFE);
     EXPECT_TRUE(key_.GetNumber("VALUE", 9, &number));
     EXPECT_EQ(number, 0xFFFFFFFE);
-    key_.SetString("Value", "5");
+    key_.SetString("vALUE", "5");
     EXPECT_FALSE(key_.GetNumber("Value", 3, &number));
     EXPECT_EQ(number, 3u);
 }

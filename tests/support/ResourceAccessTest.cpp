@@ -50,5 +50,36 @@ TEST(ResourceAccess, StartsLateAndResolvesTags) {
     StopResourceAccess();
 }
 
+TEST(ResourceAccess, TakesTheHostsLibraryBeforeTheOneBesideTheProgram) {
+    namespace fs = std::filesystem;
+    const TemporaryFolder folder;
+    GetDLLAccessPath()->SetPath(DLLKind::Common, folder.Path().c_str());
+    const std::string hosts = folder.File("nqrs3260.so");
+    const std::string beside = fs::canonical("/proc/self/exe").parent_path() / "nqrs3260.so";
+    // Which library answers, tried twice.
+    const auto answers = [&](const std::string& file) {
+        DLLAccess spy;
+        spy.Open(file.c_str(), DLLKind::NotDef);
+        const auto lastCall = reinterpret_cast<const char* (*)()>(spy.GetSymbol("LastCall"));
+        bool told = true;
+        for (const uint32_t id : {0x10007u, 0x10008u}) {
+            LoadResourceBitmap(id);
+            told = told && lastCall && lastCall() == "LoadBitmap " + std::to_string(id);
+        }
+        StopResourceAccess();
+        return told;
+    };
+    EXPECT_FALSE(answers(hosts));
+    fs::copy_file(TestLibrary("ResourceManager.tkv"), beside);
+    EXPECT_TRUE(answers(beside));
+    fs::copy_file(TestLibrary("NoExport.tkv"), hosts);
+    EXPECT_FALSE(answers(beside)) << "a library without the entry is taken all the same";
+    fs::remove(hosts);
+    fs::copy_file(TestLibrary("ResourceManager.tkv"), hosts);
+    EXPECT_TRUE(answers(hosts));
+    EXPECT_FALSE(answers(beside));
+    fs::remove(beside);
+}
+
 }  // namespace
 }  // namespace tdkviz

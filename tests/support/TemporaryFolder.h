@@ -9,8 +9,8 @@
 
 class TemporaryFolder {
 public:
-    TemporaryFolder() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "tdkvizXXXXXX").string();
+    explicit TemporaryFolder(const std::filesystem::path& parent = std::filesystem::temp_directory_path()) {
+        std::string pattern = (parent / "tdkvizXXXXXX").string();
         path_ = mkdtemp(pattern.data());
     }
     ~TemporaryFolder() {

@@ -76,29 +76,4 @@ TEST_F(DisplayChoiceTest, IsMadeAnewAfterTheLastWindow) {
     }
 }
 
-// Draws on the memory display of this depth and looks at it. True if all is as it should be.
-bool WorksInMemory(int depth) {
-    constexpr int kWidth = 20;
-    constexpr int kHeight = 10;
-    if (TdkpUseMemoryDisplay(640, 480, 17) || TdkpUseMemoryDisplay(0, 480, depth)) return false;
-    if (!TdkpUseMemoryDisplay(640, 480, depth)) return false;
-    AppWindow window(0, 0, 0, kWidth, kHeight);
-    window.Fill({0, 0, kWidth, kHeight}, RGB(255, 0, 0));
-    window.Fill({kWidth - 1, kHeight - 1, kWidth, kHeight}, RGB(255, 255, 255));
-    DWORD pixels[kWidth * kHeight] = {};
-    int width = 0;
-    int height = 0;
-    const bool read = TdkpReadWindow(window.Handle(), pixels, kWidth * kHeight, &width, &height);
-    const bool tooLate = !TdkpUseMemoryDisplay(640, 480, depth);
-    return read && tooLate && pixels[0] == 0xFF0000 && pixels[kWidth * kHeight - 1] == 0xFFFFFF;
-}
-
-// What a process asks for once holds until its end, so each case has a process of its own.
-TEST_F(DisplayChoiceTest, MemoryThatIsAskedForHasEveryDepth) {
-    for (const int depth : {32, 16, 15, 8}) {
-        SCOPED_TRACE(depth);
-        EXPECT_EXIT(std::_Exit(WorksInMemory(depth) ? 0 : 1), testing::ExitedWithCode(0), "");
-    }
-}
-
 }  // namespace

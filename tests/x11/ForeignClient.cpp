@@ -73,6 +73,12 @@ xcb_window_t ForeignClient::MakeWindow(int x, int y, int width, int height) {
     return window;
 }
 
+void ForeignClient::Move(xcb_window_t window, int x, int y) {
+    const uint32_t place[] = {static_cast<uint32_t>(x), static_cast<uint32_t>(y)};
+    xcb_configure_window(connection_, window, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y, place);
+    Wait();
+}
+
 void ForeignClient::Hide(xcb_window_t window) {
     xcb_unmap_window(connection_, window);
     Wait();
@@ -187,11 +193,29 @@ std::string ForeignClient::TextProperty(xcb_window_t window, const char* name) {
                        static_cast<size_t>(xcb_get_property_value_length(reply.get())));
 }
 
+uint32_t ForeignClient::NumberProperty(xcb_window_t window, const char* name) {
+    const std::string bytes = TextProperty(window, name);
+    uint32_t number = 0;
+    if (bytes.size() == sizeof(number)) std::memcpy(&number, bytes.data(), sizeof(number));
+    return number;
+}
+
 std::vector<xcb_window_t> ForeignClient::ChildrenOf(xcb_window_t window) {
     const auto reply = Own(xcb_query_tree_reply(connection_, xcb_query_tree(connection_, window), nullptr));
     if (!reply) return {};
     const xcb_window_t* children = xcb_query_tree_children(reply.get());
     return {children, children + xcb_query_tree_children_length(reply.get())};
+}
+
+std::pair<int, int> ForeignClient::CornerOf(xcb_window_t window) {
+    const auto cookie = xcb_translate_coordinates(connection_, window, Root(), 0, 0);
+    const auto reply = Own(xcb_translate_coordinates_reply(connection_, cookie, nullptr));
+    return reply ? std::pair<int, int>(reply->dst_x, reply->dst_y) : std::pair(-1, -1);
+}
+
+xcb_window_t ForeignClient::Focus() {
+    const auto reply = Own(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
+    return reply ? reply->focus : 0;
 }
 
 void ForeignClient::MoveMouse(int x, int y) {
@@ -204,12 +228,6 @@ void ForeignClient::Button(int number, bool down) {
 
 void ForeignClient::Key(uint32_t keysym, bool down) {
     FakeInput(down ? XCB_KEY_PRESS : XCB_KEY_RELEASE, KeycodeOf(keysym), 0, 0);
-}
-
-void ForeignClient::AddKey(uint32_t keysym) {
-    // Nothing is on that key otherwise.
-    xcb_change_keyboard_mapping(connection_, 1, xcb_get_setup(connection_)->max_keycode, 1, &keysym);
-    Wait();
 }
 
 xcb_atom_t ForeignClient::Atom(const char* name) {

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 struct ScreenColor {
@@ -25,6 +26,7 @@ public:
 
     // Shown, above all others, painted white. No window manager is asked.
     xcb_window_t MakeWindow(int x, int y, int width, int height);
+    void Move(xcb_window_t window, int x, int y);
     void Hide(xcb_window_t window);
     void Unhide(xcb_window_t window);
     void Destroy(xcb_window_t window);
@@ -46,13 +48,17 @@ public:
     ScreenColor WaitForColor(int x, int y, const ScreenColor& color, int tolerance);
 
     std::string TextProperty(xcb_window_t window, const char* name);
+    // A property of one number; 0 if there is none.
+    uint32_t NumberProperty(xcb_window_t window, const char* name);
     std::vector<xcb_window_t> ChildrenOf(xcb_window_t window);
+    // Its upper left corner on the screen, as x and y.
+    std::pair<int, int> CornerOf(xcb_window_t window);
 
+    // Who has the keyboard.
+    xcb_window_t Focus();
     void MoveMouse(int x, int y);
     void Button(int number, bool down);
     void Key(uint32_t keysym, bool down);
-    // Gives the keyboard another key.
-    void AddKey(uint32_t keysym);
 
 private:
     xcb_atom_t Atom(const char* name);

@@ -1,187 +1,247 @@
-// A picture to paint on: hides pitch and orientation, draws smooth lines and rectangles.
+// A picture to paint on: hides pitch and orientation, clips everything, draws smooth strokes and lights.
+// All pixels are worked out in integers, a few operations each.
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
+
+#include "Color.h"
 
 namespace viz {
-
-// Parts from 0 to 1.
-struct Color {
-    float R, G, B;
-};
-
-inline Color Scale(Color color, float factor) {
-    return {color.R * factor, color.G * factor, color.B * factor};
-}
-
-inline Color Mix(Color from, Color to, float share) {
-    return {from.R + (to.R - from.R) * share, from.G + (to.G - from.G) * share, from.B + (to.B - from.B) * share};
-}
-
-// The colour circle from 0 to 1: red, yellow, green, cyan, blue, violet. White at saturation 0.
-inline Color FromHue(float hue, float saturation, float brightness) {
-    const auto part = [&](float offset) {
-        const float turn = (hue + offset - std::floor(hue + offset)) * 6;
-        const float pure = std::clamp(std::fabs(turn - 3) - 1, 0.0F, 1.0F);
-        return brightness * (1 - saturation + saturation * pure);
-    };
-    return {part(0), part(2.0F / 3), part(1.0F / 3)};
-}
 
 // Pixels from the top left corner; the middle of the first pixel is 0.5, 0.5.
 struct Point {
     float X, Y;
 };
 
-// A crisp line of Width pixels in a glow that reaches GlowRadius pixels from its middle.
-struct Pen {
-    float Width;
-    float GlowRadius;
-    float GlowStrength;  // 0 to 1, beside the line
+// A crisp line of `width` pixels in a glow that reaches `glowRadius` pixels from its middle and has
+// `glowStrength` (0 to 1) beside the line.
+class Pen {
+public:
+    Pen(float width, float glowRadius = 0, float glowStrength = 0)
+        : reach_(std::min(std::max(width / 2 + 0.5F, glowRadius), kLongestReach)) {
+        const float solid = std::min(1.0F, width);
+        const int end = static_cast<int>(reach_ * kSteps);
+        for (int i = 0; i < end; ++i) {
+            const float distance = static_cast<float>(i) / kSteps;
+            const float line = std::clamp(width / 2 + 0.5F - distance, 0.0F, 1.0F) * solid;
+            const float nearness = glowRadius > distance ? 1 - distance / glowRadius : 0;
+            shares_[i] = ShareOf(std::max(line, nearness * nearness * glowStrength)) * kLanes;
+        }
+        for (int i = end; i < end + 2 * kSteps; ++i) shares_[i] = 0;
+    }
+    float Reach() const { return reach_; }
+    // How much of the colour, of 256, at a distance in 1/8 pixel of at most a pixel beyond the reach: the same
+    // number in four lanes of 16 bits.
+    uint64_t LanesAt(int distance) const { return shares_[distance]; }
+    uint32_t ShareAt(int distance) const { return static_cast<uint16_t>(shares_[distance]); }
+
+    static constexpr int kSteps = 8;
+
+private:
+    static constexpr uint64_t kLanes = 0x0001000100010001;
+    static constexpr float kLongestReach = 120;
+    float reach_;
+    std::array<uint64_t, static_cast<size_t>(kLongestReach + 2) * kSteps> shares_;
 };
 
 class Canvas {
 public:
     // The arguments of Draw, for the length of that call.
-    Canvas(void* pixels, int width, int height, int pitch)
-        : lowest_(static_cast<uint8_t*>(pixels)), width_(width), height_(height), pitch_(pitch) {}
+    Canvas(void* pixels, int width, int height, int pitch) : width_(width), height_(height), stride_(pitch) {
+        // With a negative pitch the first row in memory is the lowest on screen.
+        top_ = static_cast<uint8_t*>(pixels) + (pitch < 0 ? (height - 1) * -stride_ : 0);
+    }
 
     int Width() const { return width_; }
     int Height() const { return height_; }
+    float Smaller() const { return static_cast<float>(std::min(width_, height_)); }
+    // The width of a fine line: pictures of any size look alike.
+    float Unit() const { return std::max(1.0F, Smaller() / 240); }
 
     // Row y from the top as 0x00RRGGBB words.
-    uint32_t* Row(int y) const {
-        const int inMemory = pitch_ < 0 ? height_ - 1 - y : y;
-        return reinterpret_cast<uint32_t*>(lowest_ + static_cast<int64_t>(inMemory) * std::abs(pitch_));
-    }
+    Color* Row(int y) const { return reinterpret_cast<Color*>(top_ + y * stride_); }
 
-    // Keeps `share`/256 of all brightness, then takes away `less` (0 to 255) more: everything gets black in
-    // the end, where a share alone leaves a grey that never goes.
-    void Dim(uint32_t share, uint32_t less) const {
+    // Keeps `share`/256 of all brightness, less one: everything gets black in the end.
+    void Dim(uint16_t share) const {
         for (int y = 0; y < height_; ++y) {
-            uint32_t* row = Row(y);
-            for (int x = 0; x < width_; ++x) {
-                const uint32_t redBlue = Less((row[x] & kRedBlue) * share >> 8 & kRedBlue, less);
-                const uint32_t green = Less((row[x] >> 8 & 0xFF) * share >> 8, less);
-                row[x] = redBlue | green << 8;
+            auto* bytes = reinterpret_cast<uint8_t*>(Row(y));
+            const int count = width_ * 4;
+            for (int i = 0; i < count; ++i) {
+                const auto kept = static_cast<uint16_t>(bytes[i] * share) >> 8;
+                bytes[i] = static_cast<uint8_t>(kept - (kept > 0));
             }
         }
     }
 
-    // Covers a part (0 to 1) of a pixel with a colour.
-    static void Cover(uint32_t& pixel, Color color, float part) {
-        const auto mix = [&](int shift, float to) {
-            const auto from = static_cast<float>(pixel >> shift & 255);
-            const float value = from + (std::clamp(to, 0.0F, 1.0F) * 255 - from) * part;
-            return static_cast<uint32_t>(value + 0.5F) << shift;
-        };
-        pixel = mix(16, color.R) | mix(8, color.G) | mix(0, color.B);
-    }
-
-    // Makes a pixel at least as bright as this part (0 to 1) of a colour: strokes that meet leave no beads.
-    static void Light(uint32_t& pixel, Color color, float part) { Lift(pixel, Bytes(color), part); }
-
-    // A rectangle with smooth edges whose colour at height y is colorAt(y).
-    template <typename ColorAt>
-    void Fill(float left, float top, float right, float bottom, ColorAt colorAt) const {
-        left = std::max(left, 0.0F);
-        top = std::max(top, 0.0F);
-        const int endX = std::min(width_, static_cast<int>(std::ceil(right)));
-        const int endY = std::min(height_, static_cast<int>(std::ceil(bottom)));
-        for (int y = static_cast<int>(top); y < endY; ++y) {
-            const float high = std::min<float>(bottom, y + 1.0F) - std::max<float>(top, static_cast<float>(y));
-            const Color color = colorAt(y + 0.5F);
-            uint32_t* row = Row(y);
-            for (int x = static_cast<int>(left); x < endX; ++x) {
-                const float wide = std::min<float>(right, x + 1.0F) - std::max<float>(left, static_cast<float>(x));
-                if (high > 0 && wide > 0) Cover(row[x], color, high * wide);
-            }
+    // Takes `less` off every byte: what the effects fade too slowly to end gets black.
+    void Sink(uint8_t less) const {
+        for (int y = 0; y < height_; ++y) {
+            auto* bytes = reinterpret_cast<uint8_t*>(Row(y));
+            const int count = width_ * 4;
+            for (int i = 0; i < count; ++i) bytes[i] = static_cast<uint8_t>(std::max(bytes[i], less) - less);
         }
     }
 
-    // Lights the columns between a line, which goes to the right, and a level one at height `rest`: full at
-    // the line, nothing at the other.
-    void Veil(Point from, Point to, float rest, Color color) const {
-        for (int x = ClampTo(std::round(from.X), width_); x < ClampTo(std::round(to.X), width_); ++x) {
-            const float y = from.Y + (to.Y - from.Y) * std::clamp((x + 0.5F - from.X) / (to.X - from.X), 0.0F, 1.0F);
-            const float depth = std::fabs(y - rest);
-            const int end = ClampTo(std::max(y, rest), height_);
-            for (int row = ClampTo(std::min(y, rest), height_); row < end; ++row) {
-                Light(Row(row)[x], color, std::clamp(std::fabs(row + 0.5F - rest) / depth, 0.0F, 1.0F));
-            }
+    void Clear(Color color = 0) const {
+        for (int y = 0; y < height_; ++y) std::fill_n(Row(y), width_, color);
+    }
+
+    // Whole pixels from `left` to before `right`.
+    void FillRow(int y, int left, int right, Color color) const {
+        if (y < 0 || y >= height_) return;
+        Color* row = Row(y);
+        for (int x = std::max(left, 0); x < std::min(right, width_); ++x) row[x] = color;
+    }
+
+    // A stroke with flat ends, each carried on by `overlap` pixels so that pieces of a curve join without a
+    // gap. It lifts pixels to its own brightness; strokes that meet leave no beads.
+    void Stroke(Point from, Point to, Color color, const Pen& pen, float overlap = 1) const {
+        const float length = std::sqrt(Square(to.X - from.X) + Square(to.Y - from.Y));
+        if (!(length < kTooFar)) return;
+        const float ux = length > 0.001F ? (to.X - from.X) / length : 1;
+        const float uy = length > 0.001F ? (to.Y - from.Y) / length : 0;
+        const float reach = pen.Reach();
+        const float rise = std::fabs(uy) * overlap + std::fabs(ux) * reach;
+        const Slope along(ux), across(uy);
+        const int end = ClampTo(std::max(from.Y, to.Y) + rise + 1, height_);
+        const auto step = static_cast<int32_t>(uy * kOne);
+        for (int y = ClampTo(std::min(from.Y, to.Y) - rise, height_); y < end; ++y) {
+            const float py = static_cast<float>(y) + 0.5F - from.Y;
+            float left = -kTooFar, right = kTooFar;
+            along.Narrow(left, right, -overlap - py * uy, length + overlap - py * uy);
+            across.Narrow(left, right, py * ux - reach, py * ux + reach);
+            const int first = ClampTo(from.X + left + 0.5F, width_);
+            const int last = ClampTo(from.X + right + 0.5F, width_);
+            const float off = (static_cast<float>(first) + 0.5F - from.X) * uy - py * ux;
+            StrokeRow(Row(y) + first, last - first, static_cast<int32_t>(off * kOne), step, color, pen);
         }
     }
 
-    // A straight stroke with round ends.
-    void Stroke(Point from, Point to, Color color, const Pen& pen) const {
-        const float reach = std::max(pen.Width / 2 + 0.5F, pen.GlowRadius);
-        const float dx = to.X - from.X;
-        const float dy = to.Y - from.Y;
-        const float square = dx * dx + dy * dy;
-        const uint32_t bytes = Bytes(color);
-        const float slant = std::sqrt(square) / std::max(std::fabs(dy), 0.01F);
-        const int firstY = ClampTo(std::min(from.Y, to.Y) - reach, height_);
-        const int endY = ClampTo(std::max(from.Y, to.Y) + reach + 1, height_);
-        for (int y = firstY; y < endY; ++y) {
-            const float centreY = y + 0.5F;
-            // Of the row, only what lies within reach of the line.
-            float left = std::min(from.X, to.X);
-            float right = std::max(from.X, to.X);
-            if (std::fabs(dy) > 0.01F) {
-                const float cross = from.X + (centreY - from.Y) / dy * dx;
-                left = std::max(left, cross - reach * slant);
-                right = std::min(right, cross + reach * slant);
-            }
-            const int firstX = ClampTo(left - reach, width_);
-            const int endX = ClampTo(right + reach + 1, width_);
-            uint32_t* row = Row(y);
-            for (int x = firstX; x < endX; ++x) {
-                const float px = x + 0.5F - from.X;
-                const float py = centreY - from.Y;
-                const float along = square > 0 ? std::clamp((px * dx + py * dy) / square, 0.0F, 1.0F) : 0.0F;
-                const float offX = px - along * dx;
-                const float offY = py - along * dy;
-                const float distance = offX * offX + offY * offY;
-                if (distance < reach * reach) Lift(row[x], bytes, PartOf(pen, std::sqrt(distance)));
-            }
-        }
+    // A soft round light that adds to what is there: full in the middle, nothing at `radius`.
+    void Light(Point centre, float radius, Color color) const { Disc(centre, radius, color, Add); }
+
+    // The same, but lifts pixels to its own brightness: it can be repeated without growing.
+    void Blot(Point centre, float radius, Color color) const { Disc(centre, radius, color, Lift); }
+
+    // Adds, byte by byte, up to 255.
+    static void Add(Color& pixel, Color color) {
+        uint32_t redBlue = (pixel & 0xFF00FF) + (color & 0xFF00FF);
+        uint32_t green = (pixel & 0xFF00) + (color & 0xFF00);
+        redBlue |= (redBlue & 0x1000100) - ((redBlue & 0x1000100) >> 8);
+        green |= (green & 0x10000) - ((green & 0x10000) >> 8);
+        pixel = (redBlue & 0xFF00FF) | (green & 0xFF00);
     }
 
-private:
-    static constexpr uint32_t kRedBlue = 0xFF00FF;
+    // Makes each byte at least as bright as the colour's.
+    static void Lift(Color& pixel, Color color) {
+        pixel = Higher<0xFF00FF>(pixel, color) | Higher<0x00FF00>(pixel, color);
+    }
 
-    // Two bytes in lanes of 16 bits, each less an amount but not below 0.
-    static uint32_t Less(uint32_t lanes, uint32_t amount) {
-        const uint32_t rest = (lanes | 0x01000100) - amount * 0x00010001;
-        return rest & (rest >> 8 & 0x00010001) * 0xFF;
-    }
-    static uint32_t Bytes(Color color) {
-        uint32_t pixel = 0;
-        Cover(pixel, color, 1);
-        return pixel;
-    }
-    static void Lift(uint32_t& pixel, uint32_t color, float part) {
-        const auto share = static_cast<uint32_t>(part * 256);
-        const uint32_t redBlue = (color & kRedBlue) * share >> 8 & kRedBlue;
-        const uint32_t green = (color & 0xFF00) * share >> 8 & 0xFF00;
-        pixel = std::max(pixel & 0xFF0000, redBlue & 0xFF0000) | std::max(pixel & 0xFF00, green) |
-                std::max(pixel & 0xFF, redBlue & 0xFF);
-    }
     static int ClampTo(float value, int limit) {
         return static_cast<int>(std::clamp(value, 0.0F, static_cast<float>(limit)));
     }
-    static float PartOf(const Pen& pen, float distance) {
-        const float line = std::clamp(pen.Width / 2 + 0.5F - distance, 0.0F, 1.0F);
-        const float nearness = std::max(0.0F, 1 - distance / std::max(pen.GlowRadius, 0.01F));
-        return std::max(line * std::min(1.0F, pen.Width), nearness * nearness * pen.GlowStrength);
+
+private:
+    static constexpr float kTooFar = 30000;
+    static constexpr float kOne = 65536;
+    static constexpr int kToPenSteps = 13;  // from 1/65536 of a pixel to 1/8
+
+    // Limits a range of x to where low <= x * slope <= high.
+    struct Slope {
+        explicit Slope(float slope) : Flat(std::fabs(slope) < 1e-5F), Inverse(Flat ? 0 : 1 / slope) {}
+        void Narrow(float& left, float& right, float low, float high) const {
+            if (Flat) {
+                if (low > 0 || high < 0) right = left;
+                return;
+            }
+            const float a = low * Inverse;
+            const float b = high * Inverse;
+            left = std::max(left, std::min(a, b));
+            right = std::min(right, std::max(a, b));
+        }
+        bool Flat;
+        float Inverse;
+    };
+
+    template <typename Put>
+    void Disc(Point centre, float radius, Color color, Put put) const {
+        if (!(radius > 0.01F && radius < kTooFar)) return;
+        const float soften = std::min(1.0F, radius * radius);  // smaller than a pixel is fainter
+        radius = std::max(radius, 1.0F);
+        const float scale = 1 / (radius * radius);
+        const float full = soften * 256;
+        const int endY = ClampTo(centre.Y + radius + 0.5F, height_);
+        for (int y = ClampTo(centre.Y - radius, height_); y < endY; ++y) {
+            const float dy = static_cast<float>(y) + 0.5F - centre.Y;
+            const float wide = std::sqrt(std::max(0.0F, radius * radius - dy * dy));
+            const int first = ClampTo(centre.X - wide + 0.5F, width_);
+            const int count = ClampTo(centre.X + wide + 0.5F, width_) - first;
+            const float left = static_cast<float>(first) + 0.5F - centre.X;
+            Color* row = Row(y) + first;
+            for (int i = 0; i < count; ++i) {
+                const float dx = left + static_cast<float>(i);
+                const float nearness = 1 - (dx * dx + dy * dy) * scale;
+                put(row[i], Shade(color, static_cast<uint32_t>(static_cast<int>(nearness * nearness * full))));
+            }
+        }
     }
 
-    uint8_t* lowest_;
+    using Bytes = uint8_t __attribute__((vector_size(16)));
+    using Words = uint16_t __attribute__((vector_size(16)));
+
+    // Two pixels of a colour given as eight words, by their shares.
+    static Words ShadePair(Words color, uint64_t first, uint64_t second) {
+        const uint64_t shares[2] = {first, second};
+        Words words;
+        std::memcpy(&words, shares, sizeof words);
+        return color * words >> 8;
+    }
+
+    // Pixels at distances that change by `step`, in 1/65536 of a pixel, from the middle of the stroke.
+    static void StrokeRow(Color* pixels, int count, int32_t off, int32_t step, Color color, const Pen& pen) {
+        const auto next = [&] {
+            const int distance = std::abs(off) >> kToPenSteps;
+            off += step;
+            return distance;
+        };
+        const auto blue = static_cast<uint16_t>(color & 255), green = static_cast<uint16_t>(color >> 8 & 255),
+                   red = static_cast<uint16_t>(color >> 16 & 255);
+        const Words wide = {blue, green, red, 0, blue, green, red, 0};
+        int i = 0;
+        for (; i + 4 <= count; i += 4) {
+            const int a = next(), b = next(), c = next(), d = next();
+            const Words left = ShadePair(wide, pen.LanesAt(a), pen.LanesAt(b));
+            const Words right = ShadePair(wide, pen.LanesAt(c), pen.LanesAt(d));
+            const Bytes light = __builtin_shufflevector(reinterpret_cast<Bytes>(left), reinterpret_cast<Bytes>(right),
+                                                        0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30);
+            Bytes place;
+            std::memcpy(&place, pixels + i, sizeof place);
+            place = place > light ? place : light;
+            std::memcpy(pixels + i, &place, sizeof place);
+        }
+        for (; i < count; ++i) Lift(pixels[i], Shade(color, pen.ShareAt(next())));
+    }
+
+    // The higher of each of the bytes in `lanes`, which have a free bit above them.
+    template <uint32_t lanes>
+    static uint32_t Higher(uint32_t a, uint32_t b) {
+        constexpr uint32_t kAbove = (lanes << 1) & ~lanes & 0x1010100;
+        a &= lanes;
+        b &= lanes;
+        const uint32_t notBelow = ((a | kAbove) - b) & kAbove;
+        return b ^ ((a ^ b) & (notBelow - (notBelow >> 8)));
+    }
+
+    static float Square(float value) { return value * value; }
+
+    uint8_t* top_;
     int width_;
     int height_;
-    int pitch_;
+    int64_t stride_;
 };
 
 }  // namespace viz

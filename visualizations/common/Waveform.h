@@ -26,15 +26,42 @@ public:
         level_ += (now - level_) * (now > level_ ? 0.6F : 0.15F);
         const auto newPeak = static_cast<float>(peak);
         peak_ = newPeak > peak_ ? peak_ + (newPeak - peak_) * 0.5F : peak_ + (newPeak - peak_) * 0.02F;
+        presence_ = std::clamp(presence_ + (peak > 1 ? 0.1F : -0.007F), 0.0F, 1.0F);
         return level_;
     }
     float Level() const { return level_; }
     // What brings quiet music to a size worth looking at, and leaves silence alone.
     float Gain() const { return 1 / std::max(peak_, 24.0F); }
+    // 1 while there is music, then down to 0 within seconds of silence.
+    float Presence() const { return presence_; }
 
 private:
     float level_ = 0;
     float peak_ = 0;
+    float presence_ = 0;
+};
+
+// The needle of a volume meter. It has mass: it is late, and swings a little past its mark.
+struct Needle {
+    static constexpr float kFullScale = 1.41254F;  // +3 dB, the right end of the scale
+    static constexpr float kZeroLevel = 38;        // the root of the mean square, in sample units, that reads 0 dB
+
+    float Place = 0;  // 0 at the left end, 1 at the right one
+    float Speed = 0;
+    float Lamp = 0;  // 1 when the samples have come near their limit, then down to 0
+
+    void Follow(const int8_t* samples) {
+        float square = 0;
+        int peak = 0;
+        for (int i = 0; i < kWaveformSamples; ++i) {
+            square += static_cast<float>(samples[i] * samples[i]);
+            peak = std::max(peak, std::abs(samples[i]));
+        }
+        const float volts = std::sqrt(square / kWaveformSamples) / kZeroLevel;
+        Speed = (Speed + (std::min(volts / kFullScale, 1.1F) - Place) * 0.34F) * 0.56F;
+        Place = std::clamp(Place + Speed, 0.0F, 1.06F);
+        Lamp = peak > 118 ? 1 : Lamp * 0.86F;
+    }
 };
 
 // Part of the 512 samples, from a rising zero crossing on, so that a steady tone stands still.

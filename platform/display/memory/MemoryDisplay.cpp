@@ -53,6 +53,13 @@ const uint32_t* MemoryDisplay::Palette() const {
     return format_ == PixelFormat::kIndexed8 ? FixedPalette().data() : nullptr;
 }
 
+bool MemoryDisplay::ChangeDepth(int depth) {
+    const PixelFormat format = FormatOfDepth(depth);
+    if (format == PixelFormat::kNone) return false;
+    format_ = format;
+    return true;
+}
+
 WindowId MemoryDisplay::CreateWindow(const DisplayWindowInfo& info) {
     const LayerGuard guard(mutex_);
     if (info.parent != 0 && windows_.count(info.parent) == 0) return 0;
@@ -106,12 +113,13 @@ bool MemoryDisplay::MakePicture(WindowId id, int width, int height, Raster* rast
     const auto found = windows_.find(id);
     if (found == windows_.end() || width <= 0 || height <= 0 || width > kMaxSide || height > kMaxSide) return false;
     Window& window = found->second;
-    if (window.raster.width != width || window.raster.height != height) {
-        const int32_t pitch = PicturePitch(format_, width);
+    const PixelFormat format = format_;
+    if (window.raster.width != width || window.raster.height != height || window.raster.format != format) {
+        const int32_t pitch = PicturePitch(format, width);
         std::unique_ptr<uint8_t[]> pixels(new (std::nothrow) uint8_t[static_cast<size_t>(pitch) * height]());
         if (!pixels) return false;
         window.pixels = std::move(pixels);
-        window.raster = {window.pixels.get(), pitch, width, height, format_, Palette()};
+        window.raster = {window.pixels.get(), pitch, width, height, format, Palette()};
     }
     *raster = window.raster;
     return true;

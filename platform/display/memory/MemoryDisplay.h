@@ -1,6 +1,7 @@
 // A display without a server: the tree of windows with their places, and pictures in plain memory.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -25,6 +26,8 @@ public:
     explicit MemoryDisplay(const MemoryDisplayMode& mode);
 
     PixelFormat Format() const override { return format_; }
+    // False for a depth that isn't one. Windows keep the pictures that they have until they are sized.
+    bool ChangeDepth(int depth);
     SIZE ScreenSize() const override { return size_; }
     const uint32_t* Palette() const override;
 
@@ -60,7 +63,7 @@ private:
         Raster raster;
     };
 
-    const PixelFormat format_;
+    std::atomic<PixelFormat> format_;
     const SIZE size_;
     mutable LayerMutex mutex_;
     std::unordered_map<WindowId, Window> windows_;  // guarded by mutex_

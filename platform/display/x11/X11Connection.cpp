@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstdlib>
 #include <cstring>
 #include <iterator>
 
@@ -59,21 +60,24 @@ bool HasMachineByteOrder(const xcb_setup_t* setup) {
 }  // namespace
 
 std::shared_ptr<X11Connection> X11Connection::Open() {
+    const char* const named = std::getenv("DISPLAY");
+    const std::string display = named != nullptr ? named : "";
     int number = 0;
-    xcb_connection_t* connection = xcb_connect(nullptr, &number);
+    xcb_connection_t* connection = xcb_connect(display.empty() ? nullptr : display.c_str(), &number);
     if (xcb_connection_has_error(connection) == 0) {
         const xcb_setup_t* setup = xcb_get_setup(connection);
         xcb_screen_t* screen = ScreenOf(setup, number);
         const std::optional<X11Visual> visual = ChooseX11Visual(*setup, *screen);
         if (visual && HasMachineByteOrder(setup))
-            return std::shared_ptr<X11Connection>(new X11Connection(connection, screen, *visual));
+            return std::shared_ptr<X11Connection>(new X11Connection(connection, display, screen, *visual));
     }
     xcb_disconnect(connection);
     return nullptr;
 }
 
-X11Connection::X11Connection(xcb_connection_t* connection, xcb_screen_t* screen, const X11Visual& visual)
-    : connection_(connection), screen_(screen), visual_(visual), colormap_(screen->default_colormap) {
+X11Connection::X11Connection(xcb_connection_t* connection, const std::string& display, xcb_screen_t* screen,
+                             const X11Visual& visual)
+    : connection_(connection), puts_(display), screen_(screen), visual_(visual), colormap_(screen->default_colormap) {
     SkipUsedIds();
     if (visual_.type.visual_id != screen_->root_visual) {
         colormap_ = xcb_generate_id(connection_);

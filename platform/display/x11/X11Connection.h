@@ -6,7 +6,9 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <string>
 
+#include "platform/display/x11/X11PutChannel.h"
 #include "platform/display/x11/X11Visual.h"
 
 namespace tdkp {
@@ -40,8 +42,6 @@ public:
     xcb_window_t MakeWindowId() const;
 
     void Flush() const { xcb_flush(connection_); }
-    // Comes back when the server has carried out all that was asked before.
-    void WaitForServer() const;
     // Wakes whoever waits for the server: the connection is of no use after that.
     void Break() const;
 
@@ -49,6 +49,8 @@ public:
     uint32_t MaxPixelBytes() const { return maxPixelBytes_; }
     // Starts as whether the server has the extension; cleared by the first segment that it can't attach.
     std::atomic<bool> sharesMemory{false};
+    // The way of pictures in shared memory.
+    X11PutChannel& Puts() { return puts_; }
 
     // Does a window manager run that serves the _NET_ hints?
     bool HasWindowManager() const;
@@ -56,13 +58,17 @@ public:
     xcb_window_t WindowProperty(xcb_window_t window, xcb_atom_t property) const;
 
 private:
-    X11Connection(xcb_connection_t* connection, xcb_screen_t* screen, const X11Visual& visual);
+    X11Connection(xcb_connection_t* connection, const std::string& display, xcb_screen_t* screen,
+                  const X11Visual& visual);
     void SkipUsedIds() const;
     void InternAtoms();
     void MakeGc();
     void AskForSharedMemory();
+    // Comes back when the server has carried out all that was asked before.
+    void WaitForServer() const;
 
     xcb_connection_t* const connection_;
+    X11PutChannel puts_;
     xcb_screen_t* const screen_;
     const X11Visual visual_;
     xcb_colormap_t colormap_ = 0;

@@ -41,6 +41,7 @@ WindowId X11Display::CreateWindow(const DisplayWindowInfo& info) {
     const TerminationDeferral deferral;
     X11Window window;
     window.parent = info.topLevel ? 0 : info.parent;
+    window.owner = info.topLevel ? info.owner : 0;
     window.topLevel = info.topLevel;
     window.managed = info.topLevel && !info.menu;
     window.resizable = info.resizable;
@@ -52,6 +53,7 @@ WindowId X11Display::CreateWindow(const DisplayWindowInfo& info) {
         windows_.Remove(id);
         return 0;
     }
+    if (window.owner != 0 && !windows_.Has(window.owner)) WatchForeign(window.owner);
     if (info.topLevel) {
         WriteX11Identity(*connection_, id, info);
         WriteX11SizeHints(*connection_, id, window);
@@ -80,6 +82,12 @@ bool X11Display::CreateOnServer(xcb_window_t id, const X11Window& window) {
     const auto error = X11Reply(xcb_request_check(connection_->Get(), cookie));
     windows_.With(id, [&](X11Window& each) { each.placedAt = cookie.sequence; });
     return !error && xcb_connection_has_error(connection_->Get()) == 0;
+}
+
+// What a window of another client owns goes with it, and only the server tells.
+void X11Display::WatchForeign(WindowId id) {
+    const uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+    xcb_change_window_attributes(connection_->Get(), id, XCB_CW_EVENT_MASK, &events);
 }
 
 void X11Display::DestroyWindow(WindowId id) {

@@ -40,6 +40,7 @@ public:
 
 private:
     bool CreateOnServer(xcb_window_t id, const X11Window& window);
+    void WatchForeign(WindowId window);
     void Place(WindowId window, const X11Place& place);
     void ShowOrHide(WindowId id, bool activate);
 

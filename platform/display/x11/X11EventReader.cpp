@@ -2,10 +2,10 @@
 
 #include <windows.h>
 
-#include <csignal>
 #include <utility>
 
 #include "platform/display/x11/X11Reply.h"
+#include "platform/kernel/SignalsBlocked.h"
 
 namespace tdkp {
 namespace {
@@ -39,22 +39,6 @@ WPARAM KeysOf(uint16_t state) {
     keys |= (state & XCB_MOD_MASK_CONTROL) != 0 ? MK_CONTROL : 0;
     return keys;
 }
-
-// Signals are for the program's threads.
-class SignalsBlocked {
-public:
-    SignalsBlocked() {
-        sigset_t all;
-        sigfillset(&all);
-        pthread_sigmask(SIG_SETMASK, &all, &before_);
-    }
-    ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
-    SignalsBlocked(const SignalsBlocked&) = delete;
-    SignalsBlocked& operator=(const SignalsBlocked&) = delete;
-
-private:
-    sigset_t before_;
-};
 
 template <typename T>
 const T& As(const xcb_generic_event_t& event) {
@@ -152,15 +136,16 @@ void X11EventReader::OnButton(const xcb_button_press_event_t& event, bool down) 
         // The server tells the state before the event.
         if (button.number == event.detail)
             sink_.OnMouse(event.event, down ? button.down : button.up, down ? keys | button.key : keys & ~button.key,
-                          event.event_x, event.event_y, event.time);
+                          {event.event_x, event.event_y}, {event.root_x, event.root_y}, event.time);
     }
     if (down && (event.detail == kWheelUp || event.detail == kWheelDown))
-        sink_.OnWheel(event.event, event.detail == kWheelUp ? WHEEL_DELTA : -WHEEL_DELTA, keys, event.event_x,
-                      event.event_y, event.time);
+        sink_.OnWheel(event.event, event.detail == kWheelUp ? WHEEL_DELTA : -WHEEL_DELTA, keys,
+                      {event.event_x, event.event_y}, {event.root_x, event.root_y}, event.time);
 }
 
 void X11EventReader::OnMotion(const xcb_motion_notify_event_t& event) {
-    sink_.OnMouse(event.event, WM_MOUSEMOVE, KeysOf(event.state), event.event_x, event.event_y, event.time);
+    sink_.OnMouse(event.event, WM_MOUSEMOVE, KeysOf(event.state), {event.event_x, event.event_y},
+                  {event.root_x, event.root_y}, event.time);
 }
 
 void X11EventReader::OnKey(const xcb_key_press_event_t& event, bool down) {
@@ -203,7 +188,8 @@ void X11EventReader::OnConfigure(const xcb_configure_notify_event_t& event, bool
     }
     bool isNews = false;
     windows_.With(event.window, [&](X11Window& window) {
-        const bool stale = static_cast<int32_t>(sequence - window.placedAt) < 0;
+        // A request that asks for the place that an earlier one has brought about has no event of its own.
+        const bool stale = static_cast<int32_t>(sequence - window.placedAt) < 0 && place != window.place;
         if (!window.topLevel || stale) return;
         isNews = place != window.told;
         window.place = window.told = place;
@@ -236,8 +222,10 @@ void X11EventReader::OnMap(xcb_window_t id, bool mapped) {
 
 void X11EventReader::OnDestroy(xcb_window_t id) {
     bool isNews = false;
-    windows_.With(id, [&](X11Window& window) { isNews = !std::exchange(window.gone, true); });
+    const bool ours = windows_.With(id, [&](X11Window& window) { isNews = !std::exchange(window.gone, true); });
     if (isNews) sink_.OnDestroyed(id);
+    if (ours) return;
+    for (const WindowId owned : windows_.OwnedBy(id)) sink_.OnCloseRequest(owned);
 }
 
 void X11EventReader::OnClientMessage(const xcb_client_message_event_t& event) {

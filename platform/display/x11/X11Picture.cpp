@@ -84,16 +84,21 @@ void X11Picture::Put(xcb_window_t window, const RECT& rect) const {
 }
 
 void X11Picture::PutShared(xcb_window_t window, const RECT& rect) const {
-    constexpr uint8_t kNoCompletionEvent = 0;
-    xcb_shm_put_image(connection_->Get(), window, connection_->Gc(), static_cast<uint16_t>(raster_.width),
-                      static_cast<uint16_t>(raster_.height), static_cast<uint16_t>(rect.left),
-                      static_cast<uint16_t>(rect.top), static_cast<uint16_t>(rect.right - rect.left),
-                      static_cast<uint16_t>(rect.bottom - rect.top), static_cast<int16_t>(rect.left),
-                      static_cast<int16_t>(rect.top), connection_->Visual().depth, XCB_IMAGE_FORMAT_Z_PIXMAP,
-                      kNoCompletionEvent, segment_, 0);
-    // The caller reads the answer itself: the completion event would come through the display's thread,
-    // which may be waiting for the caller.
-    connection_->WaitForServer();
+    xcb_shm_put_image_request_t put = {};
+    put.drawable = window;
+    put.gc = connection_->Gc();
+    put.total_width = static_cast<uint16_t>(raster_.width);
+    put.total_height = static_cast<uint16_t>(raster_.height);
+    put.src_x = static_cast<uint16_t>(rect.left);
+    put.src_y = static_cast<uint16_t>(rect.top);
+    put.src_width = static_cast<uint16_t>(rect.right - rect.left);
+    put.src_height = static_cast<uint16_t>(rect.bottom - rect.top);
+    put.dst_x = static_cast<int16_t>(rect.left);
+    put.dst_y = static_cast<int16_t>(rect.top);
+    put.depth = connection_->Visual().depth;
+    put.format = XCB_IMAGE_FORMAT_Z_PIXMAP;
+    put.shmseg = segment_;
+    if (!connection_->Puts().Put(put)) PutSlices(window, rect);
 }
 
 void X11Picture::PutSlices(xcb_window_t window, const RECT& rect) const {

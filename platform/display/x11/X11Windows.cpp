@@ -31,6 +31,15 @@ void X11Windows::MarkInsideGone(WindowId id) {
     }
 }
 
+std::vector<WindowId> X11Windows::OwnedBy(WindowId id) const {
+    const LayerGuard guard(mutex_);
+    std::vector<WindowId> owned;
+    for (const auto& [each, window] : windows_) {
+        if (window.owner == id) owned.push_back(each);
+    }
+    return owned;
+}
+
 std::vector<WindowId> X11Windows::All() const {
     const LayerGuard guard(mutex_);
     std::vector<WindowId> all;

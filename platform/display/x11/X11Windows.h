@@ -21,6 +21,7 @@ struct X11Place {
 
 struct X11Window {
     WindowId parent = 0;  // 0 for the root; a window that isn't in the table is a foreign one
+    WindowId owner = 0;   // of a top-level window
     bool topLevel = true;
     bool managed = true;  // a top-level window that a window manager, if there is one, looks after
     bool resizable = true;
@@ -68,6 +69,7 @@ public:
     // The outermost window of this process around `id`: the one that has the keyboard for all inside it.
     WindowId Outermost(WindowId id) const;
     std::vector<WindowId> All() const;
+    std::vector<WindowId> OwnedBy(WindowId id) const;
     // The server destroys with a window all that is inside it.
     void MarkInsideGone(WindowId id);
 

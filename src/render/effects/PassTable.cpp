@@ -4,16 +4,24 @@ namespace tdkviz {
 
 namespace {
 
-using Finder = EffectPassFunction (*)(const EffectPass&);
+struct Implementation {
+    InstructionSet needs;
+    EffectPassFunction (*find)(const EffectPass&);
+};
 
 // In order of preference; the last serves everything.
-constexpr Finder kFinders[] = {FindScalar32, FindExact32, FindBytePath};
+constexpr Implementation kImplementations[] = {
+    {InstructionSet::kVector512, FindVector512}, {InstructionSet::kVector256, FindVector256},
+    {InstructionSet::kVector128, FindVector128}, {InstructionSet::kScalar, FindScalar32},
+    {InstructionSet::kScalar, FindExact32},      {InstructionSet::kScalar, FindBytePath},
+};
 
 }  // namespace
 
-EffectPassFunction ChoosePass(const EffectPass& pass) {
-    for (const Finder find : kFinders) {
-        if (const EffectPassFunction function = find(pass)) return function;
+EffectPassFunction ChoosePass(const EffectPass& pass, InstructionSet set) {
+    for (const Implementation& implementation : kImplementations) {
+        if (implementation.needs > set) continue;
+        if (const EffectPassFunction function = implementation.find(pass)) return function;
     }
     return nullptr;
 }

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "src/render/effects/Blur32.h"
+#include "src/render/effects/Fade32.h"
 #include "src/render/effects/PassTable.h"
 
 namespace tdkviz {
@@ -12,24 +13,6 @@ namespace {
 
 constexpr int kPixelBytes = 4;
 constexpr int32_t kBlock = 8;  // pixels that are done together where the source runs on without a jump
-
-// Blends a pixel with the fade colour, two bytes in each half: both fit 16 bits as long as the weights
-// add up to 256.
-template <bool kFade>
-struct Fader {
-    static constexpr uint32_t kEven = 0x00FF00FF, kRound = 0x00800080;
-    const uint32_t keep, even, odd;
-
-    explicit Fader(const EffectPass& pass)
-        : keep(static_cast<uint32_t>(kOffsetUnit - pass.fade)),
-          even((pass.fadeColor & kEven) * static_cast<uint32_t>(pass.fade) + kRound),
-          odd(((pass.fadeColor >> 8) & kEven) * static_cast<uint32_t>(pass.fade) + kRound) {}
-
-    uint32_t operator()(uint32_t pixel) const {
-        if constexpr (!kFade) return pixel;
-        return ((((pixel & kEven) * keep + even) >> 8) & kEven) | ((((pixel >> 8) & kEven) * keep + odd) & ~kEven);
-    }
-};
 
 template <int kKernel, bool kClamp, bool kFade>
 class Pass {
@@ -97,7 +80,7 @@ private:
 
     const EffectPass pass_;
     const SourceRange range_;
-    const Fader<kFade> fade_;
+    const Fade32<kFade> fade_;
     int32_t stepX_ = 0, stepY_ = 0;
 };
 

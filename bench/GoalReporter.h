@@ -1,0 +1,34 @@
+// GoalReporter: ordinary benchmarks line by line, and the goals as one table at the end.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <benchmark/benchmark.h>
+
+namespace bench {
+
+class GoalReporter final : public benchmark::ConsoleReporter {
+public:
+    GoalReporter() : ConsoleReporter(OO_None) {}
+
+    bool ReportContext(const Context& context) override;
+    void ReportRuns(const std::vector<Run>& runs) override;
+    // Prints the table.
+    void Finalize() override;
+
+private:
+    struct Cell {
+        bool isMeasured = false, isMet = false, isSpeedUp = false;
+        double ratio = 0, goal = 0;
+    };
+    struct Row {
+        std::string name, peer;
+        Cell any, wide;
+    };
+    static std::string TextOf(const Cell& cell);
+
+    std::vector<Row> rows_;
+};
+
+}  // namespace bench

@@ -1,0 +1,10 @@
+#include "companions/qzcolor/RowLoops.h"
+
+namespace qzcolor {
+
+const RowTable& PlainRowTable() {
+    static constexpr RowTable table = MakeRowTable();
+    return table;
+}
+
+}  // namespace qzcolor

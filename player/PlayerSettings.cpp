@@ -1,0 +1,36 @@
+#include "player/PlayerSettings.h"
+
+#include "player/SettingsKey.h"
+
+namespace tdkplay {
+namespace {
+
+std::string TextOf(const SettingsKey& key, const char* name) {
+    const std::optional<StoredValue> value = key.Find(name);
+    return value ? value->Text().value_or("") : "";
+}
+
+}  // namespace
+
+PlayerSettings PlayerSettings::Load() {
+    PlayerSettings settings;
+    const SettingsKey key = SettingsKey::OpenToRead(kPlayerKey);
+    settings.Size = PictureSize::FromText(TextOf(key, kSizeValue));
+    if (settings.Size && !settings.Size->IsWithinBounds()) settings.Size.reset();
+    const std::optional<StoredValue> volume = key.Find(kVolumeValue);
+    const std::optional<uint32_t> percent = volume ? volume->Number() : std::nullopt;
+    if (percent && *percent <= kFullVolume) settings.Volume = static_cast<int>(*percent);
+    settings.Plugin = TextOf(key, kPluginValue);
+    settings.Device = TextOf(key, kDeviceValue);
+    return settings;
+}
+
+void PlayerSettings::StoreChanges(const PlayerSettings& before) const {
+    SettingsKey key = SettingsKey::OpenToWrite(kPlayerKey);
+    if (Size && Size != before.Size) key.SetText(kSizeValue, Size->Text());
+    if (Volume && Volume != before.Volume) key.SetNumber(kVolumeValue, static_cast<uint32_t>(*Volume));
+    if (Plugin != before.Plugin) key.SetText(kPluginValue, Plugin);
+    if (Device != before.Device) key.SetText(kDeviceValue, Device);
+}
+
+}  // namespace tdkplay

@@ -1,0 +1,143 @@
+// What the player remembers: on a real X server, since only a run in a window does.
+#include <chrono>
+#include <csignal>
+#include <thread>
+
+#include "player/PlayerSettings.h"
+#include "player/SettingsKey.h"
+#include "tests/player/PlayerRun.h"
+#include "tests/x11/XServer.h"
+
+namespace tdkplay {
+namespace {
+
+constexpr char kAddOnKey[] = "Software\\Corvane\\Visualizations";
+constexpr char kPreferencesKey[] = "Software\\Corvane\\Tunedeck\\1.0\\Preferences";
+constexpr char kForeignKey[] = "Software\\Corvane\\Other";
+
+class SettingsRun : public PlayerRun {
+protected:
+    void SetUp() override {
+        PlayerRun::SetUp();
+        former_ = getenv("TDKVIZ_REGISTRY");
+        setenv("TDKVIZ_REGISTRY", registry_.c_str(), 1);  // for this process's own look at it
+    }
+    void TearDown() override { setenv("TDKVIZ_REGISTRY", former_.c_str(), 1); }
+
+    void ShowWindows() {
+        if (!XServer::IsInstalled()) GTEST_SKIP() << "Xvfb is not installed";
+        server_.emplace(24);
+        ASSERT_TRUE(server_->Running());
+        display_ = server_->Name();
+    }
+    void PlayInAWindow(std::vector<std::string> arguments) {
+        arguments.insert(arguments.end(), {"--window", "--no-audio", "--duration", "0.2", song_});
+        const Outcome outcome = Run(arguments);
+        EXPECT_EQ(outcome.Code, 0) << outcome.Error;
+        EXPECT_EQ(outcome.Error, "");
+    }
+    std::string Remembered() const {
+        const PlayerSettings settings = PlayerSettings::Load();
+        return (settings.Size ? settings.Size->Text() : "none") + " " + std::to_string(settings.Volume.value_or(-1)) +
+               " " + settings.Plugin + " " + settings.Device;
+    }
+
+    std::optional<XServer> server_;
+    std::string former_;
+};
+
+TEST_F(SettingsRun, AWindowRemembersAndOptionsWin) {
+    ShowWindows();
+    if (IsSkipped()) return;
+    PlayInAWindow({"--size", "300x200", "--volume", "40", "--viz", "Spectrum Bars"});
+    EXPECT_EQ(Remembered(), "300x200 40 SpectrumBars.tkv ");
+    PlayInAWindow({});
+    EXPECT_EQ(Remembered(), "300x200 40 SpectrumBars.tkv ");
+    PlayInAWindow({"--volume", "55"});
+    EXPECT_EQ(Remembered(), "300x200 55 SpectrumBars.tkv ");
+
+    const std::string before = ReadFile(registry_);
+    EXPECT_EQ(Run({"--headless", "--no-audio", "--duration", "0.1", "--volume", "7", song_}).Code, 0);
+    EXPECT_EQ(Run({"--window", "--size", "90x80", "--snapshot", folder_.File("a.png"), "--at", "0.1", song_}).Code, 0);
+    EXPECT_EQ(ReadFile(registry_), before) << "only a run that somebody watches is remembered";
+}
+
+TEST_F(SettingsRun, WhatNoLongerFitsIsReplaced) {
+    ShowWindows();
+    if (IsSkipped()) return;
+    PlayerSettings settings;
+    settings.Size = PictureSize{5000, 300};
+    settings.Plugin = "Gone.tkv";
+    settings.Device = "a device that is gone";
+    settings.StoreChanges({});
+    SettingsKey::OpenToWrite(kPlayerKey).SetText(kVolumeValue, "loud");
+    PlayInAWindow({});
+    settings = PlayerSettings::Load();
+    EXPECT_LE(settings.Size->Width, XServer::kWidth);
+    EXPECT_GE(settings.Size->Width, XServer::kWidth / 2);
+    EXPECT_EQ(settings.Size->Height, 300);
+    EXPECT_EQ(settings.Volume, 100);
+    EXPECT_EQ(settings.Plugin, "Flow.tkv") << "the first";
+}
+
+TEST_F(SettingsRun, AnEndByASignalLosesNothing) {
+    ShowWindows();
+    if (IsSkipped()) return;
+    for (const int signal : {SIGINT, SIGKILL}) {
+        const std::string size = signal == SIGINT ? "310x210" : "320x220";
+        const pid_t child = Start({"--window", "--no-audio", "--size", size, song_});
+        // The kill comes when the changes have had the time to rest and be stored.
+        std::this_thread::sleep_for(std::chrono::milliseconds(signal == SIGINT ? 400 : 2000));
+        kill(child, signal);
+        EXPECT_EQ(Finish(child).Code, signal == SIGINT ? 0 : -1);
+        EXPECT_EQ(Remembered(), size + " 100 Flow.tkv ");
+    }
+}
+
+TEST_F(SettingsRun, ArePrintedForPeopleAndCleared) {
+    EXPECT_EQ(Run({"--settings"}).Out, "Nothing is stored.\n");
+    EXPECT_EQ(Run({"--list"}).Code, 0);  // the add-on stores its own settings and what it knows of the plug-ins
+    PlayerSettings settings;
+    settings.Size = PictureSize{333, 222};
+    settings.Volume = 35;
+    settings.StoreChanges({});
+    SettingsKey::OpenToWrite(kPreferencesKey).SetText("Glow.Colour", "red");
+    SettingsKey::OpenToWrite(kForeignKey).SetText("Kept", "yes");
+    SettingsKey::OpenToWrite(kAddOnKey).SetText("VizFadeTime", "late");
+
+    const Outcome outcome = Run({"--settings"});
+    EXPECT_EQ(outcome.Code, 0) << outcome.Error;
+    for (const char* text : {"333x222 pixels", "35 %", "20 frames a second", "Spectrum Bars", "SpectrumBars.tkv",
+                             "\"red\"", "\"late\" (not of the right type)"})
+        EXPECT_NE(outcome.Out.find(text), std::string::npos) << text << " in\n" << outcome.Out;
+    const std::vector<StoredValue> stored = SettingsKey::OpenToRead(kAddOnKey).Values();
+    EXPECT_EQ(stored.size(), 19u);
+    for (const StoredValue& value : stored)
+        EXPECT_NE(outcome.Out.find(" " + value.Name + " "), std::string::npos) << value.Name;
+    EXPECT_EQ(outcome.Out.find("Kept"), std::string::npos);
+
+    EXPECT_EQ(Run({"--reset-settings"}).Out.rfind("Cleared: 2 settings of the player, 19 settings of the pictures", 0),
+              0u);
+    EXPECT_EQ(Run({"--settings"}).Out, "Nothing is stored.\n");
+    EXPECT_EQ(Run({"--reset-settings"}).Out, "Nothing was stored.\n");
+    EXPECT_EQ(SettingsKey::OpenToRead(kForeignKey).Find("Kept")->Text(), "yes");
+}
+
+TEST_F(SettingsRun, ADamagedStoreBeginsAnewAndOneThatCannotBeUsedIsTold) {
+    folder_.Write("registry.db", std::string(5000, 'x'));
+    EXPECT_EQ(Run({"--settings"}).Out, "Nothing is stored.\n");
+    EXPECT_EQ(ReadFile(registry_ + ".damaged-1"), std::string(5000, 'x'));
+
+    std::filesystem::remove(registry_);
+    std::filesystem::create_directory(registry_);
+    ExpectError(ExitCode::kNoSettings, Run({"--settings"}));
+    ExpectError(ExitCode::kNoSettings, Run({"--reset-settings"}));
+    ShowWindows();
+    if (IsSkipped()) return;
+    const Outcome outcome = Run({"--window", "--no-audio", "--duration", "0.2", song_});
+    EXPECT_EQ(outcome.Code, 0) << "the music plays all the same";
+    EXPECT_EQ(outcome.Error.rfind("tdkplay: the store of the settings can't be opened", 0), 0u) << outcome.Error;
+}
+
+}  // namespace
+}  // namespace tdkplay
