@@ -68,6 +68,7 @@ public:
     }
 
     void Run() const {
+        if (stepX_ == kOffsetUnit && stepY_ == 0) return RunStraight();
         uint8_t* row = pass_.destination;
         const int32_t last = pass_.height - 1;
         for (int32_t y = 0; y < last; ++y) {
@@ -82,6 +83,7 @@ private:
     using Words = typename Lanes::Words;
     static constexpr int32_t kPixels = Lanes::kPixels;
     static constexpr int32_t kPixelBytes = 4;
+    static constexpr int32_t kWorthAligning = 8 * kPixels;
 
     // Pixels of the destination that one vector of source pixels serves: fewer than it holds if pixels are
     // skipped.
@@ -89,14 +91,28 @@ private:
         return stepX <= kOffsetUnit ? kPixels : (kPixels - 1) * kOffsetUnit / stepX + 1;
     }
 
+    // Every row of the destination is a piece of one source row.
+    void RunStraight() const {
+        const auto [from, to] = ColumnsAt(StartX(0));
+        const int32_t firstX = WholePixels(StartX(0)) + from;
+        uint8_t* row = pass_.destination;
+        for (int32_t y = 0; y < pass_.height; ++y) {
+            const uint8_t* source = SourceRow(WholePixels(StartY(y)));
+            if (source) {
+                Fill(row, from, EdgePixel(source, range_.lowX));
+                if (from < to) SideBySide<true>(source, firstX, to - from, row + from * kPixelBytes);
+                Fill(row + to * kPixelBytes, pass_.width - to, EdgePixel(source, range_.highX));
+            } else {
+                Fill(row, pass_.width, pass_.fadeColor);
+            }
+            row += static_cast<ptrdiff_t>(pass_.width) * kPixelBytes;
+        }
+    }
+
     template <bool kLastRow>
     [[gnu::always_inline]] void Row(int32_t y, uint8_t* out) const {
-        const int32_t u = pass_.width >> 1, v = (pass_.height >> 1) - y;
-        const int32_t atX = u * WholePixels(pass_.zoomX) + pass_.jitterX + v * WholePixels(pass_.rotate) + pass_.slideX;
-        const int32_t atY = y * kOffsetUnit - u * WholePixels(pass_.rotate) + pass_.jitterY +
-                            v * WholePixels(pass_.zoomY) + pass_.slideY;
-        const int32_t from = ColumnAt(range_.lowX * kOffsetUnit, atX);
-        const int32_t to = std::max(from, ColumnAt((range_.highX + 1) * kOffsetUnit, atX));
+        const int32_t atX = StartX(y), atY = StartY(y);
+        const auto [from, to] = ColumnsAt(atX);
         const auto fill = [&](int32_t x, int32_t end, int32_t edge) {
             ForEachRun(x, end, atY, [&](const uint8_t* source, int32_t begin, int32_t count) {
                 Fill(out + begin * kPixelBytes, count, EdgePixel(source, edge));
@@ -119,14 +135,34 @@ private:
     [[gnu::always_inline]] void ForEachRun(int32_t x, int32_t end, int32_t atY, const Run& run) const {
         for (atY += x * stepY_; x < end;) {
             const int32_t count = std::min(rowRuns_.ColumnsFrom(atY), end - x), sourceY = WholePixels(atY);
-            const int32_t limited = range_.LimitY(sourceY);
-            const bool shows = pass_.clamp || limited == sourceY;
-            run(shows ? pass_.source + limited * pass_.sourcePitch : nullptr, x, count);
+            run(SourceRow(sourceY), x, count);
             x += count;
             atY += count * stepY_;
         }
     }
 
+    // The columns of a row that have a source.
+    struct Columns {
+        int32_t from, to;
+    };
+    Columns ColumnsAt(int32_t atX) const {
+        const int32_t from = ColumnAt(range_.lowX * kOffsetUnit, atX);
+        return {from, std::max(from, ColumnAt((range_.highX + 1) * kOffsetUnit, atX))};
+    }
+    // The source position of the first column of a row.
+    int32_t StartX(int32_t y) const {
+        return (pass_.width >> 1) * WholePixels(pass_.zoomX) + pass_.jitterX +
+               ((pass_.height >> 1) - y) * WholePixels(pass_.rotate) + pass_.slideX;
+    }
+    int32_t StartY(int32_t y) const {
+        return y * kOffsetUnit - (pass_.width >> 1) * WholePixels(pass_.rotate) + pass_.jitterY +
+               ((pass_.height >> 1) - y) * WholePixels(pass_.zoomY) + pass_.slideY;
+    }
+    // Null beyond the edge if edges don't repeat.
+    const uint8_t* SourceRow(int32_t y) const {
+        const int32_t limited = range_.LimitY(y);
+        return pass_.clamp || limited == y ? pass_.source + limited * pass_.sourcePitch : nullptr;
+    }
     // The first column of a row whose source position is at least `position`, for a row that begins at `atX`.
     int32_t ColumnAt(int32_t position, int32_t atX) const {
         return position <= atX ? 0
@@ -182,33 +218,42 @@ private:
         while (count > 0) block(lastBase);
     }
 
-    // `count` pixels whose sources lie side by side from column `x` on.
+    // How many pixels lie before the next address at which a vector is aligned.
+    static int32_t PixelsToAlignment(const uint8_t* out) {
+        return static_cast<int32_t>(-reinterpret_cast<uintptr_t>(out) % sizeof(Bytes)) / kPixelBytes;
+    }
+
+    // `count` pixels, at least one, whose sources lie side by side from column `x` on.
     template <bool kLastRow>
     [[gnu::always_inline]] void SideBySide(const uint8_t* row, int32_t x, int32_t count, uint8_t* out) const {
         const Shader shade = shade_;
         const uint8_t* source = row + x * kPixelBytes;
-        if constexpr (kKernel <= 1 && kFade == FadeKind::kNone) {
-            std::memcpy(out, source, static_cast<size_t>(count) * kPixelBytes);
-            return;
-        }
-        const int32_t room = pass_.width - 1 - x;  // pixels up to the last that has neighbours
-        const int32_t whole = std::min(count, room) / kPixels;
-#pragma GCC unroll 4
-        for (int32_t i = 0; i < whole; ++i) {
-            Lanes::Store(out + i * kPixels * kPixelBytes, shade(source + i * kPixels * kPixelBytes));
-        }
-        source += whole * kPixels * kPixelBytes;
-        out += whole * kPixels * kPixelBytes;
-        count -= whole * kPixels;
-        if (count > 0 && room - whole * kPixels >= kPixels) {
+        if (count >= kPixels) {
+            Vectors(shade, source, count, out);
+        } else if (pass_.width - 1 - x >= kPixels) {
             Store<kLastRow>(out, shade(source), count);
-            return;
+        } else {
+            for (int32_t i = 0; i < count; ++i) StorePixel(out + i * kPixelBytes, shadeOne_(source + i * kPixelBytes));
         }
-        for (; count > 0; --count) {
-            StorePixel(out, shadeOne_(source));
-            source += kPixelBytes;
-            out += kPixelBytes;
+    }
+
+    // The same for at least one vector of pixels. Vectors overlap at both ends, so nothing is done singly, and in
+    // between no store of a long stretch crosses a cache line.
+    template <typename Shader>
+    [[gnu::always_inline]] static void Vectors(const Shader& shade, const uint8_t* source, int32_t count,
+                                               uint8_t* out) {
+        const auto put = [&](int32_t pixel) __attribute__((always_inline)) {
+            Lanes::Store(out + pixel * kPixelBytes, shade(source + pixel * kPixelBytes));
+        };
+        int32_t next = 0;
+        if (count >= kWorthAligning) {
+            put(0);
+            next = PixelsToAlignment(out);
         }
+        const int32_t whole = (count - next) / kPixels;
+#pragma GCC unroll 4
+        for (int32_t i = 0; i < whole; ++i) put(next + i * kPixels);
+        if (next + whole * kPixels < count) put(count - kPixels);
     }
 
     // `count` pixels of the vector, or all of it where it may spill over into what is written next.
