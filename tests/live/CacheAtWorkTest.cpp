@@ -16,6 +16,7 @@
 
 #include "tests/staged/TestHost.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/Wait.h"
 
 namespace {
 
@@ -89,11 +90,11 @@ TEST(CacheAtWork, DISABLED_Start) {
     ASSERT_TRUE(host.MakeView("Probe.tkv", 320, 240));
     host.StartDevice(120, 441);
     host.SetState(kEngineStatePlaying);
-    while (!seen && Clock::now() < begin + std::chrono::seconds(30)) {
-        host.ServeMessages();
-        std::this_thread::sleep_for(std::chrono::microseconds(500));
-    }
-    ASSERT_TRUE(seen);
+    ASSERT_TRUE(WaitUntil([&] { return seen.load(); },
+                          [&] {
+                              host.ServeMessages();
+                              std::this_thread::sleep_for(std::chrono::microseconds(500));
+                          }));
     std::ofstream(std::getenv(kReportVariable)) << report.plugins << ' ' << report.loaded << ' ' << report.keysOpened
                                                 << ' ' << report.statusCalls << ' ' << report.firstFrame;
 }
@@ -116,7 +117,7 @@ public:
         const std::string output = folder_.File("output");
         fs::remove(report);
         const std::string command =
-            "LD_LIBRARY_PATH='" STAGE_DIR "' " + std::string(kRegistryVariable) + "='" + folder_.File("r.db") + "' " +
+            "LD_LIBRARY_PATH='" STAGE_DIR "' " + std::string(kRegistryVariable) + "='" + memory_.File("r.db") + "' " +
             kReportVariable + "='" + report + "' '" + folder_.File("host") +
             "' --gtest_also_run_disabled_tests --gtest_filter=CacheAtWork.DISABLED_Start >'" + output + "' 2>&1";
         EXPECT_EQ(std::system(command.c_str()), 0) << std::ifstream(output).rdbuf();
@@ -133,12 +134,13 @@ private:
     }
 
     TemporaryFolder folder_;
+    TemporaryFolder memory_{FolderInMemory()};
 };
 
 constexpr int kMany = 200;
 constexpr int kFew = 3;
 
-// Started once: that takes as long as a disk needs for some thousand writes.
+// Started once: that takes some thousand writes.
 struct KnownInstallation : Installation {
     explicit KnownInstallation(int plugins) : Installation(plugins), first(Start()) {}
     const Report first;
