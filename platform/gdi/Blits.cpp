@@ -95,11 +95,6 @@ TDKP_API BOOL StretchBlt(HDC to, INT x, INT y, INT width, INT height, HDC from, 
     return Blit(to, {x, y, width, height}, from, {fromX, fromY, fromWidth, fromHeight}, operation);
 }
 
-TDKP_API BOOL PatBlt(HDC dc, INT x, INT y, INT width, INT height, DWORD operation) {
-    if (RopUsesSource(RopOf(operation))) return FALSE;
-    return Blit(dc, {x, y, width, height}, nullptr, {}, operation);
-}
-
 TDKP_API INT FillRect(HDC dc, const RECT* rect, HBRUSH handle) {
     const auto context = FindContext(dc);
     const auto brush = FindBrush(handle);

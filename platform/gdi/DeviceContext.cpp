@@ -11,7 +11,6 @@
 #include "platform/gdi/Rects.h"
 #include "platform/gdi/Resolution.h"
 #include "platform/gdi/StockObjects.h"
-#include "platform/user/WindowRaster.h"
 
 namespace tdkp {
 
@@ -227,26 +226,6 @@ TDKP_API INT IntersectClipRect(HDC dc, INT left, INT top, INT right, INT bottom)
     context->clip = context->clipped ? Intersect(context->clip, rect) : rect;
     context->clipped = true;
     return KindOfArea(context->clip);
-}
-
-TDKP_API INT SelectClipRgn(HDC dc, HRGN region) {
-    const auto context = FindContext(dc);
-    if (!context || region != nullptr) return ERROR;
-    context->clipped = false;
-    return SIMPLEREGION;
-}
-
-TDKP_API INT GetClipBox(HDC dc, RECT* rect) {
-    const auto context = FindContext(dc);
-    if (!context || rect == nullptr) return ERROR;
-    if (context->ground == DeviceContext::Ground::kScreen) {
-        *rect = {0, 0, DisplaySize().cx, DisplaySize().cy};
-    } else {
-        const DrawTarget target(*context);
-        *rect = target.ClipHull();
-        if (target.ClipCount() > 1) return COMPLEXREGION;
-    }
-    return KindOfArea(*rect);
 }
 
 TDKP_API BOOL GdiFlush(void) {

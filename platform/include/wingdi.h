@@ -265,8 +265,6 @@ TDKP_API COLORREF SetTextColor(HDC dc, COLORREF color);
 TDKP_API COLORREF GetTextColor(HDC dc);
 TDKP_API UINT SetTextAlign(HDC dc, UINT align);
 TDKP_API INT IntersectClipRect(HDC dc, INT left, INT top, INT right, INT bottom);
-TDKP_API INT SelectClipRgn(HDC dc, HRGN region);  // null only: takes IntersectClipRect back
-TDKP_API INT GetClipBox(HDC dc, RECT* rect);
 TDKP_API BOOL GdiFlush(void);
 
 // Objects. A bitmap is selected into one memory context at a time and can't be deleted while it is;
@@ -300,7 +298,6 @@ TDKP_API BOOL BitBlt(HDC to, INT x, INT y, INT width, INT height, HDC from, INT 
 // Extents below 0 run from the given pixel to the left and up; different signs mirror the picture.
 TDKP_API BOOL StretchBlt(HDC to, INT x, INT y, INT width, INT height, HDC from, INT fromX, INT fromY, INT fromWidth,
                          INT fromHeight, DWORD operation);
-TDKP_API BOOL PatBlt(HDC dc, INT x, INT y, INT width, INT height, DWORD operation);
 TDKP_API COLORREF SetPixel(HDC dc, INT x, INT y, COLORREF color);
 TDKP_API BOOL SetPixelV(HDC dc, INT x, INT y, COLORREF color);
 TDKP_API COLORREF GetPixel(HDC dc, INT x, INT y);

@@ -561,7 +561,6 @@ TDKP_API DWORD MsgWaitForMultipleObjects(DWORD count, const HANDLE* handles, BOO
 
 // Painting.
 TDKP_API BOOL InvalidateRect(HWND window, const RECT* rect, BOOL erase);
-TDKP_API BOOL ValidateRect(HWND window, const RECT* rect);
 TDKP_API BOOL GetUpdateRect(HWND window, RECT* rect, BOOL erase);
 TDKP_API BOOL UpdateWindow(HWND window);
 TDKP_API HDC BeginPaint(HWND window, PAINTSTRUCT* paint);

@@ -140,33 +140,6 @@ TDKP_API BOOL InvalidateRect(HWND window, const RECT* rect, BOOL erase) {
     return TRUE;
 }
 
-// What is left to paint is one rectangle, so a part is taken off only where a rectangle remains.
-TDKP_API BOOL ValidateRect(HWND window, const RECT* rect) {
-    DispatcherGuard guard(DispatcherLock());
-    Window* state = FindWindowState(guard, window);
-    if (state == nullptr) {
-        SetLastError(ERROR_INVALID_WINDOW_HANDLE);
-        return FALSE;
-    }
-    RECT& update = state->update;
-    const RECT valid = rect != nullptr ? *rect : state->Client();
-    const bool wide = valid.left <= update.left && valid.right >= update.right;
-    const bool high = valid.top <= update.top && valid.bottom >= update.bottom;
-    if (wide && high)
-        update = RECT{0, 0, 0, 0};
-    else if (wide && valid.top <= update.top && valid.bottom > update.top)
-        update.top = valid.bottom;
-    else if (wide && valid.bottom >= update.bottom && valid.top < update.bottom)
-        update.bottom = valid.top;
-    else if (high && valid.left <= update.left && valid.right > update.left)
-        update.left = valid.right;
-    else if (high && valid.right >= update.right && valid.left < update.right)
-        update.right = valid.left;
-    if (IsRectEmpty(&update)) state->erase = false;
-    if (tdkp::MessageQueue* queue = tdkp::FindQueue(guard, state->thread)) tdkp::SyncMessageFd(guard, *queue);
-    return TRUE;
-}
-
 TDKP_API BOOL GetUpdateRect(HWND window, RECT* rect, BOOL erase) {
     if (erase) tdkp::EraseNow(window);
     DispatcherGuard guard(DispatcherLock());

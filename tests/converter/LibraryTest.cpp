@@ -1,11 +1,8 @@
-// The two libraries as they are staged: what they export, and what the exports do that nothing here calls.
+// The two libraries as they are staged: what the exports do that nothing here calls.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <map>
 #include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -24,48 +21,6 @@ Function* Find(const Library& library, const char* name, Function*) {
     return reinterpret_cast<Function*>(dlsym(library.get(), name));
 }
 #define FIND(library, name) Find(library, #name, decltype(&name){})
-
-// By whether the light library has it.
-const std::map<std::string, bool> kExports = {
-    {"GetCVColorGUID", false},
-    {"InitColorConverter", true},
-    {"SetColorAdjustments", true},
-    {"GetColorAdjustments", true},
-    {"SuggestRGB8Palette", false},
-    {"SetRGB8Palette", false},
-    {"SetSharpnessAdjustments", true},
-    {"GetSharpnessAdjustments", true},
-    {"ConvertRGBtoYUV", false},
-    {"ConvertYUVtoRGB", false},
-    {"Enhance", true},
-    {"EnhanceUniform", true},
-    {"ConvertRGB24toXRGB", false},
-    {"ScanCompatibleColorFormats", false},
-    {"ScanAllCompatibleColorFormats", true},
-    {"GetColorConverter", true},
-    {"GetColorConverter2", false},
-    {"I420andYUVA", false},
-    {"I420andI420toI420", false},
-};
-
-std::set<std::string> VisibleNames(const std::string& file) {
-    std::set<std::string> names;
-    FILE* list = popen(("nm -D --defined-only '" STAGE_DIR "/Codecs/" + file + "'").c_str(), "r");
-    char address[64], type[8], name[256];
-    while (list && fscanf(list, "%63s %7s %255s", address, type, name) == 3) names.insert(name);
-    if (list) pclose(list);
-    return names;
-}
-
-TEST(ConverterLibraryTest, ExportsWhatIsToldAndNothingElse) {
-    std::set<std::string> full, light;
-    for (const auto& [name, inLight] : kExports) {
-        full.insert(name);
-        if (inLight) light.insert(name);
-    }
-    EXPECT_EQ(VisibleNames("qzcolor.so"), full);
-    EXPECT_EQ(VisibleNames("qzltcolor.so"), light);
-}
 
 TEST(ConverterLibraryTest, APaletteBringsConvertersToRgb8) {
     const Library library = Open("qzcolor.so");

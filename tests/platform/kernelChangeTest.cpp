@@ -9,14 +9,15 @@
 
 #include <windows.h>
 
-#include "tests/support/TemporaryFolder.h"
+#include "tests/platform/changeSupport.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr DWORD kLong = 10000;  // milliseconds; a wait that should end never takes this long
-constexpr DWORD kShort = 50;
+using changetest::AwaitNews;
+using changetest::Changed;
+using changetest::Watch;
 
 class KernelChange : public testing::Test {
 protected:
@@ -27,14 +28,6 @@ protected:
     }
 
     static void Write(const fs::path& path) { std::ofstream(path) << "12345"; }
-    HANDLE Watch(bool subtree) const {
-        return FindFirstChangeNotificationA(folder.string().c_str(), subtree ? TRUE : FALSE,
-                                            FILE_NOTIFY_CHANGE_FILE_NAME);
-    }
-    // Arms it until nothing more comes: one change may signal several times.
-    static void Drain(HANDLE change) {
-        while (WaitForSingleObject(change, kShort) == WAIT_OBJECT_0) ASSERT_TRUE(FindNextChangeNotification(change));
-    }
 
     const TemporaryFolder temporary;
     const fs::path base = temporary.Path(), folder = base / "watched";
@@ -70,19 +63,14 @@ TEST_F(KernelChange, WhatSignalsWithAndWithoutSubfolders) {
         {"an empty folder is moved in", false, false, [&] { fs::rename(away / "empty", folder / "empty"); }},
         {"a file is made in that one", false, true, [&] { Write(folder / "empty" / "file"); }},
     };
-    const HANDLE flat = Watch(false);
-    const HANDLE deep = Watch(true);
+    const HANDLE flat = Watch(folder, false);
+    const HANDLE deep = Watch(folder);
     ASSERT_NE(flat, INVALID_HANDLE_VALUE);
     ASSERT_NE(deep, INVALID_HANDLE_VALUE);
     for (const auto& each : cases) {
         each.change();
-        EXPECT_EQ(WaitForSingleObject(deep, each.inSubtree ? kLong : kShort),
-                  each.inSubtree ? WAIT_OBJECT_0 : WAIT_TIMEOUT)
-            << each.what;
-        EXPECT_EQ(WaitForSingleObject(flat, each.inFolder ? kLong : 0), each.inFolder ? WAIT_OBJECT_0 : WAIT_TIMEOUT)
-            << each.what;
-        Drain(deep);
-        Drain(flat);
+        EXPECT_EQ(Changed(deep), each.inSubtree) << each.what;
+        EXPECT_EQ(Changed(flat), each.inFolder) << each.what;
     }
     EXPECT_TRUE(FindCloseChangeNotification(flat));
     EXPECT_TRUE(FindCloseChangeNotification(deep));
@@ -90,23 +78,26 @@ TEST_F(KernelChange, WhatSignalsWithAndWithoutSubfolders) {
 
 TEST_F(KernelChange, StaysSignalledUntilNextAndKeepsWhatCameBefore) {
     const HANDLE stop = CreateEventA(nullptr, FALSE, FALSE, nullptr);
-    const HANDLE pair[] = {stop, Watch(true)};
+    const HANDLE pair[] = {stop, Watch(folder)};
     ASSERT_NE(pair[1], INVALID_HANDLE_VALUE);
-    EXPECT_EQ(WaitForMultipleObjects(2, pair, FALSE, kShort), WAIT_TIMEOUT);
+    const auto wait = [&pair] { return WaitForMultipleObjects(2, pair, FALSE, 0); };
+    EXPECT_EQ(wait(), DWORD{WAIT_TIMEOUT});
     fs::remove(folder / "old");
-    EXPECT_EQ(WaitForMultipleObjects(2, pair, FALSE, kLong), WAIT_OBJECT_0 + 1);
-    EXPECT_EQ(WaitForMultipleObjects(2, pair, FALSE, 0), WAIT_OBJECT_0 + 1) << "a wait takes nothing";
+    AwaitNews();
+    EXPECT_EQ(wait(), WAIT_OBJECT_0 + 1);
+    EXPECT_EQ(wait(), WAIT_OBJECT_0 + 1) << "a wait takes nothing";
     EXPECT_TRUE(FindNextChangeNotification(pair[1]));
-    EXPECT_EQ(WaitForMultipleObjects(2, pair, FALSE, kShort), WAIT_TIMEOUT);
+    EXPECT_EQ(wait(), DWORD{WAIT_TIMEOUT});
 
-    Write(folder / "first");
-    EXPECT_EQ(WaitForSingleObject(pair[1], kLong), WAIT_OBJECT_0);
+    fs::rename(base / "elsewhere" / "file", folder / "first");
+    AwaitNews();
+    EXPECT_EQ(wait(), WAIT_OBJECT_0 + 1);
     fs::remove(folder / "sub" / "old");
-    Sleep(kShort);
+    AwaitNews();
     EXPECT_TRUE(FindNextChangeNotification(pair[1]));
-    EXPECT_EQ(WaitForSingleObject(pair[1], kLong), WAIT_OBJECT_0) << "it came before the handle was armed";
+    EXPECT_EQ(wait(), WAIT_OBJECT_0 + 1) << "it came before the handle was armed";
     SetEvent(stop);
-    EXPECT_EQ(WaitForMultipleObjects(2, pair, FALSE, 0), WAIT_OBJECT_0);
+    EXPECT_EQ(wait(), WAIT_OBJECT_0);
     EXPECT_TRUE(FindCloseChangeNotification(pair[1]));
     EXPECT_FALSE(FindNextChangeNotification(pair[1]));
     EXPECT_EQ(WaitForSingleObject(pair[1], 0), WAIT_FAILED);

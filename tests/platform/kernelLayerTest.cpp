@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdlib>
-#include <filesystem>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -16,6 +15,7 @@
 
 #include "platform/include/tdkplatform.h"
 #include "tests/staged/NothingLeft.h"
+#include "tests/support/Wait.h"
 
 namespace {
 
@@ -113,10 +113,6 @@ TEST(LayerLibrary, LoadsByWindowsNamesAndKeepsToTheModulesOwnExports) {
     for (int i = 0; i < 2; ++i) EXPECT_TRUE(FreeLibrary(library));
 }
 
-auto ThreadsOfThisProcess() {
-    return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
-}
-
 DWORD WINAPI ReturnAtOnce(LPVOID) {
     return 0;
 }
@@ -150,18 +146,14 @@ TEST(LayerThreads, TerminationKeepsClearOfTheHeap) {
 }
 
 TEST(LayerCounts, NothingIsLeftOfThreadsAndHandles) {
-    // A sanitizer may make a thread of its own beside the first.
-    const HANDLE first = CreateThread(nullptr, 0, ReturnAtOnce, nullptr, 0, nullptr);
-    EXPECT_EQ(WaitForSingleObject(first, INFINITE), WAIT_OBJECT_0);
-    CloseHandle(first);
     const tdkviz::test::NothingLeft nothingLeft;
-    const auto threadsBefore = ThreadsOfThisProcess();
+    const auto threadsBefore = tdkviz::test::ThreadsAtRest();
     for (int round = 0; round < 20; ++round) {
         for (const bool terminate : {false, true}) {
             const HANDLE thread = CreateThread(nullptr, 0, terminate ? LoopForever : ReturnAtOnce, nullptr, 0, nullptr);
             EXPECT_TRUE(!terminate || TerminateThread(thread, 0));
             EXPECT_EQ(WaitForSingleObject(thread, INFINITE), WAIT_OBJECT_0);
-            EXPECT_EQ(ThreadsOfThisProcess(), threadsBefore);
+            EXPECT_EQ(tdkviz::test::ThreadsOfThisProcess(), threadsBefore);
             CloseHandle(thread);
         }
     }

@@ -8,9 +8,11 @@
 
 #include <windows.h>
 
+#include "tests/support/Wait.h"
+
 namespace {
 
-constexpr DWORD kLong = 10000;
+constexpr DWORD kLong = tdkviz::test::kPatienceMilliseconds;
 
 std::atomic<bool> entered{false};
 

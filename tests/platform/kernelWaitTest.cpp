@@ -6,9 +6,11 @@
 
 #include <windows.h>
 
+#include "tests/support/Wait.h"
+
 namespace {
 
-constexpr DWORD kLong = 10000;  // milliseconds; a wait that should end never takes this long
+constexpr DWORD kLong = tdkviz::test::kPatienceMilliseconds;
 constexpr DWORD kShort = 30;
 
 HANDLE MakeEvent(bool manual, bool signalled) {

@@ -167,13 +167,13 @@ TEST(UserLayer, TheDescriptorTellsWhatWaits) {
         done = true;
     });
     pollfd wanted = {descriptor, POLLIN, 0};
-    EXPECT_EQ(poll(&wanted, 1, 5000), 1);
+    EXPECT_EQ(poll(&wanted, 1, tdkviz::test::kPatienceMilliseconds), 1);
     EXPECT_FALSE(done);
     TdkpDispatchMessages();
     sender.Join();
     EXPECT_FALSE(Readable(descriptor));
     SetTimer(window, 1, 10, nullptr);
-    EXPECT_EQ(poll(&wanted, 1, 5000), 1);
+    EXPECT_EQ(poll(&wanted, 1, tdkviz::test::kPatienceMilliseconds), 1);
     EXPECT_EQ(TdkpDispatchMessages(), 1u);
     DestroyWindow(window);
     EXPECT_FALSE(Readable(descriptor));

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "tests/support/Messages.h"
+#include "tests/support/Wait.h"
 
 namespace usertest {
 
@@ -127,7 +128,9 @@ public:
     TestEvent& operator=(const TestEvent&) = delete;
 
     void Set() { SetEvent(handle_); }
-    bool Await(DWORD milliseconds = 5000) { return WaitForSingleObject(handle_, milliseconds) == WAIT_OBJECT_0; }
+    bool Await(DWORD milliseconds = tdkviz::test::kPatienceMilliseconds) {
+        return WaitForSingleObject(handle_, milliseconds) == WAIT_OBJECT_0;
+    }
     HANDLE Handle() const { return handle_; }
 
 private:

@@ -2,12 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <chrono>
 #include <csignal>
-#include <thread>
 
 #include "player/Y4mWriter.h"
 #include "tests/player/PlayerRun.h"
+#include "tests/support/Wait.h"
 
 namespace tdkplay {
 namespace {
@@ -63,13 +62,11 @@ protected:
         EXPECT_TRUE(WriteSines(path, format, rate, channels, seconds));
         return path;
     }
-    // Longer than any machine takes until the signal comes.
-    pid_t StartLong(const std::string& out) const {
+    // Longer than any machine takes until the signal comes, which may be when `out` has this many bytes.
+    pid_t StartLong(const std::string& out, uintmax_t bytes) const {
         const std::string song = Song("long.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 8000, 1, 1200.0);
         const pid_t child = Start({"--render", out, "--size", "64x48", song});
-        for (int tries = 0; tries < 1000 && (!fs::exists(out) || fs::file_size(out) == 0); ++tries)
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        EXPECT_TRUE(tdkviz::test::WaitUntil([&] { return fs::exists(out) && fs::file_size(out) >= bytes; }));
         return child;
     }
 };
@@ -213,8 +210,9 @@ TEST_F(RenderTest, TellsWhenFfmpegFails) {
 }
 
 TEST_F(RenderTest, LeavesAPlayableFileAtAnInterrupt) {
+    constexpr uintmax_t kFrameBytes = 3 * 64 * 48;
     const std::string raw = folder_.File("a.y4m");
-    pid_t child = StartLong(raw);
+    pid_t child = StartLong(raw, 3 * kFrameBytes);
     kill(child, SIGINT);
     ExpectError(ExitCode::kInterrupted, Finish(child));
     const Video video = ReadY4m(raw, 64, 48);
@@ -224,7 +222,7 @@ TEST_F(RenderTest, LeavesAPlayableFileAtAnInterrupt) {
 
     if (!HasFfmpeg()) GTEST_SKIP() << "no ffmpeg";
     const std::string mp4 = folder_.File("a.mp4");
-    child = StartLong(mp4);
+    child = StartLong(mp4, 1);
     kill(child, SIGINT);
     const Outcome outcome = Finish(child);
     ExpectError(ExitCode::kInterrupted, outcome);

@@ -14,6 +14,7 @@
 #include "src/plugins/PluginDirChangeReceiver.h"
 #include "src/plugins/PluginRetriever.h"
 #include "tests/plugins/TestContext.h"
+#include "tests/support/Wait.h"
 
 namespace tdkviz {
 namespace {
@@ -22,17 +23,10 @@ namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-constexpr milliseconds kPatience{10000};
-constexpr milliseconds kQuiet{150};
+using test::WaitUntil;
 
-bool WaitFor(const std::function<bool()>& condition) {
-    const auto end = Clock::now() + kPatience;
-    while (!condition()) {
-        if (Clock::now() > end) return false;
-        std::this_thread::sleep_for(milliseconds(2));
-    }
-    return true;
-}
+constexpr milliseconds kQuiet{150};
+constexpr milliseconds kStopLimit{2000};
 
 milliseconds TimeOf(const std::function<void()>& action) {
     const auto begin = Clock::now();
@@ -123,7 +117,7 @@ TEST_F(DirectoryWatcherTest, NumbersDecideWhatIsReported) {
         receiver.List = retriever->GetList();
         std::this_thread::sleep_for(kQuiet);
         each.change();
-        if (!each.calls.empty()) WaitFor([&] { return receiver.Calls().size() >= each.calls.size(); });
+        if (!each.calls.empty()) WaitUntil([&] { return receiver.Calls().size() >= each.calls.size(); });
         std::this_thread::sleep_for(kQuiet);
         EXPECT_EQ(receiver.Calls(), each.calls) << each.what;
         EXPECT_EQ(retriever->GetList()->Count(), each.count) << each.what;
@@ -136,7 +130,7 @@ TEST_F(DirectoryWatcherTest, AnAddedPluginIsLoadedByTheFirstQuestionAlone) {
     Receiver receiver;
     const auto retriever = Watch(&receiver);
     fs::copy_file(TestPluginPath("Good2.tkv"), At("good.tkv"));
-    ASSERT_TRUE(WaitFor([&] { return retriever->GetList()->Count() == 1; }));
+    ASSERT_TRUE(WaitUntil([&] { return retriever->GetList()->Count() == 1; }));
     std::this_thread::sleep_for(kQuiet);
     EXPECT_TRUE(context.Take().empty());
     CVizPlugin* plugin = retriever->GetList()->At(0);
@@ -161,29 +155,28 @@ TEST_F(DirectoryWatcherTest, AFolderMayComeLateAndGoAndComeAgain) {
     receiver.List = retriever->GetList();
     for (int round = 0; round < 2; ++round) {
         Add("a.tkv");
-        EXPECT_TRUE(WaitFor([&] { return retriever->GetList()->Count() == 1; })) << round;
+        EXPECT_TRUE(WaitUntil([&] { return retriever->GetList()->Count() == 1; })) << round;
         fs::remove_all(At(""));
-        EXPECT_TRUE(WaitFor([&] { return retriever->GetList()->Count() == 0; })) << round;
+        EXPECT_TRUE(WaitUntil([&] { return retriever->GetList()->Count() == 0; })) << round;
     }
 }
 
 TEST_F(DirectoryWatcherTest, AStopIsHonouredInEveryState) {
-    constexpr milliseconds kSoon{500};
     Receiver receiver;
     auto missing = Watch(&receiver);
     std::this_thread::sleep_for(kQuiet);
-    EXPECT_LT(TimeOf([&] { missing.reset(); }), kSoon) << "no folder";
+    EXPECT_LT(TimeOf([&] { missing.reset(); }), kStopLimit) << "no folder";
     Add("a.tkv");
     auto waiting = Watch(&receiver);
     std::this_thread::sleep_for(kQuiet);
-    EXPECT_LT(TimeOf([&] { waiting.reset(); }), kSoon) << "waiting";
-    EXPECT_LT(TimeOf([&] { Watch(&receiver); }), kSoon) << "at the start";
+    EXPECT_LT(TimeOf([&] { waiting.reset(); }), kStopLimit) << "waiting";
+    EXPECT_LT(TimeOf([&] { Watch(&receiver); }), kStopLimit) << "at the start";
 
     receiver.OnCall = [] { std::this_thread::sleep_for(milliseconds(50)); };
     auto reporting = Watch(&receiver);
     for (int i = 0; i < 100; ++i) Add("many" + std::to_string(i) + ".tkv");
-    ASSERT_TRUE(WaitFor([&] { return receiver.Calls().size() >= 2; }));
-    EXPECT_LT(TimeOf([&] { reporting.reset(); }), kSoon) << "in the middle of a pass";
+    ASSERT_TRUE(WaitUntil([&] { return receiver.Calls().size() >= 2; }));
+    EXPECT_LT(TimeOf([&] { reporting.reset(); }), kStopLimit) << "in the middle of a pass";
     const size_t told = receiver.Calls().size();
     Add("late.tkv");
     std::this_thread::sleep_for(kQuiet);
@@ -203,7 +196,7 @@ TEST_F(DirectoryWatcherTest, ItsStartIsNoChange) {
             EXPECT_EQ(receiver.Calls(), CallLog{});
         } else {
             fs::remove(At("b.tkv"));
-            EXPECT_TRUE(WaitFor([&] { return receiver.Calls() == CallLog{"-b.tkv"}; })) << "gone since the scan";
+            EXPECT_TRUE(WaitUntil([&] { return receiver.Calls() == CallLog{"-b.tkv"}; })) << "gone since the scan";
         }
     }
 }
@@ -227,7 +220,7 @@ TEST_F(DirectoryWatcherTest, EachRemovalIsToldOnceUntilTheFileReturns) {
     for (const auto& step : steps) {
         step.change();
         expected.insert(expected.end(), step.calls.begin(), step.calls.end());
-        EXPECT_TRUE(WaitFor([&] { return receiver.Calls().size() >= expected.size(); })) << step.what;
+        EXPECT_TRUE(WaitUntil([&] { return receiver.Calls().size() >= expected.size(); })) << step.what;
         std::this_thread::sleep_for(milliseconds(30));
         EXPECT_EQ(receiver.Calls(), expected) << step.what;
     }
@@ -249,12 +242,12 @@ TEST_F(DirectoryWatcherTest, AContextThatIsBeingAskedIsHeld) {
     auto retriever = Watch(&receiver);
     HostContext = &context;
     Add("a.tkv");
-    EXPECT_TRUE(WaitFor([&] { return context.References == 1; }));
-    EXPECT_LT(TimeOf([&] { retriever.reset(); }), milliseconds(2900));
+    EXPECT_TRUE(WaitUntil([&] { return context.References == 1; }));
+    EXPECT_LT(TimeOf([&] { retriever.reset(); }), 2 * kStopLimit);
     HostContext = nullptr;
     EXPECT_EQ(context.References, 1u) << "the thread wasn't ended";
     SetEvent(context.GoOn.Get());
-    EXPECT_TRUE(WaitFor([&] { return context.References == 0; }));
+    EXPECT_TRUE(WaitUntil([&] { return context.References == 0; }));
     EXPECT_EQ(receiver.Calls(), CallLog{});
 }
 
@@ -275,14 +268,14 @@ TEST_F(DirectoryWatcherTest, AThreadThatStaysTooLongTouchesNothingMore) {
         };
         auto retriever = Watch(receiver.get());
         Add("a.tkv");
-        ASSERT_TRUE(WaitFor([&] { return !receiver->Calls().empty(); }));
+        ASSERT_TRUE(WaitUntil([&] { return !receiver->Calls().empty(); }));
         const milliseconds time = TimeOf([&] { retriever.reset(); });
-        EXPECT_GE(time, milliseconds(1990));
-        EXPECT_LT(time, milliseconds(2900));
+        EXPECT_GE(time, kStopLimit - milliseconds(10));
+        EXPECT_LT(time, 2 * kStopLimit);
         if (!inHost) receiver.reset();
         SetEvent(goOn.Get());
         if (inHost) {
-            EXPECT_TRUE(WaitFor([&] { return *returned == 0; }));
+            EXPECT_TRUE(WaitUntil([&] { return *returned == 0; }));
         }
         std::this_thread::sleep_for(kQuiet);
         fs::remove_all(At(""));
@@ -296,7 +289,7 @@ TEST_F(DirectoryWatcherTest, TheFirstOfTwoRetrieversHasTheThread) {
     auto first = Watch(&firstReceiver);
     auto second = Watch(&secondReceiver);
     Add("a.tkv");
-    EXPECT_TRUE(WaitFor([&] { return first->GetList()->Count() == 1; }));
+    EXPECT_TRUE(WaitUntil([&] { return first->GetList()->Count() == 1; }));
     first.reset();
     Add("b.tkv");
     std::this_thread::sleep_for(kQuiet);
@@ -305,7 +298,7 @@ TEST_F(DirectoryWatcherTest, TheFirstOfTwoRetrieversHasTheThread) {
     second.reset();
     auto third = Watch(&secondReceiver);
     Add("c.tkv");
-    EXPECT_TRUE(WaitFor([&] { return third->GetList()->Count() == 3; }));
+    EXPECT_TRUE(WaitUntil([&] { return third->GetList()->Count() == 3; }));
 }
 
 }  // namespace

@@ -215,15 +215,21 @@ TEST_F(VizPluginTest, ClicksWhileTheLibraryComesAndGoes) {
             EXPECT_NE(plugin->GetName(), nullptr);
         }
     });
+    // A click that doesn't end in time, as on a busy machine, leaves its object in memory.
+    ptrdiff_t mayBeLeft = 0;
     for (int i = 0; i < 30; ++i) {
         EXPECT_TRUE(plugin->Load());
         std::this_thread::yield();
+        const auto begin = std::chrono::steady_clock::now();
         plugin->Unload();
+        mayBeLeft += std::chrono::steady_clock::now() - begin >= CVizPlugin::kPatience;
     }
     isDone = true;
     clicker.join();
-    CallLog log = context_.Take();
-    EXPECT_EQ(std::count(log.begin(), log.end(), "Initialize"), std::count(log.begin(), log.end(), "End"));
+    const CallLog log = context_.Take();
+    const auto left = std::count(log.begin(), log.end(), "Initialize") - std::count(log.begin(), log.end(), "End");
+    EXPECT_GE(left, 0);
+    EXPECT_LE(left, mayBeLeft);
 }
 
 }  // namespace

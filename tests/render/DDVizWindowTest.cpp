@@ -301,6 +301,7 @@ TEST_F(DDVizWindowTest, HostAndFramesTogether) {
         for (int32_t i = 0; i < 60; ++i) {
             window_->SetPlaying(true);
             window_->Resize(200 + 40 * (i % 20), 150 + 10 * (i % 7));
+            EXPECT_TRUE(i != 0 || window_->GetFrameWidth() == 200) << "it is done when it returns";
             window_->SetPlaying(false);
             if (i % 5 == 0) window_->SetDrawsFrames(false);
             PostMessageA(Handle(), kMessageResize, MAKEWPARAM(300 + i, 240), 0);

@@ -62,8 +62,9 @@ void FillRandom(VizEffectParams& params, Source& source, bool extremes) {
     params.ClampEdge = source.Flag();
 }
 
-// Runs the engine and the model on one record and compares result, picture, counter and what lies around.
-void Compare(const ModelFrame& frame, VizEffectParams& params, uint32_t mask, uint32_t counter) {
+// Runs the engine and the model on one record and compares result, picture, counter and what lies around. False if
+// there was nothing to do.
+bool Compare(const ModelFrame& frame, VizEffectParams& params, uint32_t mask, uint32_t counter) {
     SCOPED_TRACE(testing::Message() << frame.width << "x" << frame.height << "x" << frame.bytesPerPixel << " mask "
                                     << mask << " frame " << counter << " blur " << params.BlurAmount << " zoom "
                                     << params.ZoomX << "," << params.ZoomY << " rotate " << params.RotateSpeed
@@ -76,7 +77,8 @@ void Compare(const ModelFrame& frame, VizEffectParams& params, uint32_t mask, ui
                                          frame.width, params, mask);
     EXPECT_EQ(engine.FrameCounter, counter + 1);
     const auto expected = EffectModel(frame, params, mask, counter + 1).Run();
-    ASSERT_EQ(ran, expected.has_value());
+    EXPECT_EQ(ran, expected.has_value());
+    if (ran != expected.has_value()) return ran;
     std::vector<uint8_t> whole(kGuard, kUntouched);
     if (ran) {
         whole.insert(whole.end(), expected->begin(), expected->end());
@@ -85,102 +87,41 @@ void Compare(const ModelFrame& frame, VizEffectParams& params, uint32_t mask, ui
     }
     whole.resize(out.size(), kUntouched);
     const auto differs = std::mismatch(whole.begin(), whole.end(), out.begin());
-    ASSERT_TRUE(differs.first == whole.end())
+    EXPECT_TRUE(differs.first == whole.end())
         << "byte " << (differs.first - whole.begin()) - static_cast<ptrdiff_t>(kGuard) << " is " << int{*differs.second}
         << ", expected " << int{*differs.first};
+    return ran;
 }
 
 void CompareMany(int runs, int bytesPerPixel, bool extremes) {
     Source source;
+    int refused = 0;
     for (int run = 0; run < runs && !testing::Test::HasFailure(); ++run) {
         const ModelFrame frame = MakeFrame(source, source.Between(3, 70), source.Between(3, 50), bytesPerPixel);
         VizEffectParams params;
         FillRandom(params, source, extremes);
         const uint32_t mask = source.Flag() ? kEffectsAll : source.Word();
-        Compare(frame, params, mask, source.Below(4) ? source.Below(1000) : 0xFFFFFFFF - source.Below(3));
+        refused += !Compare(frame, params, mask, source.Below(4) ? source.Below(1000) : 0xFFFFFFFF - source.Below(3));
     }
+    EXPECT_GT(refused, runs / 100) << "records with nothing to do hardly came";
 }
 
 TEST(EffectEngineTest, BothPathsMatchTheFormulas) {
     for (const bool extremes : {false, true}) CompareMany(3000, 4, extremes);
     for (const int bytes : {1, 2, 3}) CompareMany(500, bytes, bytes == 2);
 }
-TEST(EffectEngineTest, RefusesWhenThereIsNothingToDo) {
-    using Change = void (*)(VizEffectParams&);
-    constexpr Change kDefault = [](VizEffectParams&) {};
-    constexpr Change kAllOff = [](VizEffectParams& p) { p.Blur = p.Zoom = p.Fade = false; };
-    constexpr Change kNeutral = [](VizEffectParams& p) { SetNeutralEffects(p); };
-    constexpr Change kBlurOne = [](VizEffectParams& p) {
-        SetNeutralEffects(p);
-        p.Fade = false;
-        p.Blur = true;
-        p.BlurAmount = 1;
-    };
-    constexpr Change kBlurBelowZero = [](VizEffectParams& p) {
-        kBlurOne(p);
-        p.BlurAmount = -5;
-    };
-    constexpr Change kValuesZero = [](VizEffectParams& p) {
-        SetNeutralEffects(p);
-        p.Zoom = p.Slide = p.Rotate = true;
-        p.FadeTime = 0;
-    };
-    const struct {
-        const char* name;
-        int bytesPerPixel;
-        Change change;
-        uint32_t mask;
-        bool result;
-    } calls[] = {
-        {"all switches off", 4, kAllOff, kEffectsAll, false},
-        {"all switches off, bytes", 3, kAllOff, kEffectsAll, false},
-        {"no mask", 4, kDefault, 0, false},
-        {"mask above the low bits", 4, kDefault, 0xFFFFFF00, false},
-        {"no mask, bytes", 3, kDefault, 0, true},
-        {"blur 1 alone", 4, kBlurOne, kEffectsAll, false},
-        {"blur 1 alone, bytes", 3, kBlurOne, kEffectsAll, true},
-        {"negative blur alone", 4, kBlurBelowZero, kEffectsAll, false},
-        {"switches on, values 0", 4, kValuesZero, kEffectsAll, false},
-        {"neutral", 4, kNeutral, kEffectsAll, true},
-        {"no bytes a pixel", 0, kDefault, kEffectsAll, false},
-        {"negative bytes a pixel", -4, kDefault, kEffectsAll, false},
-    };
-    for (const auto& call : calls) {
-        SCOPED_TRACE(call.name);
-        std::vector<uint8_t> source(16 * 16 * 4, 9), out(source.size(), kUntouched);
+TEST(EffectEngineTest, RefusesPixelsWithoutBytes) {
+    for (const int bytes : {0, -4}) {
+        const std::vector<uint8_t> source(16 * 16 * 4, 9), untouched(source.size(), kUntouched);
+        std::vector<uint8_t> out = untouched;
         VizEffectParams params;
         SetDefaultEffects(params);
-        call.change(params);
-        params.BytesPerPixel = call.bytesPerPixel;
+        params.BytesPerPixel = bytes;
         VizEffectEngine engine;
-        EXPECT_EQ(engine.ApplyEffects(source.data(), out.data(), 16, 16, 16, params, call.mask), call.result);
+        EXPECT_FALSE(engine.ApplyEffects(source.data(), out.data(), 16, 16, 16, params, kEffectsAll));
         EXPECT_EQ(engine.FrameCounter, 1u);
-        EXPECT_EQ(out == std::vector<uint8_t>(out.size(), kUntouched), !call.result);
+        EXPECT_EQ(out, untouched);
     }
-}
-
-// A frame of one colour tells the edge rule by whether another FadeColor comes in.
-bool FadeColorShows(int width, int height, int zoom, int rotate) {
-    constexpr uint32_t kInk = 0x00102030, kColor = 0x00FFFFFF;
-    std::vector<uint32_t> source(static_cast<size_t>(width * height), kInk), out(source.size());
-    VizEffectParams params;
-    SetDefaultEffects(params);
-    params.Blur = params.Fade = false;
-    params.FadeColor = kColor;
-    params.Rotate = true;
-    params.ZoomX = params.ZoomY = zoom;
-    params.RotateSpeed = rotate;
-    VizEffectEngine engine;
-    EXPECT_TRUE(engine.ApplyEffects(source.data(), out.data(), width, height, width, params, kEffectsAll));
-    return std::find(out.begin(), out.end(), kColor) != out.end();
-}
-
-TEST(EffectEngineTest, EdgeRuleFollowsZoomAndRotation) {
-    for (const int rotate : {0, 16, -16}) EXPECT_FALSE(FadeColorShows(320, 240, 10, rotate)) << rotate;
-    for (const int rotate : {17, -17}) EXPECT_TRUE(FadeColorShows(320, 240, 10, rotate)) << rotate;
-    EXPECT_FALSE(FadeColorShows(240, 320, 10, 16)) << "the longer side leads, whichever it is";
-    EXPECT_TRUE(FadeColorShows(320, 240, 0, 1));
-    EXPECT_TRUE(FadeColorShows(320, 240, -1, 0));
 }
 
 // Nothing outside of frame or stride is read or written, down to one pixel. The sanitizers watch.

@@ -1,8 +1,6 @@
 #include <algorithm>
-#include <atomic>
 #include <cstdlib>
 #include <string>
-#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -246,38 +244,6 @@ TEST_F(VizWindowTest, PaintsByItselfOnlyWhileNotPlaying) {
     ExpectColor(0x00336699);
     window_.Blank();
     ExpectColor(0);
-}
-
-// A host that does everything at once while frames are made; the thread sanitizer watches.
-TEST_F(VizWindowTest, HostAndFramesTogether) {
-    Show(320, 240);
-    std::atomic<bool> done = false;
-    std::thread host([&] {
-        for (int32_t i = 0; i < 60; ++i) {
-            window_.SetPlaying(true);
-            window_.Resize(200 + 40 * (i % 20), 150 + 10 * (i % 7));
-            EXPECT_TRUE(i != 0 || window_.GetFrameWidth() == 200) << "it is done when it returns";
-            window_.SetPlaying(false);
-            if (i % 5 == 0) window_.SetDrawsFrames(false);
-            PostMessageA(Handle(), kMessageResize, MAKEWPARAM(300 + i, 240), 0);
-            if (i % 5 == 0) window_.SetDrawsFrames(true);
-        }
-        window_.SetPlaying(true);
-        window_.SetPlaying(false);
-        done = true;
-    });
-    while (!done) {
-        ServeMessages();
-        auto* pixels = static_cast<uint32_t*>(window_.GetFrontPixels());
-        if (!pixels) continue;
-        std::fill_n(pixels, static_cast<size_t>(window_.GetFrameWidth() * window_.GetFrameHeight()), 0x00DDDDDDu);
-        window_.ReleaseFront();
-        window_.Present(true);
-    }
-    host.join();
-    ServeMessages();
-    EXPECT_EQ(window_.GetFrameWidth() * 2, 360);
-    window_.Present(false);
 }
 
 TEST_F(VizWindowTest, AReceiverMayTakeOthersAway) {

@@ -5,37 +5,11 @@
 #include <random>
 
 #include "src/settings/SettingsPreview.h"
+#include "tests/platform/gdiSupport.h"
 #include "tests/render/EffectModel.h"
 
 namespace tdkviz::test {
 namespace {
-
-struct Section {
-    Section(int width, int height) {
-        BITMAPINFO info = {};
-        info.bmiHeader.biSize = sizeof info.bmiHeader;
-        info.bmiHeader.biWidth = width;
-        info.bmiHeader.biHeight = height;
-        info.bmiHeader.biPlanes = 1;
-        info.bmiHeader.biBitCount = 32;
-        bitmap = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
-        context = CreateCompatibleDC(nullptr);
-        earlier = SelectObject(context, bitmap);
-        size = static_cast<size_t>(width * height) * 4;
-    }
-    ~Section() {
-        SelectObject(context, earlier);
-        DeleteDC(context);
-        DeleteObject(bitmap);
-    }
-    Section(const Section&) = delete;
-
-    HBITMAP bitmap;
-    HDC context;
-    HGDIOBJ earlier;
-    void* bits = nullptr;
-    size_t size;
-};
 
 void ModelRectangle(ModelFrame& frame) {
     const int left = frame.width / 3, right = 2 * frame.width / 3 - 1;
@@ -93,13 +67,12 @@ TEST(SettingsPreview, IsWhatTheModelGives) {
                           : pair == 4 ? 0
                                       : pick(range.minY, range.maxY);
             const int width = pair % 2 ? 92 : 61 + pair, height = pair % 2 ? 93 : 57;
-            Section section(width, height);
+            const gditest::Surface section(gditest::k32, width, height);
             engine.FrameCounter = random();
-            DrawPreview(section.context, engine, id, x, y);
+            DrawPreview(section.dc, engine, id, x, y);
             GdiFlush();
             const ModelFrame model = ModelPreview(width, height, id, x, y);
-            ASSERT_EQ(model.bytes.size(), section.size);
-            ASSERT_EQ(std::memcmp(section.bits, model.bytes.data(), section.size), 0)
+            ASSERT_EQ(std::memcmp(section.Bits(), model.bytes.data(), model.bytes.size()), 0)
                 << "control " << id << " at " << x << ", " << y << ", " << width << " x " << height;
             EXPECT_EQ(engine.FrameCounter, 6u);
         }

@@ -142,10 +142,7 @@ std::string IntegrityOf(const std::string& file) {
 TEST_F(SettingsStoreTest, AProcessKilledAtAnyMomentOfASaveLeavesWholeValues) {
     constexpr int kKills = 200;
     constexpr int kMeasuredSaves = 6;
-    // In memory where there is such a place: to wait for a disk would make the moments fewer and not better.
-    constexpr const char* kMemory = "/dev/shm";
-    const bool hasMemory = access(kMemory, W_OK | X_OK) == 0;
-    const TemporaryFolder folder(hasMemory ? kMemory : std::filesystem::temp_directory_path());
+    const TemporaryFolder folder(FolderInMemory());
     setenv("TDKVIZ_REGISTRY", folder.File("registry.db").c_str(), 1);
     Set(kOneSet);
     const auto begin = Clock::now();

@@ -7,7 +7,6 @@
 
 #include "src/settings/resources/resource.h"
 #include "tests/staged/NothingLeft.h"
-#include "tests/staged/TestBag.h"
 #include "tests/staged/TestHost.h"
 
 namespace tdkviz::test {
@@ -102,7 +101,7 @@ protected:
     }
     void TearDown() override {
         host_.reset();
-        RegDeleteTreeA(HKEY_CURRENT_USER, "Software\\Corvane\\Visualizations");
+        ForgetSettings();
     }
     ITKCommandButton& Button() { return *host_->Component(); }
     HRESULT Execute(uint32_t command, TestSite& site) {
@@ -118,12 +117,6 @@ protected:
         GetWindowTextA(GetDlgItem(Dialog(), IDC_PLUGIN_NAME), text, sizeof text);
         return text;
     }
-    template <typename T>
-    T* Ask(const GUID& id) {
-        void* found = nullptr;
-        EXPECT_EQ(host_->Manager()->QueryInterface(id, &found), S_OK);
-        return static_cast<T*>(found);
-    }
     // In a few long steps.
     void AdvanceByAFrame() {
         constexpr uint32_t kSteps = 3, kStep = kFramePeriod / kSteps;
@@ -134,13 +127,7 @@ protected:
             host_->FeedDevice();
         }
     }
-    void SwitchEffects(bool on) { Configure(kConfigEffects, on); }
-    void Configure(const char* name, uint32_t value) {
-        TestBag* bag = new TestBag;
-        bag->SetNumber(name, value);
-        Ask<IMPAAdvancedConfiguration>(kIID_IMPAAdvancedConfiguration)->SetConfiguration(bag);
-        bag->Release();
-    }
+    void SwitchEffects(bool on) { host_->Configure(kConfigEffects, on); }
 
     TestSite site_, second_;  // outlive the component
     std::unique_ptr<TestHost> host_;
@@ -209,7 +196,7 @@ TEST_F(DialogTest, ExecuteOpensOneDialogAndTheUserClosesIt) {
 TEST_F(DialogTest, TheHostMayNameAnotherParent) {
     const HWND other = CreateWindowExA(0, "TestHostWindow", "other", WS_POPUP | WS_VISIBLE, 0, 0, 300, 300, nullptr,
                                        nullptr, nullptr, nullptr);
-    auto* parents = Ask<IMPAVizParentMgr>(kIID_IMPAVizParentMgr);
+    auto* parents = host_->Ask<IMPAVizParentMgr>(kIID_IMPAVizParentMgr);
     MPAVizWindowRecord record = RecordOf(other);
     parents->SetDialogParent(&record);
     const struct {
@@ -261,7 +248,7 @@ TEST_F(DialogTest, ShowsThePluginOfTheLastView) {
     EXPECT_TRUE(IsWindowEnabled(GetDlgItem(Dialog(), IDC_CONFIGURE)));
     host_->Advance(20);
     // A click changes the plug-in on the worker's thread, which must not wait for this one.
-    HWND output = FindWindowExA(host_->Parent(), nullptr, "TDVisualizationClass", nullptr);
+    HWND output = host_->ViewWindow();
     const auto click = [](LPVOID window) {
         return static_cast<DWORD>(SendMessageA(*static_cast<HWND*>(window), WM_LBUTTONUP, 0, MAKELPARAM(50, 50)));
     };
@@ -278,8 +265,8 @@ TEST_F(DialogTest, ShowsThePluginOfTheLastView) {
 }
 
 TEST_F(DialogTest, CostsNoFrameOfARunningPicture) {
-    Configure(kConfigFrameRate, kFrameRate);
-    Configure(kConfigRandomize, 1);
+    host_->Configure(kConfigFrameRate, kFrameRate);
+    host_->Configure(kConfigRandomize, 1);
     SwitchEffects(true);
     std::atomic<int> frames{0};
     const auto watch = WatchProbe([&](const ProbeFrame&) { ++frames; });
@@ -310,20 +297,8 @@ TEST_F(DialogTest, CostsNoFrameOfARunningPicture) {
     host_->ServeMessages();
 }
 
-TEST_F(DialogTest, NothingStaysBehind) {
+TEST_F(DialogTest, GoesWithTheComponentAndLeavesNothing) {
     ASSERT_EQ(Execute(1, site_), S_OK);
-    Button().CloseDialog();
-    ServeMessages();
-    {
-        const NothingLeft nothingLeft;
-        for (int round = 0; round < 30; ++round) {
-            ASSERT_EQ(Execute(1, site_), S_OK);
-            if (round % 3 == 0) ServeMessages();
-            round % 2 ? void(Button().CloseDialog()) : Press(IDC_CLOSE);
-        }
-        Button().CloseDialog();
-        ServeMessages();
-    }
     host_.reset();
     ServeMessages();
     const NothingLeft nothingLeft;

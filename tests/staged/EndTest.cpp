@@ -1,4 +1,4 @@
-// Ends that a host brings about in the wrong order, and sizes that no window can have.
+// Ends that a host brings about in the wrong order.
 #include <gtest/gtest.h>
 
 #include <vector>
@@ -49,32 +49,6 @@ TEST(End, AudioAfterShutdownIsDropped) {
     EXPECT_EQ(hook->OnAudioData(&data, &data), S_OK);
     EXPECT_EQ(buffer.References, 0u);
     FreeLibrary(library);
-}
-
-TEST(End, SizesThatNoWindowCanHaveAreCut) {
-    TestHost::InstallPlugins({"Probe.tkv"});
-    TestHost host;
-    IMPAVizWindow* view = host.MakeView("Probe.tkv", 320, 20, kViewRotateButton);
-    ASSERT_TRUE(view);
-    host.StartDevice(100, 441);
-    host.SetState(kEngineStatePlaying);
-    host.Advance(20);
-    const HWND window = FindWindowExA(host.Parent(), nullptr, "TDVisualizationClass", nullptr);
-    const struct { int width, height; } sizes[] = {{-1, -1}, {0, 0}, {64, -200}, {-64, 200}, {1, 1}};
-    for (const auto& size : sizes) {
-        EXPECT_EQ(view->Resize(size.width, size.height), S_OK);
-        host.Advance(120);
-        RECT client = {};
-        GetClientRect(window, &client);
-        EXPECT_LE(client.right, 324);
-        EXPECT_LE(client.bottom, 324);
-    }
-    view->Show(400, 300);
-    view->Show(500, 200);
-    host.Advance(20);
-    const HWND button = FindWindowExA(host.Parent(), nullptr, "button", "Rotate");
-    ASSERT_TRUE(button);
-    EXPECT_EQ(FindWindowExA(host.Parent(), button, "button", "Rotate"), nullptr) << "one button, moved";
 }
 
 }  // namespace

@@ -53,7 +53,6 @@ void* aligned_alloc(size_t alignment, size_t size) {
 namespace tdkviz::test {
 namespace {
 
-constexpr char kKey[] = "Software\\Corvane\\Visualizations";
 constexpr int kFrames = 100;
 constexpr uint32_t kFramePeriod = 50;  // ms, at the rate that stands without a setting
 constexpr uint32_t kDeliveryFrames = 882;
@@ -69,23 +68,16 @@ class FrameCostTest : public testing::TestWithParam<FrameCase> {
 protected:
     FrameCostTest() { TestHost::InstallPlugins({"Probe.tkv", "Oscilloscope.tkv"}); }
     ~FrameCostTest() override {
-        RegDeleteTreeA(HKEY_CURRENT_USER, kKey);
+        ForgetSettings();
         TdkpChangeDisplayDepth(32);
     }
 };
 
-void Set(const char* name, DWORD value) {
-    HKEY key = nullptr;
-    ASSERT_EQ(RegCreateKeyExA(HKEY_CURRENT_USER, kKey, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr), 0);
-    EXPECT_EQ(RegSetValueExA(key, name, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&value), sizeof(value)), 0);
-    RegCloseKey(key);
-}
-
 TEST_P(FrameCostTest, SteadyFramesAllocateNothing) {
     const FrameCase& use = GetParam();
-    Set("VizUseDD", use.directDraw);
-    Set("VizOn", 1);
-    Set("VizRandom", use.randomize);
+    StoreSetting("VizUseDD", use.directDraw);
+    StoreSetting("VizOn", 1);
+    StoreSetting("VizRandom", use.randomize);
     TdkpChangeDisplayDepth(use.depth);
     TestHost host(STAGE_DIR "/Codecs");
     ASSERT_TRUE(host.MakeView("Oscilloscope.tkv", 640, 480));

@@ -4,7 +4,6 @@
 
 #include <cstring>
 
-#include "tests/staged/TestBag.h"
 #include "tests/staged/TestHost.h"
 
 namespace tdkviz::test {
@@ -16,26 +15,14 @@ protected:
         TestHost::InstallPlugins(plugins);
         host_ = std::make_unique<TestHost>();
     }
-    template <typename T>
-    T* Ask(const GUID& id) {
-        void* found = nullptr;
-        EXPECT_EQ(host_->Manager()->QueryInterface(id, &found), S_OK);
-        return static_cast<T*>(found);
-    }
     uint32_t Configured(const char* key) {
         IKVAValues* bag = nullptr;
         uint32_t number = 0xDEAD;
-        EXPECT_EQ(Ask<IMPAAdvancedConfiguration>(kIID_IMPAAdvancedConfiguration)->GetConfiguration(&bag), S_OK);
+        EXPECT_EQ(host_->Ask<IMPAAdvancedConfiguration>(kIID_IMPAAdvancedConfiguration)->GetConfiguration(&bag), S_OK);
         if (!bag) return number;
         bag->GetNumber(key, &number);
         bag->Release();
         return number;
-    }
-    void Configure(const char* key, uint32_t number) {
-        auto* bag = new TestBag;
-        bag->SetNumber(key, number);
-        EXPECT_EQ(Ask<IMPAAdvancedConfiguration>(kIID_IMPAAdvancedConfiguration)->SetConfiguration(bag), S_OK);
-        bag->Release();
     }
     // Frames that a second of stepped time brings.
     int FramesInASecond() {
@@ -52,7 +39,7 @@ TEST_F(ManagerTest, ServesItsInterfacesAndOutlivesItsCount) {
     Install({"Probe.tkv"});
     for (const GUID& id : {kIID_IUnknown, kIID_IMPAVizMgr, kIID_IMPAAdvancedConfiguration, kIID_IMPAVizParentMgr,
                            kIID_ITKStateObserver, kIID_ITKTrackObserver, kIID_ITKPlaybackEngineObserver}) {
-        EXPECT_TRUE(Ask<IUnknown>(id));
+        EXPECT_TRUE(host_->Ask<IUnknown>(id));
     }
     void* none = this;
     EXPECT_EQ(host_->Manager()->QueryInterface(kIID_IKVAValues, &none), E_NOINTERFACE);
@@ -70,25 +57,25 @@ TEST_F(ManagerTest, FrameRateIsClampedAndKept) {
         uint32_t asked, kept;
     } rates[] = {{5, 10}, {10, 10}, {20, 20}, {31, 30}, {0xFFFFFFFF, 30}, {0, 10}, {24, 24}};
     for (const auto& rate : rates) {
-        Configure(kConfigFrameRate, rate.asked);
+        EXPECT_EQ(host_->Configure(kConfigFrameRate, rate.asked), S_OK);
         EXPECT_EQ(Configured(kConfigFrameRate), rate.kept) << rate.asked;
     }
     host_->Shutdown();
     host_ = std::make_unique<TestHost>();
     EXPECT_EQ(Configured(kConfigFrameRate), 24u) << "from run to run";
-    Configure(kConfigFrameRate, 20);
-    Configure(kConfigShowAlwaysOnTop, 5);
+    host_->Configure(kConfigFrameRate, 20);
+    host_->Configure(kConfigShowAlwaysOnTop, 5);
     EXPECT_EQ(Configured(kConfigShowAlwaysOnTop), 1u);
-    Configure("Unknown", 1);
+    host_->Configure("Unknown", 1);
     ASSERT_TRUE(host_->MakeView("Probe.tkv", 64, 48));
     host_->StartDevice(100, 441);
     host_->SetState(kEngineStatePlaying);
     host_->Advance(100);
     EXPECT_EQ(FramesInASecond(), 20);
-    Configure(kConfigFrameRate, 30);
+    host_->Configure(kConfigFrameRate, 30);
     host_->Advance(100);
     EXPECT_NEAR(FramesInASecond(), 30, 1);
-    Configure(kConfigFrameRate, 20);
+    host_->Configure(kConfigFrameRate, 20);
 }
 
 TEST_F(ManagerTest, ListDropsWhatCannotBeLoadedOnce) {
@@ -145,7 +132,7 @@ TEST_F(ManagerTest, FramesFollowThePlayersStates) {
     EXPECT_EQ(FramesInASecond(), 20) << "the next state change decides";
     host_->SetState(kEngineStatePlaying);
     EXPECT_EQ(FramesInASecond(), 0) << "even a change to playing";
-    Ask<ITKTrackObserver>(kIID_ITKTrackObserver)->OnTrackChange(nullptr);
+    host_->Ask<ITKTrackObserver>(kIID_ITKTrackObserver)->OnTrackChange(nullptr);
     EXPECT_EQ(FramesInASecond(), 0);
     host_->SetState(kEngineStatePlaying);
     EXPECT_EQ(FramesInASecond(), 20);

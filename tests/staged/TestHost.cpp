@@ -6,11 +6,15 @@
 #include <filesystem>
 
 #include "tests/staged/TestBag.h"
+#include "tests/support/Wait.h"
 
 namespace fs = std::filesystem;
 
 namespace tdkviz::test {
 namespace {
+
+constexpr uint32_t kPlayStep = 5;  // ms
+constexpr char kSettingsKey[] = "Software\\Corvane\\Visualizations";
 
 HWND MakeParent() {
     WNDCLASSA windowClass = {};
@@ -118,6 +122,18 @@ HRESULT TestHost::RemoveHook(IKVAAudioHook* hook) {
     return S_OK;
 }
 
+HWND TestHost::ViewWindow() const {
+    return FindWindowExA(parent_, nullptr, "TDVisualizationClass", nullptr);
+}
+
+HRESULT TestHost::Configure(const char* name, uint32_t value) {
+    auto* bag = new TestBag;
+    bag->SetNumber(name, value);
+    const HRESULT result = Ask<IMPAAdvancedConfiguration>(kIID_IMPAAdvancedConfiguration)->SetConfiguration(bag);
+    bag->Release();
+    return result;
+}
+
 IMPAVizWindow* TestHost::MakeView(const std::string& plugin, int width, int height, uint32_t flags) {
     auto parent = static_cast<uint32_t>(reinterpret_cast<uintptr_t>(parent_));
     IMPAVizWindow* view = nullptr;
@@ -199,6 +215,33 @@ void TestHost::Advance(uint32_t milliseconds) {
 
 void TestHost::ServeMessages() {
     test::ServeMessages();
+}
+
+bool TestHost::PlayUntil(const std::function<bool()>& done) {
+    return WaitUntil(done, [this] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(kPlayStep));
+        heard += kPlayStep * kRate / 1000;
+        FeedDevice();
+        ServeMessages();
+    });
+}
+
+void TestHost::PlayFor(std::chrono::milliseconds time) {
+    PlayUntil([end = std::chrono::steady_clock::now() + time] { return std::chrono::steady_clock::now() >= end; });
+}
+
+// ---- Settings
+
+void StoreSetting(const char* name, uint32_t value) {
+    HKEY key = nullptr;
+    ASSERT_EQ(RegCreateKeyExA(HKEY_CURRENT_USER, kSettingsKey, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr),
+              0);
+    EXPECT_EQ(RegSetValueExA(key, name, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&value), sizeof(value)), 0);
+    RegCloseKey(key);
+}
+
+void ForgetSettings() {
+    RegDeleteTreeA(HKEY_CURRENT_USER, kSettingsKey);
 }
 
 // ---- The probe

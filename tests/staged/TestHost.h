@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -81,6 +82,17 @@ public:
     IMPAVizMgr* Manager() { return manager_; }
     IMPAVizWindow* MakeView(const std::string& plugin, int width, int height, uint32_t flags = 0);
     HWND Parent() const { return parent_; }
+    // The output window of the view that was made last.
+    HWND ViewWindow() const;
+    // Another interface of the manager's, which isn't counted.
+    template <typename T>
+    T* Ask(const GUID& id) {
+        void* found = nullptr;
+        manager_->QueryInterface(id, &found);
+        return static_cast<T*>(found);
+    }
+    // Sets one value of the configuration.
+    HRESULT Configure(const char* name, uint32_t value);
     IKVAAudioHook* Hook() const { return hook_; }
     // Leaves the views standing at Shutdown.
     void ForgetViews() { views_.clear(); }
@@ -98,6 +110,9 @@ public:
     void Seek(uint64_t position);
     void Advance(uint32_t milliseconds);
     void ServeMessages();
+    // The same on the machine's clock. False if it takes too long until `done`.
+    bool PlayUntil(const std::function<bool()>& done);
+    void PlayFor(std::chrono::milliseconds time);
 
     TestEngine* engine = nullptr;
     TestEngine firstEngine;
@@ -127,6 +142,10 @@ private:
     bool deviceRuns_ = false;
     uint64_t remainder_ = 0;
 };
+
+// What a user's earlier run left in the registry.
+void StoreSetting(const char* name, uint32_t value);
+void ForgetSettings();
 
 // An exported function of a library, by its name.
 template <typename Function>

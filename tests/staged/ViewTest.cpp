@@ -9,10 +9,6 @@
 namespace tdkviz::test {
 namespace {
 
-HWND ViewWindow(const TestHost& host) {
-    return FindWindowExA(host.Parent(), nullptr, "TDVisualizationClass", nullptr);
-}
-
 SIZE ClientSize(HWND window) {
     RECT rect = {};
     GetClientRect(window, &rect);
@@ -48,19 +44,19 @@ TEST_F(ViewTest, WhatComesBeforeTheWindowIsCarriedOut) {
     view->Show(320, 240);
     view->Show(300, 200);
     host_->Advance(10);
-    const SIZE size = ClientSize(ViewWindow(*host_));
+    const SIZE size = ClientSize(host_->ViewWindow());
     EXPECT_EQ(size.cx, 300);
     EXPECT_EQ(size.cy, 200);
-    EXPECT_TRUE(IsWindowVisible(ViewWindow(*host_)));
+    EXPECT_TRUE(IsWindowVisible(host_->ViewWindow()));
     EXPECT_EQ(view->Resize(321, 240), S_OK);
     host_->Advance(10);
-    EXPECT_EQ(ClientSize(ViewWindow(*host_)).cx, 324) << "both sides are rounded up to 4";
+    EXPECT_EQ(ClientSize(host_->ViewWindow()).cx, 324) << "both sides are rounded up to 4";
     EXPECT_EQ(view->Hide(), S_OK);
-    EXPECT_FALSE(IsWindowVisible(ViewWindow(*host_)));
+    EXPECT_FALSE(IsWindowVisible(host_->ViewWindow()));
     EXPECT_EQ(view->Show(64, 64), S_OK);
-    EXPECT_TRUE(IsWindowVisible(ViewWindow(*host_)));
+    EXPECT_TRUE(IsWindowVisible(host_->ViewWindow()));
     Destroy(view);
-    EXPECT_EQ(ViewWindow(*host_), nullptr);
+    EXPECT_EQ(host_->ViewWindow(), nullptr);
     EXPECT_EQ(host_->Manager()->DestroyVizWindow(view), E_FAIL);
 }
 
@@ -79,9 +75,25 @@ TEST_F(ViewTest, RotateButtonTakesAStripBelowThePicture) {
     EXPECT_EQ((std::vector{corner.x, corner.y, rect.right - rect.left, rect.bottom - rect.top}),
               (std::vector<LONG>{345, 275, 50, 25}));
     EXPECT_EQ(GetWindowLongPtrA(button, GWLP_USERDATA), reinterpret_cast<LONG_PTR>(view));
-    EXPECT_EQ(ClientSize(ViewWindow(*host_)).cy, 272) << "270 rounded up to 4";
+    EXPECT_EQ(ClientSize(host_->ViewWindow()).cy, 272) << "270 rounded up to 4";
+    view->Show(500, 200);
+    host_->Advance(10);
+    EXPECT_EQ(FindWindowExA(host_->Parent(), button, "button", "Rotate"), nullptr) << "one button, moved";
     Destroy(view);
     EXPECT_FALSE(IsWindow(button));
+}
+
+TEST_F(ViewTest, SizesThatNoWindowCanHaveAreCut) {
+    Install({"Probe.tkv"});
+    IMPAVizWindow* view = host_->MakeView("Probe.tkv", 320, 20, kViewRotateButton);
+    ASSERT_TRUE(view);
+    host_->Advance(20);
+    for (const SIZE size : {SIZE{-1, -1}, {0, 0}, {64, -200}, {-64, 200}, {1, 1}}) {
+        EXPECT_EQ(view->Resize(size.cx, size.cy), S_OK);
+        host_->Advance(20);
+        EXPECT_LE(ClientSize(host_->ViewWindow()).cx, 324);
+        EXPECT_LE(ClientSize(host_->ViewWindow()).cy, 324);
+    }
 }
 
 TEST_F(ViewTest, PluginsAreSelectedByTheirExactPath) {
@@ -112,7 +124,7 @@ TEST_F(ViewTest, ClicksWalkThroughThePlugins) {
     view->SetViewFlags(kViewClickStepsPlugins);
     view->Show(200, 200);
     host_->Advance(10);
-    const HWND window = ViewWindow(*host_);
+    const HWND window = host_->ViewWindow();
     const auto click = [&] {
         TdkpFeedMouse(window, WM_LBUTTONDOWN, MK_LBUTTON, 10, 10);
         TdkpFeedMouse(window, WM_LBUTTONUP, 0, 10, 10);
@@ -140,15 +152,15 @@ TEST_F(ViewTest, ClickReceiversAreTold) {
     host_->Advance(10);
     EXPECT_EQ(view->AddClickReceiver(&late), S_OK);
     EXPECT_EQ(view->AddRightClickReceiver(&right), S_OK);
-    TdkpFeedMouse(ViewWindow(*host_), WM_LBUTTONUP, 0, 33, 44);
-    TdkpFeedMouse(ViewWindow(*host_), WM_RBUTTONUP, 0, 55, 66);
+    TdkpFeedMouse(host_->ViewWindow(), WM_LBUTTONUP, 0, 33, 44);
+    TdkpFeedMouse(host_->ViewWindow(), WM_RBUTTONUP, 0, 55, 66);
     host_->Advance(10);
     EXPECT_EQ(early.clicks, (std::vector{std::pair{33u, 44u}}));
     EXPECT_EQ(late.clicks, early.clicks);
     EXPECT_EQ(right.clicks, (std::vector{std::pair{55u, 66u}}));
     EXPECT_EQ(view->RemoveClickReceiver(&early), S_OK);
     EXPECT_EQ(view->RemoveClickReceiver(&early), E_FAIL);
-    TdkpFeedMouse(ViewWindow(*host_), WM_LBUTTONUP, 0, 1, 1);
+    TdkpFeedMouse(host_->ViewWindow(), WM_LBUTTONUP, 0, 1, 1);
     host_->Advance(10);
     EXPECT_EQ(early.clicks.size(), 1u);
     EXPECT_EQ(late.clicks.size(), 2u);
@@ -161,13 +173,10 @@ TEST_F(ViewTest, PluginOfTheGuideDrawsItsLine) {
     host_->StartDevice(100, 441);
     host_->SetState(kEngineStatePlaying);
     host_->Advance(300);
-    std::vector<DWORD> pixels(1400 * 900);
-    int width = 0;
-    int height = 0;
-    ASSERT_TRUE(TdkpReadWindow(ViewWindow(*host_), pixels.data(), static_cast<int>(pixels.size()), &width, &height));
-    const auto lit = std::count_if(pixels.begin(), pixels.begin() + width * height,
+    const Picture picture(host_->ViewWindow());
+    const auto lit = std::count_if(picture.pixels.begin(), picture.pixels.end(),
                                    [](DWORD pixel) { return (pixel & 0xFFFFFF) == 0x40C0FF; });
-    EXPECT_EQ(lit, width) << "one point for each column";
+    EXPECT_EQ(lit, 200) << "one point for each column";
 }
 
 TEST_F(ViewTest, PictureIsTheRightWayUpAtEverySizeAndGoesBlackAtTheEnd) {
@@ -189,7 +198,7 @@ TEST_F(ViewTest, PictureIsTheRightWayUpAtEverySizeAndGoesBlackAtTheEnd) {
     }
     host_->SetState(kEngineStatePaused);
     host_->Advance(20);
-    EXPECT_EQ(Picture(ViewWindow(*host_)).FirstOtherThan(0), -1);
+    EXPECT_EQ(Picture(host_->ViewWindow()).FirstOtherThan(0), -1);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <stdlib.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -32,6 +33,12 @@ public:
 private:
     std::filesystem::path path_;
 };
+
+// In memory where there is such a place: for what writes so often that a disk would be waited for.
+inline std::filesystem::path FolderInMemory() {
+    constexpr const char* kMemory = "/dev/shm";
+    return access(kMemory, W_OK | X_OK) == 0 ? std::filesystem::path(kMemory) : std::filesystem::temp_directory_path();
+}
 
 // Before the first use of the registry: it is read once. Includes of this header in one program share it.
 inline const TemporaryFolder& TestRegistryFolder() {

@@ -1,11 +1,12 @@
 #include "tests/x11/AppWindow.h"
 
 #include <algorithm>
-#include <chrono>
+
+#include "tests/support/Messages.h"
+#include "tests/support/Wait.h"
 
 namespace {
 
-constexpr std::chrono::seconds kPatience{10};
 constexpr DWORD kPollMilliseconds = 5;
 
 void RegisterOnce(WNDPROC procedure) {
@@ -41,17 +42,10 @@ void AppWindow::Fill(const RECT& rect, COLORREF color) {
 }
 
 bool AppWindow::ServeUntil(const std::function<bool()>& done) {
-    const auto end = std::chrono::steady_clock::now() + kPatience;
-    while (!done()) {
-        if (std::chrono::steady_clock::now() > end) return false;
-        MSG message;
-        while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
-            TranslateMessage(&message);
-            DispatchMessageA(&message);
-        }
+    return tdkviz::test::WaitUntil(done, [] {
+        tdkviz::test::ServeMessages();
         MsgWaitForMultipleObjects(0, nullptr, FALSE, kPollMilliseconds, QS_ALLINPUT);
-    }
-    return true;
+    });
 }
 
 bool AppWindow::ServeUntilTold(UINT message) {

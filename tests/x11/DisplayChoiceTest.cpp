@@ -3,11 +3,9 @@
 #include <tdkplatform.h>
 #include <windows.h>
 
-#include <chrono>
 #include <cstdlib>
-#include <filesystem>
-#include <thread>
 
+#include "tests/support/Wait.h"
 #include "tests/x11/AppWindow.h"
 #include "tests/x11/XServer.h"
 
@@ -52,17 +50,9 @@ TEST_F(DisplayChoiceTest, MemoryIsAlwaysThere) {
 
 TEST_F(DisplayChoiceTest, IsMadeAnewAfterTheLastWindow) {
     if (!XServer::IsInstalled()) GTEST_SKIP() << "Xvfb is not installed";
-    const auto threads = [] { return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {}); };
-    const auto becomes = [&](long count) {
-        // A thread that has ended stays listed for a moment.
-        for (int attempt = 0; attempt < 200 && threads() != count; ++attempt)
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        return threads() == count;
-    };
     const XServer server(24);
     ASSERT_TRUE(server.Running());
-    std::thread([] {}).join();  // with the first thread a sanitizer starts its own
-    const long before = threads();
+    const ptrdiff_t before = tdkviz::test::ThreadsAtRest();
     for (const bool onServer : {true, false, true}) {
         server.Use();
         if (!onServer) setenv("TDKVIZ_DISPLAY", "memory", 1);
@@ -70,9 +60,9 @@ TEST_F(DisplayChoiceTest, IsMadeAnewAfterTheLastWindow) {
         {
             AppWindow window(0, 0, 0, 10, 10);
             EXPECT_STREQ(TdkpDisplayName(), onServer ? "x11" : "memory");
-            EXPECT_TRUE(becomes(before + (onServer ? 1 : 0)));
+            EXPECT_TRUE(tdkviz::test::ThreadsBecome(before + (onServer ? 1 : 0)));
         }
-        EXPECT_TRUE(becomes(before));
+        EXPECT_TRUE(tdkviz::test::ThreadsBecome(before));
     }
 }
 

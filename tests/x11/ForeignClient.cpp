@@ -1,6 +1,5 @@
 #include "tests/x11/ForeignClient.h"
 
-#include <unistd.h>
 #include <xcb/xcbext.h>
 
 #include <algorithm>
@@ -8,6 +7,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+
+#include "tests/support/Wait.h"
 
 namespace {
 
@@ -39,9 +40,6 @@ struct FakeInputRequest {
     uint8_t device = 0;
 };
 static_assert(sizeof(FakeInputRequest) == 36);
-
-constexpr int kPatience = 500;  // tries
-constexpr int kTryMicroseconds = 10000;
 
 }  // namespace
 
@@ -117,19 +115,22 @@ void ForeignClient::PretendToManage() {
 }
 
 std::string ForeignClient::WaitForStateRequest() {
-    for (int attempt = 0; attempt < kPatience; ++attempt) {
+    std::string request;
+    const auto look = [&] {
         while (const auto event = Own(xcb_poll_for_event(connection_))) {
             const auto& message = reinterpret_cast<const xcb_client_message_event_t&>(*event);
             if ((event->response_type & 0x7F) != XCB_CLIENT_MESSAGE || message.type != Atom("_NET_WM_STATE")) continue;
             const auto cookie = xcb_get_atom_name(connection_, message.data.data32[1]);
             const auto name = Own(xcb_get_atom_name_reply(connection_, cookie, nullptr));
-            return (message.data.data32[0] == 1 ? "+" : "-") +
-                   std::string(xcb_get_atom_name_name(name.get()),
-                               static_cast<size_t>(xcb_get_atom_name_name_length(name.get())));
+            request = (message.data.data32[0] == 1 ? "+" : "-") +
+                      std::string(xcb_get_atom_name_name(name.get()),
+                                  static_cast<size_t>(xcb_get_atom_name_name_length(name.get())));
+            return true;
         }
-        usleep(kTryMicroseconds);
-    }
-    return "";
+        return false;
+    };
+    tdkviz::test::WaitUntil(look);
+    return request;
 }
 
 void ForeignClient::ExhaustColors() {
@@ -176,11 +177,10 @@ xcb_colormap_t ForeignClient::ColormapOf(xcb_window_t window) {
 
 ScreenColor ForeignClient::WaitForColor(int x, int y, const ScreenColor& color, int tolerance) {
     ScreenColor seen;
-    for (int attempt = 0; attempt < kPatience; ++attempt) {
+    tdkviz::test::WaitUntil([&] {
         seen = ColorAt(x, y);
-        if (seen.DistanceTo(color) <= tolerance) break;
-        usleep(kTryMicroseconds);
-    }
+        return seen.DistanceTo(color) <= tolerance;
+    });
     return seen;
 }
 
@@ -211,6 +211,11 @@ std::pair<int, int> ForeignClient::CornerOf(xcb_window_t window) {
     const auto cookie = xcb_translate_coordinates(connection_, window, Root(), 0, 0);
     const auto reply = Own(xcb_translate_coordinates_reply(connection_, cookie, nullptr));
     return reply ? std::pair<int, int>(reply->dst_x, reply->dst_y) : std::pair(-1, -1);
+}
+
+std::pair<int, int> ForeignClient::SizeOf(xcb_window_t window) {
+    const auto reply = Own(xcb_get_geometry_reply(connection_, xcb_get_geometry(connection_, window), nullptr));
+    return reply ? std::pair<int, int>(reply->width, reply->height) : std::pair(-1, -1);
 }
 
 xcb_window_t ForeignClient::Focus() {

@@ -7,7 +7,6 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <chrono>
 #include <functional>
 #include <string>
 #include <vector>
@@ -17,6 +16,7 @@
 
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestObjects.h"
+#include "tests/support/Wait.h"
 #include "tests/x11/ForeignClient.h"
 #include "tests/x11/XServer.h"
 
@@ -70,13 +70,10 @@ public:
     }
     // Runs the host's loop until `done`. False if that takes too long.
     bool RunUntil(const std::function<bool()>& done) {
-        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-        while (!done()) {
-            if (std::chrono::steady_clock::now() > end) return false;
+        return WaitUntil(done, [this] {
             pollfd waiting = {messages_, POLLIN, 0};
             if (poll(&waiting, 1, 5) > 0) TdkpDispatchMessages();
-        }
-        return true;
+        });
     }
 
     Site site;

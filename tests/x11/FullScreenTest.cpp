@@ -4,23 +4,28 @@
 #include <windows.h>
 
 #include "tests/x11/AppWindow.h"
+#include "tests/x11/ForeignClient.h"
 #include "tests/x11/XServer.h"
 
 namespace {
 
-// Serves what the server has to say by now, however late it comes.
-void Settle() {
-    for (int i = 0; i < 20; ++i) {
-        TdkpDispatchMessages();
-        Sleep(10);
-    }
+// Serves all that the server has to say of this window's place: what comes behind it has come.
+void Settle(AppWindow& window, ForeignClient& client, const RECT& place) {
+    const auto isThere = [&] {
+        return client.CornerOf(window.Id()) == std::pair<int, int>(place.left, place.top) &&
+               client.SizeOf(window.Id()) == std::pair<int, int>(place.right - place.left, place.bottom - place.top);
+    };
+    EXPECT_TRUE(AppWindow::ServeUntil(isThere));
+    const int told = window.Told(WM_CLOSE);
+    client.AskToClose(window.Id());
+    EXPECT_TRUE(AppWindow::ServeUntil([&] { return window.Told(WM_CLOSE) > told; }));
 }
 
-void GoTo(const AppWindow& window, DWORD style, const RECT& place) {
+void GoTo(AppWindow& window, ForeignClient& client, DWORD style, const RECT& place) {
     SetWindowLongPtrA(window.Handle(), GWL_STYLE, static_cast<LONG_PTR>(style | WS_VISIBLE));
     SetWindowPos(window.Handle(), HWND_TOP, place.left, place.top, place.right - place.left, place.bottom - place.top,
                  SWP_FRAMECHANGED);
-    Settle();
+    Settle(window, client, place);
 }
 
 TEST(FullScreenTest, BackFromBehindAnotherWindowItHasItsFormerSize) {
@@ -28,15 +33,16 @@ TEST(FullScreenTest, BackFromBehindAnotherWindowItHasItsFormerSize) {
     const XServer server(24);
     ASSERT_TRUE(server.Running());
     server.Use();
-    const AppWindow window(0, 50, 40, 300, 200);
-    Settle();
+    ForeignClient client(server.Name());
+    AppWindow window(0, 50, 40, 300, 200);
     RECT former = {};
     GetWindowRect(window.Handle(), &former);
+    Settle(window, client, former);
     const auto style = static_cast<DWORD>(GetWindowLongPtrA(window.Handle(), GWL_STYLE));
-    GoTo(window, WS_POPUP, {0, 0, XServer::kWidth, XServer::kHeight});
-    const AppWindow another(0, 100, 100, 100, 100);
-    Settle();
-    GoTo(window, style, former);
+    GoTo(window, client, WS_POPUP, {0, 0, XServer::kWidth, XServer::kHeight});
+    AppWindow another(0, 100, 100, 100, 100);
+    Settle(another, client, {100, 100, 200, 200});
+    GoTo(window, client, style, former);
     RECT now = {};
     GetWindowRect(window.Handle(), &now);
     EXPECT_EQ(now.right - now.left, former.right - former.left);

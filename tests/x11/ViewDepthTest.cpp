@@ -10,10 +10,8 @@
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
-#include <map>
 #include <memory>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "src/support/RegistryKey.h"
@@ -26,6 +24,8 @@ namespace tdkviz::test {
 namespace {
 
 const std::string kCodecs = STAGE_DIR "/Codecs";
+
+constexpr std::chrono::milliseconds kLookForFrames{300};
 
 struct DepthCase {
     const char* name;
@@ -71,20 +71,8 @@ public:
 
     bool Running() const { return server_.Running() && view_ != nullptr; }
     int Frames() const { return frames_; }
-    // False if it doesn't happen.
-    bool PlayUntil(const std::function<bool()>& done) {
-        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        while (!done() && std::chrono::steady_clock::now() < end) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-            host_->heard += kRate / 200;
-            host_->FeedDevice();
-            host_->ServeMessages();
-        }
-        return done();
-    }
-    void PlayFor(std::chrono::milliseconds time) {
-        PlayUntil([end = std::chrono::steady_clock::now() + time] { return std::chrono::steady_clock::now() >= end; });
-    }
+    bool PlayUntil(const std::function<bool()>& done) { return host_->PlayUntil(done); }
+    void PlayFor(std::chrono::milliseconds time) { host_->PlayFor(time); }
     void Resize(int width, int height) { view_->Resize(width, height); }
     // Gives the view this size and waits until a frame of `frameWidth` is seen.
     bool ShowAt(int width, int height, int frameWidth) {
@@ -95,7 +83,7 @@ public:
     }
     int FrameWidth() const { return lastWidth_; }
     int FrameHeight() const { return lastHeight_; }
-    HWND Window() const { return FindWindowExA(host_->Parent(), nullptr, "TDVisualizationClass", nullptr); }
+    HWND Window() const { return host_->ViewWindow(); }
 
 private:
     XServer server_;
@@ -182,8 +170,9 @@ TEST_P(ViewDepthTest, ShowsTheSamePictureInEverySize) {
 TEST_F(PaletteViewTest, ViewsAreBlackAndNothingIsDrawn) {
     DepthHost host(8, true);
     ASSERT_TRUE(host.Running());
+    ASSERT_TRUE(host.PlayUntil([&] { return host.Window() != nullptr; }));
     for (const int size : {64, 500}) {
-        host.PlayFor(std::chrono::milliseconds(300));
+        host.PlayFor(kLookForFrames);
         const LargePicture picture(host.Window());
         EXPECT_GT(picture.width, 0);
         const auto end = picture.pixels.begin() + picture.width * picture.height;
@@ -195,21 +184,21 @@ TEST_F(PaletteViewTest, ViewsAreBlackAndNothingIsDrawn) {
 
 // Each frame with random effects takes the next seed, and the last one is stored at the end.
 TEST_F(PaletteViewTest, SeedsAreUsedOnlyWhereSomethingIsDrawn) {
-    constexpr char kKey[] = "Software\\Corvane\\Visualizations";
     constexpr uint32_t kSeed = 5000;
     for (const int depth : {24, 8}) {
-        for (const char* name : {"VizOn", "VizRandom"}) ASSERT_TRUE(WriteNumberSetting(name, 1, kKey));
-        ASSERT_TRUE(WriteNumberSetting("VizRandomSeed", kSeed, kKey));
+        for (const char* name : {"VizOn", "VizRandom"}) StoreSetting(name, 1);
+        StoreSetting("VizRandomSeed", kSeed);
         {
             DepthHost host(depth, true);
             ASSERT_TRUE(host.Running());
-            host.PlayFor(std::chrono::milliseconds(300));
+            if (depth == 8) host.PlayFor(kLookForFrames);
+            EXPECT_TRUE(depth == 8 || host.PlayUntil([&] { return host.Frames() > 0; }));
         }
         uint32_t stored = 0;
-        EXPECT_TRUE(ReadNumberSetting("VizRandomSeed", 0, &stored, kKey));
+        EXPECT_TRUE(ReadNumberSetting("VizRandomSeed", 0, &stored, "Software\\Corvane\\Visualizations"));
         EXPECT_EQ(stored == kSeed, depth == 8) << stored;
     }
-    WriteNumberSetting("VizOn", 0, kKey);
+    ForgetSettings();
 }
 
 }  // namespace
