@@ -79,6 +79,12 @@ void ForeignClient::Move(xcb_window_t window, int x, int y) {
     Wait();
 }
 
+void ForeignClient::Resize(xcb_window_t window, int width, int height) {
+    const uint32_t size[] = {static_cast<uint32_t>(width), static_cast<uint32_t>(height)};
+    xcb_configure_window(connection_, window, XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, size);
+    Wait();
+}
+
 void ForeignClient::Hide(xcb_window_t window) {
     xcb_unmap_window(connection_, window);
     Wait();
@@ -216,6 +222,11 @@ std::pair<int, int> ForeignClient::CornerOf(xcb_window_t window) {
 xcb_window_t ForeignClient::Focus() {
     const auto reply = Own(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
     return reply ? reply->focus : 0;
+}
+
+std::pair<int, int> ForeignClient::SizeOf(xcb_window_t window) {
+    const auto reply = Own(xcb_get_geometry_reply(connection_, xcb_get_geometry(connection_, window), nullptr));
+    return reply ? std::pair<int, int>(reply->width, reply->height) : std::pair(-1, -1);
 }
 
 void ForeignClient::MoveMouse(int x, int y) {
