@@ -7,6 +7,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <map>
 #include <optional>
@@ -21,7 +22,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr char kPlayer[] = STAGE_DIR "/tdkplay";
-constexpr int kSeconds = 10;  // of audio
+constexpr int kSeconds = 5;  // of audio
 constexpr int kFramesPerSecond = 30;
 constexpr int kViews = 16;
 constexpr char kRoomForViews[] = "1286x966";  // 4 x 4 views of 320x240 with 2 pixels between them
@@ -43,11 +44,12 @@ private:
     char name_[24] = "/tmp/tdkbenchXXXXXX";
 };
 
-// The player's own piece on the stepped clock up to this second, and a picture of it.
+// On the stepped clock up to this second, and a picture of it.
 std::string PlayTo(double second, int views, const std::string& room, const PictureFile& picture) {
+    static const bench::AudioFile song;
     return std::string(kPlayer) + " --headless --effects on --fps " + std::to_string(kFramesPerSecond) + " --views " +
            std::to_string(views) + " --size " + room + " --snapshot " + picture.Name() + " --at " +
-           std::to_string(second);
+           std::to_string(second) + " " + song.Name();
 }
 
 // Milliseconds of processor time for a second of audio: a long run less a short one.
@@ -74,11 +76,22 @@ std::optional<double> Divided(std::optional<double> cost, double divisor) {
     return cost;
 }
 
-std::optional<double> MillisecondsToFirstPicture() {
-    constexpr int kRuns = 5;
+std::string PlayToFirstFrame(const PictureFile& picture) {
     constexpr double kFirstFrame = 0.05;  // seconds, a frame and a little more
+    return PlayTo(kFirstFrame, 1, "640x480", picture);
+}
+
+std::optional<double> CostOfStart() {
     const PictureFile picture;
-    const std::string command = PlayTo(kFirstFrame, 1, "640x480", picture) + " 2>/dev/null";
+    std::optional<double> seconds = bench::BestCpuSeconds(PlayToFirstFrame(picture));
+    if (seconds) *seconds *= 1e3;
+    return seconds;
+}
+
+std::optional<double> TimeOfStart() {
+    constexpr int kRuns = 5;
+    const PictureFile picture;
+    const std::string command = PlayToFirstFrame(picture) + " 2>/dev/null";
     std::optional<double> best;
     for (int run = 0; run < kRuns; ++run) {
         const auto start = Clock::now();
@@ -133,7 +146,8 @@ void bench::AddPlayerMeasurements() {
     AddMeasurement(
         {views + ", a frame of one", "ms", [] { return Divided(CostOfViews(), kFramesPerSecond * kViews); }});
     AddMeasurement({"1 view of 320x240, a frame", "ms", [] { return Divided(CostOfOneView(), kFramesPerSecond); }});
-    AddMeasurement({"Start, first picture of 640x480, end", "ms", MillisecondsToFirstPicture});
+    AddMeasurement({"Start, first picture of 640x480, end: processor time", "ms", CostOfStart});
+    AddMeasurement({"Start, first picture of 640x480, end: time", "ms", TimeOfStart});
     AddMeasurement({"Memory of a player at work, 640x480, resident", "MB", [] { return Memory("Rss"); }});
     AddMeasurement({"Memory of a player at work, 640x480, its share", "MB", [] { return Memory("Pss"); }});
 }

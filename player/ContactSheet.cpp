@@ -13,24 +13,24 @@ constexpr COLORREF kDim = RGB(140, 140, 152);
 constexpr WORD kColourDepth = 32;
 constexpr int64_t kMostPixels = 100'000'000;
 constexpr char kTypeface[] = "DejaVu Sans";
-constexpr int kTextGap = 8;  // pixels between name and time
+constexpr int kTextGap = 12;  // pixels between title and moments
 
 // A typeface and a colour in force as long as the object lives.
-class Pen {
+class Lettering {
 public:
-    Pen(HDC context, int height, int weight, COLORREF colour)
+    Lettering(HDC context, int height, int weight, COLORREF colour)
         : context_(context),
           font_(CreateFontA(-height, 0, 0, 0, weight, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
                             CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY, DEFAULT_PITCH, kTypeface)),
           former_(SelectObject(context, font_)) {
         SetTextColor(context, colour);
     }
-    ~Pen() {
+    ~Lettering() {
         SelectObject(context_, former_);
         DeleteObject(font_);
     }
-    Pen(const Pen&) = delete;
-    Pen& operator=(const Pen&) = delete;
+    Lettering(const Lettering&) = delete;
+    Lettering& operator=(const Lettering&) = delete;
 
     void Write(const std::string& text, RECT place, UINT alignment) const {
         DrawTextA(context_, text.c_str(), static_cast<int>(text.size()), &place,
@@ -53,9 +53,7 @@ private:
 ContactSheet::ContactSheet(const SheetContent& content)
     : layout_(content.Size, content.Names.size(), content.Moments.size()), size_(layout_.Sheet()) {
     MakeBitmap();
-    SetBkMode(context_.get(), TRANSPARENT);
-    Pen(context_.get(), layout_.TitleHeight(), FW_BOLD, kBright).Write(content.Title, layout_.TitlePlace(), DT_LEFT);
-    for (size_t strip = 0; strip < content.Names.size(); ++strip) WriteStrip(content, strip);
+    WriteTexts(content);
 }
 
 void ContactSheet::MakeBitmap() {
@@ -79,14 +77,21 @@ void ContactSheet::MakeBitmap() {
     DeleteObject(brush);
 }
 
-void ContactSheet::WriteStrip(const SheetContent& content, size_t strip) const {
-    const Pen times(context_.get(), layout_.CaptionHeight(), FW_NORMAL, kDim);
-    for (size_t moment = 0; moment < content.Moments.size(); ++moment)
-        times.Write(content.Moments[moment], layout_.CaptionPlace(strip, moment), DT_RIGHT);
-    RECT name = layout_.CaptionPlace(strip, 0);
-    name.right -= times.WidthOf(content.Moments.front()) + kTextGap;
-    const Pen names(context_.get(), layout_.CaptionHeight(), FW_BOLD, kBright);
-    names.Write(content.Names[strip], name, DT_LEFT);
+void ContactSheet::WriteTexts(const SheetContent& content) const {
+    const HDC context = context_.get();
+    SetBkMode(context, TRANSPARENT);
+    std::string moments;
+    for (const std::string& moment : content.Moments) moments += (moments.empty() ? "" : ", ") + moment;
+    RECT title = layout_.TitlePlace();
+    {
+        const Lettering lettering(context, layout_.CaptionHeight(), FW_NORMAL, kDim);
+        lettering.Write(moments, title, DT_RIGHT);
+        title.right -= lettering.WidthOf(moments) + kTextGap;
+    }
+    Lettering(context, layout_.TitleHeight(), FW_BOLD, kBright).Write(content.Title, title, DT_LEFT);
+    const Lettering lettering(context, layout_.CaptionHeight(), FW_BOLD, kBright);
+    for (size_t strip = 0; strip < content.Names.size(); ++strip)
+        lettering.Write(content.Names[strip], layout_.CaptionPlace(strip), DT_LEFT);
 }
 
 void ContactSheet::Place(size_t strip, size_t moment, const Picture& picture) {

@@ -15,7 +15,7 @@ namespace tdkplay {
 struct SheetContent {
     std::string Title;
     std::vector<std::string> Names;    // of the plug-ins, a strip for each
-    std::vector<std::string> Moments;  // as they are written above the pictures
+    std::vector<std::string> Moments;  // when the pictures of a strip were taken
     PictureSize Size;                  // of one picture
 };
 
@@ -40,7 +40,7 @@ private:
     };
 
     void MakeBitmap();
-    void WriteStrip(const SheetContent& content, size_t strip) const;
+    void WriteTexts(const SheetContent& content) const;
 
     const SheetLayout layout_;
     const PictureSize size_;

@@ -71,9 +71,9 @@ RECT SheetLayout::PicturePlace(size_t strip, size_t moment) const {
     return {left, top, left + picture_.Width, top + picture_.Height};
 }
 
-RECT SheetLayout::CaptionPlace(size_t strip, size_t moment) const {
-    const RECT picture = PicturePlace(strip, moment);
-    return {picture.left, picture.top - LineHeight(CaptionHeight()), picture.right, picture.top};
+RECT SheetLayout::CaptionPlace(size_t strip) const {
+    const RECT picture = PicturePlace(strip, 0);
+    return {picture.left, picture.top - LineHeight(CaptionHeight()), picture.left + StripWidth(), picture.top};
 }
 
 }  // namespace tdkplay

@@ -1,4 +1,4 @@
-// Where everything stands on a contact sheet: a title, and a strip of pictures with captions for each plug-in. Strips
+// Where everything stands on a contact sheet: a title, and for each plug-in a strip of pictures with its name. Strips
 // stand in as many columns as make the sheet a little wider than high. Pixels.
 #pragma once
 
@@ -16,8 +16,8 @@ public:
     PictureSize Sheet() const { return {WidthWith(columns_), HeightWith(columns_)}; }
     RECT TitlePlace() const;
     RECT PicturePlace(size_t strip, size_t moment) const;
-    // The line above that picture.
-    RECT CaptionPlace(size_t strip, size_t moment) const;
+    // The line above the pictures.
+    RECT CaptionPlace(size_t strip) const;
     // Of letters, by which their lines are measured.
     int TitleHeight() const;
     int CaptionHeight() const;

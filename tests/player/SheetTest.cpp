@@ -42,7 +42,7 @@ TEST_F(PlayerRun, DrawsAStripForEachPlugin) {
     const std::string sheet = folder_.File("first.png");
     EXPECT_GT(BrightestIn(sheet, layout.TitlePlace()), 200);
     for (size_t strip = 0; strip < names.size(); ++strip) {
-        EXPECT_GT(BrightestIn(sheet, layout.CaptionPlace(strip, 0)), 200) << names[strip];
+        EXPECT_GT(BrightestIn(sheet, layout.CaptionPlace(strip)), 200) << names[strip];
         for (size_t moment = 0; moment < kMoments; ++moment)
             EXPECT_GT(BrightestIn(sheet, layout.PicturePlace(strip, moment)), 60) << names[strip] << " " << moment;
     }
