@@ -1,6 +1,6 @@
 // tdkbench: what the hot paths cost, each against what it is held to. Without options it prints the table of
-// goals; --short takes less than a minute; other options are those of Google Benchmark: --benchmark_filter=.
-// runs everything, --benchmark_format=json is for machines.
+// goals and what is measured without one; --short takes less than a minute; other options are those of Google
+// Benchmark: --benchmark_filter=. runs everything, --benchmark_format=json is for machines.
 #include <cstring>
 #include <vector>
 
@@ -26,8 +26,8 @@ int main(int argc, char** argv) {
         isForMachines |= std::strncmp(argv[i], "--benchmark_format", 18) == 0;
         if (!isOwn) arguments.push_back(argv[i]);
     }
-    char goalsOnly[] = "--benchmark_filter=^Goal/";
-    if (!hasFilter) arguments.push_back(goalsOnly);
+    char tablesOnly[] = "--benchmark_filter=^(Goal|Measured)/";
+    if (!hasFilter) arguments.push_back(tablesOnly);
     int count = static_cast<int>(arguments.size());
     arguments.push_back(nullptr);
 
@@ -35,6 +35,7 @@ int main(int argc, char** argv) {
     bench::AddSpectrumGoals();
     bench::AddConverterGoals();
     bench::AddChainGoals();
+    bench::AddPlayerMeasurements();
     bench::RegisterGoals(isShort ? kShortSeconds : kSeconds);
     benchmark::Initialize(&count, arguments.data());
     if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 1;

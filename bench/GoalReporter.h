@@ -1,4 +1,5 @@
-// GoalReporter: ordinary benchmarks line by line, and the goals as one table at the end.
+// GoalReporter: ordinary benchmarks line by line, and at the end the goals as one table and the measurements as
+// another.
 #pragma once
 
 #include <string>
@@ -14,7 +15,7 @@ public:
 
     bool ReportContext(const Context& context) override;
     void ReportRuns(const std::vector<Run>& runs) override;
-    // Prints the table.
+    // Prints the tables.
     void Finalize() override;
 
 private:
@@ -26,9 +27,15 @@ private:
         std::string name, peer;
         Cell any, wide;
     };
+    struct Value {
+        std::string name, text;
+    };
+    void TakeGoal(const Run& run);
+    void TakeMeasurement(const Run& run);
     static std::string TextOf(const Cell& cell);
 
     std::vector<Row> rows_;
+    std::vector<Value> values_;
 };
 
 }  // namespace bench

@@ -18,6 +18,11 @@ std::vector<Goal>& Goals() {
     return goals;
 }
 
+std::vector<Measurement>& Measurements() {
+    static std::vector<Measurement> measurements;
+    return measurements;
+}
+
 double SecondsOf(const std::function<void()>& work, int calls) {
     const auto start = Clock::now();
     for (int call = 0; call < calls; ++call) work();
@@ -57,7 +62,19 @@ void RunGoal(benchmark::State& state, const Goal& goal, bool isWide, double seco
     state.SetLabel(goal.peer);
 }
 
+void RunMeasurement(benchmark::State& state, const Measurement& measurement) {
+    std::optional<double> value;
+    for (auto _ : state) value = measurement.measure();
+    if (!value) return state.SkipWithError("not measured");
+    state.counters["value"] = *value;
+    state.SetLabel(measurement.unit);
+}
+
 }  // namespace
+
+void AddMeasurement(Measurement measurement) {
+    Measurements().push_back(std::move(measurement));
+}
 
 void AddGoal(Goal goal) {
     Goals().push_back(std::move(goal));
@@ -69,6 +86,10 @@ void RegisterGoals(double seconds) {
             const std::string name = "Goal/" + goal.name + (isWide ? "/wide" : "/any");
             benchmark::RegisterBenchmark(name.c_str(), RunGoal, goal, isWide, seconds)->Iterations(1);
         }
+    }
+    for (const Measurement& measurement : Measurements()) {
+        const std::string name = "Measured/" + measurement.name;
+        benchmark::RegisterBenchmark(name.c_str(), RunMeasurement, measurement)->Iterations(1);
     }
 }
 

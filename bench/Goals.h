@@ -26,10 +26,18 @@ struct Goal {
     Measure measure;
 };
 
+// A number that is told without a limit.
+struct Measurement {
+    std::string name, unit;
+    std::function<std::optional<double>()> measure;  // nothing if it can't be taken
+};
+
 // Goals stand in the order in which they were added; each is a benchmark "Goal/<name>/any" and "/wide" with the
 // counters ratio, goal and met.
 void AddGoal(Goal goal);
-// After all were added. `seconds` is spent on each measurement.
+// Each is a benchmark "Measured/<name>" with the counter value.
+void AddMeasurement(Measurement measurement);
+// After all were added. `seconds` is spent on each trial of a goal.
 void RegisterGoals(double seconds);
 
 // The best times of one call each, taken in turns, divided.
@@ -40,5 +48,6 @@ void AddEffectGoals();
 void AddSpectrumGoals();
 void AddConverterGoals();
 void AddChainGoals();
+void AddPlayerMeasurements();
 
 }  // namespace bench

@@ -41,16 +41,6 @@ std::optional<double> CpuSeconds(const std::string& command) {
     return SecondsOf(usage.ru_utime) + SecondsOf(usage.ru_stime);
 }
 
-std::optional<double> BestCpuSeconds(const std::string& command) {
-    std::optional<double> best;
-    for (int run = 0; run < kRuns; ++run) {
-        const std::optional<double> once = CpuSeconds(command);
-        if (!once) return std::nullopt;
-        best = std::min(best.value_or(*once), *once);
-    }
-    return best;
-}
-
 // With the picture less without it.
 std::optional<double> FrameSeconds(const std::string& with, const std::string& without) {
     const std::optional<double> whole = BestCpuSeconds(with);
@@ -60,6 +50,16 @@ std::optional<double> FrameSeconds(const std::string& with, const std::string& w
 }
 
 }  // namespace
+
+std::optional<double> BestCpuSeconds(const std::string& command) {
+    std::optional<double> best;
+    for (int run = 0; run < kRuns; ++run) {
+        const std::optional<double> once = CpuSeconds(command);
+        if (!once) return std::nullopt;
+        best = std::min(best.value_or(*once), *once);
+    }
+    return best;
+}
 
 AudioFile::AudioFile() {
     char name[] = "/tmp/tdkbenchXXXXXX";

@@ -6,6 +6,9 @@
 
 namespace bench {
 
+// Seconds of processor time that a command of the shell takes, all threads, the best of some runs; nothing if it fails.
+std::optional<double> BestCpuSeconds(const std::string& command);
+
 // Stereo 16-bit audio of some seconds, a file that goes with the object.
 class AudioFile {
 public:

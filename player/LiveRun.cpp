@@ -38,8 +38,8 @@ LiveRun::LiveRun(const Options& options, Session& session, Interrupt& interrupt,
         button_ = std::make_unique<SettingsButton>(session.Button(), window_.Handle());
         button_->Place(window_.StripPlace());
     }
-    view_ =
-        std::make_unique<View>(session.Manager(), window_.Handle(), size, session.Plugins(), session.ChosenPlugin());
+    view_ = std::make_unique<ViewGrid>(session.Manager(), window_.Handle(), size, session.Plugins(),
+                                       session.ShownPlugins());
     if (options.Device) keeper_.Note(&PlayerSettings::Device, *options.Device);
     keeper_.Note(&PlayerSettings::Volume, std::optional(session.Sound().Volume()));
     NoteSize(size);

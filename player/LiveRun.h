@@ -11,7 +11,7 @@
 #include "player/Session.h"
 #include "player/SettingsButton.h"
 #include "player/SettingsKeeper.h"
-#include "player/View.h"
+#include "player/ViewGrid.h"
 
 namespace tdkplay {
 
@@ -53,7 +53,7 @@ private:
     bool stands_ = false;  // the window reports its size before the rest is there, and after
     PlayerWindow window_;
     std::unique_ptr<SettingsButton> button_;
-    std::unique_ptr<View> view_;
+    std::unique_ptr<ViewGrid> view_;
     const ComPtr<PluginWatch> pluginWatch_ = MakeCom<PluginWatch>(news_);
     int looksLeft_ = 1;   // at the plug-ins; the first one is for what came before the watch
     DWORD lookedAt_ = 0;  // by GetTickCount

@@ -11,6 +11,7 @@
 
 #include "player/AudioOutput.h"
 #include "player/ExitCode.h"
+#include "player/GridLayout.h"
 #include "player/PlayerSettings.h"
 #include "player/RenderTarget.h"
 #include "player/SilentOutput.h"
@@ -35,6 +36,8 @@ constexpr char kDefaultDevice[] = "default";
 // What CLI11 fills and Options doesn't keep as it stands.
 struct RawOptions {
     std::string Size;
+    std::vector<std::string> Plugins;
+    std::optional<size_t> Views;
     std::string Device;
     std::vector<std::string> Pictures;
     std::vector<double> Times;
@@ -71,14 +74,31 @@ void PairSnapshots(const RawOptions& raw, Options& options) {
         throw UsageError("--at lies beyond --duration");
 }
 
+void TakePlugins(const RawOptions& raw, Options& options) {
+    const size_t most = raw.Views.value_or(kMostViews);
+    if (raw.Plugins.size() > most && options.Sheet.empty())
+        throw UsageError("--viz names more plug-ins than there are views (" + std::to_string(most) + ")");
+    options.Views = raw.Views.value_or(std::max<size_t>(raw.Plugins.size(), 1));
+    if (raw.Plugins.empty()) return;
+    options.Plugin = raw.Plugins.front();
+    options.MorePlugins.assign(raw.Plugins.begin() + 1, raw.Plugins.end());
+}
+
+void Exclude(const CLI::App& app, const std::string& what, std::initializer_list<const char*> others) {
+    for (const char* option : others)
+        if (app.count(option) != 0) throw UsageError(what + " excludes " + option);
+}
+
 void CheckRendering(const CLI::App& app, const Options& options) {
+    const bool isSheet = !options.Sheet.empty();
     if (options.Render.empty()) {
-        for (const char* option : {"--seed", "--audio", "--json"})
+        for (const char* option : {"--audio", "--json"})
             if (app.count(option) != 0) throw UsageError(std::string(option) + " needs --render");
-        return;
+        if (options.Seed && !isSheet) throw UsageError("--seed needs --render or --sheet");
     }
-    for (const char* option : {"--snapshot", "--window", "--loop"})
-        if (app.count(option) != 0) throw UsageError(std::string("--render excludes ") + option);
+    if (isSheet) Exclude(app, "--sheet", {"--render", "--snapshot", "--window", "--loop", "--views"});
+    if (options.Render.empty()) return;
+    Exclude(app, "--render", {"--snapshot", "--window", "--loop"});
     if (!RenderTarget::FromPath(options.Render))
         throw UsageError("--render: \"" + options.Render + "\" is no .mp4, .mkv, .y4m and no folder with / at its end");
 }
@@ -86,7 +106,11 @@ void CheckRendering(const CLI::App& app, const Options& options) {
 void DeclareRendering(CLI::App& app, Options& options, const std::map<std::string, bool>& onOff) {
     app.add_option("--render", options.Render, "Render the song to OUT.mp4, .mkv or .y4m, or as pictures to OUT/")
         ->type_name("OUT");
-    app.add_option("--seed", options.Seed, "Rendering: where the changing effects begin (0)")->type_name("NUMBER");
+    app.add_option("--sheet", options.Sheet,
+                   "Draw all plug-ins, or those that --viz names, over the song as one picture")
+        ->type_name("OUT.png");
+    app.add_option("--seed", options.Seed, "Rendering, sheet: where the changing effects begin (0)")
+        ->type_name("NUMBER");
     app.add_option("--audio", options.RenderAudio, "Rendering: the song in the video, on or off (on)")
         ->transform(CLI::CheckedTransformer(onOff, CLI::ignore_case))
         ->type_name("[on|off]");
@@ -99,7 +123,14 @@ void Declare(CLI::App& app, Options& options, RawOptions& raw) {
     app.footer(kFooter);
     app.add_option("FILE", options.File, "Audio file; without one the player's own piece");
     app.add_flag("--list", options.List, "List the plug-ins: name, path");
-    app.add_option("--viz", options.Plugin, "Plug-in to show: its name, its file's name, or how one begins");
+    app.add_option("--viz", raw.Plugins,
+                   "Plug-in to show: its name, its file's name, or how one begins; one for each view")
+        ->type_name("NAME")
+        ->expected(1)
+        ->allow_extra_args(false)
+        ->take_all();
+    app.add_option("--views", raw.Views, "How many plug-ins to show side by side (1, or as many as --viz names)")
+        ->check(CLI::Range(size_t{1}, kMostViews));
     app.add_option("--size", raw.Size, "Size of the picture (as last, at first 640x480)")->type_name("WxH");
     app.add_option("--fps", options.Picture.FrameRate, "Frames a second, 10 to 30")
         ->check(CLI::Range(kSlowestRate, kFastestRate));
@@ -176,6 +207,7 @@ std::optional<Options> Options::Parse(int argc, const char* const* argv) {
     if (!raw.Size.empty()) options.Size = ParseSize(raw.Size);
     PairSnapshots(raw, options);
     CheckRendering(app, options);
+    TakePlugins(raw, options);
     if (raw.NoAudio) options.Output = kSilentName;
     if (!raw.Device.empty()) options.Device = raw.Device == kDefaultDevice ? "" : raw.Device;
     if (options.Device && options.Output == kSilentName) throw UsageError("--device: this output has no devices");

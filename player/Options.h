@@ -28,10 +28,13 @@ struct Options {
     std::string MakeDemo;  // the file to write the project's own piece to
     bool PrintSettings = false;
     bool ResetSettings = false;
-    std::string Plugin;               // name, file name or the beginning of one; empty: the last one, else the first
+    std::string Plugin;  // name, file name or the beginning of one; empty: the last one, else the first
+    std::vector<std::string> MorePlugins;  // those of the views behind the first, as far as they are named
+    size_t Views = 1;
     std::optional<PictureSize> Size;  // absent: as the window was last, else the usual
     PictureSettings Picture;
     std::vector<SnapshotRequest> Snapshots;  // by time
+    std::string Sheet;                       // the picture of all plug-ins over the song; empty: none
     std::string Render;                      // the video, or the folder for pictures; empty: none
     std::optional<uint32_t> Seed;            // where the changing effects begin
     bool RenderAudio = true;                 // the song goes into the video

@@ -95,4 +95,16 @@ size_t FindPlugin(const std::vector<PluginInfo>& plugins, const std::string& tex
     throw PlayerError(ExitCode::kUnknownPlugin, "no plug-in \"" + text + "\"; there are: " + AllNames(plugins));
 }
 
+void FillUp(std::vector<size_t>& chosen, size_t views, size_t plugins) {
+    const auto isChosen = [&chosen](size_t index) {
+        return std::find(chosen.begin(), chosen.end(), index) != chosen.end();
+    };
+    while (chosen.size() < views) {
+        const size_t next = (chosen.back() + 1) % plugins;
+        size_t other = next;
+        for (size_t tries = 1; tries < plugins && isChosen(other); ++tries) other = (other + 1) % plugins;
+        chosen.push_back(isChosen(other) ? next : other);
+    }
+}
+
 }  // namespace tdkplay

@@ -27,4 +27,8 @@ size_t FindPlugin(const std::vector<PluginInfo>& plugins, const std::string& tex
 // The index of the plug-in whose file is called so, the first if there is none. Throws PlayerError with kNoPlugins.
 size_t FindPluginFile(const std::vector<PluginInfo>& plugins, const std::string& file);
 
+// Makes `chosen`, which isn't empty, as long as `views` with the plug-ins behind its last one, in a circle of
+// `plugins`. None comes twice as long as there are others.
+void FillUp(std::vector<size_t>& chosen, size_t views, size_t plugins);
+
 }  // namespace tdkplay

@@ -11,7 +11,6 @@
 #include "player/PrivateRegistry.h"
 #include "player/RenderProgress.h"
 #include "player/RenderTarget.h"
-#include "player/SettingsKey.h"
 #include "player/SilentOutput.h"
 #include "player/Y4mWriter.h"
 
@@ -19,8 +18,6 @@ namespace tdkplay {
 namespace {
 
 constexpr uint32_t kUsualRate = 30;  // frames a second
-constexpr char kSettingsKey[] = "Software\\Corvane\\Visualizations";
-constexpr char kSeedSetting[] = "VizRandomSeed";
 
 Options WithFrameRate(Options options) {
     options.Picture.FrameRate = options.Picture.FrameRate.value_or(kUsualRate);
@@ -59,7 +56,6 @@ void RenderRun::Render(const Options& asked, std::unique_ptr<Decoder> decoder, c
     const Options options = WithFrameRate(asked);
     const PrivateRegistry registry;
     const ScratchFolder scratch;
-    if (options.Seed) SettingsKey::OpenToWrite(kSettingsKey).SetNumber(kSeedSetting, *options.Seed);
     SteppedRun::Prepare(options);
 
     auto counted = std::make_unique<CountedDecoder>(std::move(decoder));
@@ -84,7 +80,7 @@ RenderRun::RenderRun(const Options& options, Session& session, const CountedDeco
       soundRate_(decoder.Format().Rate),
       limit_(LimitOf(options, soundRate_)),
       run_(options, session, interrupt),
-      window_(run_.AddView(session.ChosenPlugin())) {}
+      window_(run_.AddViews(session.ShownPlugins())) {}
 
 uint64_t RenderRun::ExpectedFrames() const {
     const uint64_t sound = std::min(decoder_.TotalFrames(), limit_);

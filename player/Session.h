@@ -21,8 +21,7 @@ public:
             const PlayerSettings& remembered = {})
         : addOn_(OwnFolder(), *context_),
           plugins_(ListPlugins(addOn_.Manager())),
-          chosenPlugin_(options.Plugin.empty() ? FindPluginFile(plugins_, remembered.Plugin)
-                                               : FindPlugin(plugins_, options.Plugin)),
+          shownPlugins_(ChoosePlugins(options, remembered)),
           playback_(
               *context_, std::move(decoder),
               {outputKind, options.Device.value_or(remembered.Device), options.Device && !options.Device->empty()},
@@ -35,14 +34,23 @@ public:
     IMPAVizMgr& Manager() { return addOn_.Manager(); }
     ITKCommandButton& Button() { return addOn_.Button(); }
     const std::vector<PluginInfo>& Plugins() const { return plugins_; }
-    size_t ChosenPlugin() const { return chosenPlugin_; }
+    // For each view the index of the plug-in that it begins with.
+    const std::vector<size_t>& ShownPlugins() const { return shownPlugins_; }
     Playback& Sound() { return playback_; }
 
 private:
+    std::vector<size_t> ChoosePlugins(const Options& options, const PlayerSettings& remembered) const {
+        std::vector<size_t> chosen = {options.Plugin.empty() ? FindPluginFile(plugins_, remembered.Plugin)
+                                                             : FindPlugin(plugins_, options.Plugin)};
+        for (const std::string& name : options.MorePlugins) chosen.push_back(FindPlugin(plugins_, name));
+        FillUp(chosen, options.Views, plugins_.size());
+        return chosen;
+    }
+
     const ComPtr<HostContext> context_ = MakeCom<HostContext>();
     AddOn addOn_;
     const std::vector<PluginInfo> plugins_;
-    const size_t chosenPlugin_;
+    const std::vector<size_t> shownPlugins_;
     Playback playback_;
 };
 

@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "player/ExitCode.h"
+#include "player/SettingsKey.h"
 #include "player/Snapshot.h"
 
 namespace tdkplay {
@@ -13,10 +14,13 @@ namespace {
 
 constexpr int kColourDepth = 32;
 constexpr uint32_t kLongestStep = 1000;  // milliseconds
+constexpr char kSettingsKey[] = "Software\\Corvane\\Visualizations";
+constexpr char kSeedSetting[] = "VizRandomSeed";
 
 }  // namespace
 
 void SteppedRun::Prepare(const Options& options) {
+    if (options.Seed) SettingsKey::OpenToWrite(kSettingsKey).SetNumber(kSeedSetting, *options.Seed);
     TdkpUseSteppedClock();
     const PictureSize size = options.SizeOrUsual();
     TdkpUseMemoryDisplay(size.Width, size.Height, kColourDepth);
@@ -29,13 +33,13 @@ SteppedRun::~SteppedRun() {
     session_.Sound().Stop();
 }
 
-HWND SteppedRun::AddView(size_t plugin, const std::vector<SnapshotRequest>& snapshots) {
-    views_.push_back(std::make_unique<Shown>(options_, session_, plugin));
+HWND SteppedRun::AddViews(const std::vector<size_t>& plugins, const std::vector<SnapshotRequest>& snapshots) {
+    shown_.push_back(std::make_unique<Shown>(options_, session_, plugins));
     for (const SnapshotRequest& snapshot : snapshots)
         moments_.push_back(
-            {static_cast<uint64_t>(std::llround(snapshot.At * 1000.0)), snapshot.Path, views_.back()->Window.Handle()});
+            {static_cast<uint64_t>(std::llround(snapshot.At * 1000.0)), snapshot.Path, shown_.back()->Window.Handle()});
     Settle();
-    return views_.back()->Window.Handle();
+    return shown_.back()->Window.Handle();
 }
 
 void SteppedRun::Run() {

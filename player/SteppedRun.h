@@ -9,20 +9,21 @@
 #include "player/Interrupt.h"
 #include "player/PlayerWindow.h"
 #include "player/Session.h"
-#include "player/View.h"
+#include "player/ViewGrid.h"
 
 namespace tdkplay {
 
 class SteppedRun {
 public:
-    // Puts the memory display and the stepped clock in place. Before anything else of the system is used.
+    // Puts the memory display and the stepped clock in place, and the seed into the registry, which is then the run's
+    // own. Before anything else of the system is used.
     static void Prepare(const Options& options);
 
     SteppedRun(const Options& options, Session& session, const Interrupt& interrupt);
     ~SteppedRun();
 
-    // A window of its own for this plug-in, and the pictures to take of it. Gives the window.
-    HWND AddView(size_t plugin, const std::vector<SnapshotRequest>& snapshots = {});
+    // A window of its own for these plug-ins side by side, and the pictures to take of it. Gives the window.
+    HWND AddViews(const std::vector<size_t>& plugins, const std::vector<SnapshotRequest>& snapshots = {});
     // Plays from the beginning to the last picture. Throws PlayerError with kCannotWrite or kUsage.
     void Run();
 
@@ -35,11 +36,11 @@ public:
 
 private:
     struct Shown {
-        Shown(const Options& options, Session& session, size_t plugin)
+        Shown(const Options& options, Session& session, const std::vector<size_t>& plugins)
             : Window(options.SizeOrUsual(), nullptr),
-              Picture(session.Manager(), Window.Handle(), options.SizeOrUsual(), session.Plugins(), plugin) {}
+              Pictures(session.Manager(), Window.Handle(), options.SizeOrUsual(), session.Plugins(), plugins) {}
         PlayerWindow Window;
-        View Picture;
+        ViewGrid Pictures;
     };
     struct Moment {
         uint64_t At;  // milliseconds
@@ -52,7 +53,7 @@ private:
     const Options& options_;
     Session& session_;
     const Interrupt& interrupt_;
-    std::vector<std::unique_ptr<Shown>> views_;
+    std::vector<std::unique_ptr<Shown>> shown_;
     std::vector<Moment> moments_;
     uint64_t now_ = 0;  // milliseconds since the piece began
 };

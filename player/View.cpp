@@ -46,11 +46,20 @@ void View::StepPlugin(int direction) {
         if (Select((index_ + (direction > 0 ? tries : count - tries)) % count)) return;
 }
 
-bool View::Refresh() {
-    plugins_ = ListPlugins(manager_);
+std::vector<PluginInfo>::const_iterator View::Find(const std::string& path) const {
+    return std::find_if(plugins_.begin(), plugins_.end(),
+                        [&path](const PluginInfo& plugin) { return plugin.Path == path; });
+}
+
+bool View::Select(const std::string& path) {
+    const auto found = Find(path);
+    return found != plugins_.end() && Select(static_cast<size_t>(found - plugins_.begin()));
+}
+
+bool View::Refresh(std::vector<PluginInfo> plugins) {
+    plugins_ = std::move(plugins);
     const std::string path = CurrentPath();
-    const auto found = std::find_if(plugins_.begin(), plugins_.end(),
-                                    [&path](const PluginInfo& plugin) { return plugin.Path == path; });
+    const auto found = Find(path);
     if (found != plugins_.end()) {
         index_ = static_cast<size_t>(found - plugins_.begin());
         shown_ = *found;

@@ -25,14 +25,18 @@ public:
     const PluginInfo& Plugin() const { return shown_; }
     // To the next (1) or the one before (-1), in a circle; one that can't be loaded is passed over.
     void StepPlugin(int direction);
+    // To the plug-in of this path. False if it isn't in the list or can't be loaded; the view keeps what it had then.
+    bool Select(const std::string& path);
     // Lists the plug-ins anew and sees which one the add-on shows. False as long as that one isn't in the list.
-    bool Refresh();
+    bool Refresh() { return Refresh(ListPlugins(manager_)); }
+    bool Refresh(std::vector<PluginInfo> plugins);
     void Resize(PictureSize size) { view_->Resize(size.Width, size.Height); }
     void Hide() { view_->Hide(); }
     void Show(PictureSize size) { view_->Show(size.Width, size.Height); }
 
 private:
     bool Select(size_t index);
+    std::vector<PluginInfo>::const_iterator Find(const std::string& path) const;
     std::string CurrentPath() const;
 
     IMPAVizMgr& manager_;

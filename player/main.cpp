@@ -18,6 +18,7 @@
 #include "player/PrivateRegistry.h"
 #include "player/RenderRun.h"
 #include "player/Session.h"
+#include "player/SheetRun.h"
 #include "player/SilentOutput.h"
 #include "player/SteppedRun.h"
 #include "player/StoredSettings.h"
@@ -76,7 +77,7 @@ void TakeSnapshots(const Options& options, std::unique_ptr<Decoder> decoder, Int
     SteppedRun::Prepare(options);
     Session session(options, std::move(decoder), kSilentName);
     SteppedRun run(options, session, interrupt);
-    run.AddView(session.ChosenPlugin(), options.Snapshots);
+    run.AddViews(session.ShownPlugins(), options.Snapshots);
     run.Run();
 }
 
@@ -99,7 +100,7 @@ void TakeAllPictures(const Options& options, std::unique_ptr<Decoder> decoder, I
     std::error_code ignored;  // WritePng tells
     std::filesystem::create_directories(kPicturesFolder, ignored);
     for (size_t plugin = 0; plugin < session.Plugins().size(); ++plugin)
-        run.AddView(plugin, PicturesOf(session.Plugins()[plugin], seconds));
+        run.AddViews({plugin}, PicturesOf(session.Plugins()[plugin], seconds));
     run.Run();
     std::printf("There is no display, so here are pictures of each plug-in: %s\n",
                 std::filesystem::absolute(kPicturesFolder, ignored).c_str());
@@ -115,6 +116,7 @@ void Run(const Options& options) {
     RequireSnapshotsWithin(options, *decoder);
     Interrupt interrupt;
     if (!options.Render.empty()) return RenderRun::Render(options, std::move(decoder), interrupt);
+    if (!options.Sheet.empty()) return DrawSheet(options, std::move(decoder), interrupt);
     const Mode mode = ChooseMode(options);
     // Pictures and runs that nobody sees don't depend on what the user has set.
     std::optional<PrivateRegistry> registry;

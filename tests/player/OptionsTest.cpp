@@ -80,6 +80,11 @@ TEST(Options, RefuseWhatMakesNoSenseInOneLine) {
                                  "--render a.mp4 --snapshot a.png --at 1",
                                  "--render a.mp4 --seed -1",
                                  "--seed 1",
+                                 "--views 0",
+                                 "--views 17",
+                                 "--views 1 --viz a --viz b",
+                                 "--sheet a.png --views 2",
+                                 "--sheet a.png --render a.mp4",
                                  "--json"};
     for (const std::string line : cases) {
         SCOPED_TRACE(line);

@@ -27,6 +27,7 @@ public:
     // Shown, above all others, painted white. No window manager is asked.
     xcb_window_t MakeWindow(int x, int y, int width, int height);
     void Move(xcb_window_t window, int x, int y);
+    void Resize(xcb_window_t window, int width, int height);
     void Hide(xcb_window_t window);
     void Unhide(xcb_window_t window);
     void Destroy(xcb_window_t window);
@@ -53,7 +54,7 @@ public:
     std::vector<xcb_window_t> ChildrenOf(xcb_window_t window);
     // Its upper left corner on the screen, as x and y.
     std::pair<int, int> CornerOf(xcb_window_t window);
-    // Width and height.
+    // Width and height, without its border.
     std::pair<int, int> SizeOf(xcb_window_t window);
 
     // Who has the keyboard.

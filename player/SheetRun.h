@@ -1,0 +1,16 @@
+// A song as a contact sheet: what the plug-ins make of it at several moments, on the stepped clock.
+#pragma once
+
+#include <memory>
+
+#include "player/Decoder.h"
+#include "player/Interrupt.h"
+#include "player/Options.h"
+
+namespace tdkplay {
+
+// All plug-ins, or those that the options name. The same song, options and plug-ins give the same bytes. Throws
+// PlayerError, with kInterrupted if the user has stopped it; nothing is written then.
+void DrawSheet(const Options& options, std::unique_ptr<Decoder> decoder, const Interrupt& interrupt);
+
+}  // namespace tdkplay

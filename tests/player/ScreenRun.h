@@ -1,0 +1,62 @@
+// A program on an X server of its own, and a person in front of it.
+#pragma once
+
+#include <chrono>
+#include <csignal>
+#include <functional>
+#include <optional>
+#include <thread>
+
+#include "tests/player/PlayerRun.h"
+#include "tests/x11/ForeignClient.h"
+#include "tests/x11/XServer.h"
+
+namespace tdkplay {
+
+class ScreenRun : public PlayerRun {
+protected:
+    void SetUp() override {
+        PlayerRun::SetUp();
+        if (IsSkipped()) return;
+        if (!XServer::IsInstalled()) GTEST_SKIP() << "Xvfb is not installed";
+        server_.emplace(24);
+        ASSERT_TRUE(server_->Running());
+        display_ = server_->Name();
+        person_.emplace(display_);
+    }
+    // What is still running is told to end.
+    void TearDown() override {
+        if (program_ > 0) kill(program_, SIGINT);
+        ExpectGoodEnd();
+    }
+    void ExpectGoodEnd() {
+        if (program_ <= 0) return;
+        const Outcome outcome = Finish(std::exchange(program_, 0));
+        EXPECT_EQ(outcome.Code, 0) << outcome.Error;
+        EXPECT_EQ(outcome.Error, "");
+    }
+    static bool WaitUntil(const std::function<bool()>& done) {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        while (!done()) {
+            if (std::chrono::steady_clock::now() > end) return false;
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        return true;
+    }
+    // The window on the screen whose title has this in it, or 0.
+    xcb_window_t FindWindow(const std::string& text) {
+        for (const xcb_window_t window : person_->ChildrenOf(person_->Root()))
+            if (person_->TextProperty(window, "WM_NAME").find(text) != std::string::npos) return window;
+        return 0;
+    }
+    void Press(uint32_t keysym) {
+        person_->Key(keysym, true);
+        person_->Key(keysym, false);
+    }
+
+    std::optional<XServer> server_;
+    std::optional<ForeignClient> person_;
+    pid_t program_ = 0;
+};
+
+}  // namespace tdkplay
