@@ -99,7 +99,8 @@ void Declare(CLI::App& app, Options& options, RawOptions& raw) {
     app.footer(kFooter);
     app.add_option("FILE", options.File, "Audio file; without one the player's own piece");
     app.add_flag("--list", options.List, "List the plug-ins: name, path");
-    app.add_option("--viz", options.Plugin, "Plug-in to show: its name, its file's name, or how one begins");
+    app.add_option("--viz", options.Plugin,
+                   "Plug-in to show: its name, its file's name, how one begins, or a path to a file");
     app.add_option("--size", raw.Size, "Size of the picture (as last, at first 640x480)")->type_name("WxH");
     app.add_option("--fps", options.Picture.FrameRate, "Frames a second, 10 to 30")
         ->check(CLI::Range(kSlowestRate, kFastestRate));

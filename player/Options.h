@@ -28,7 +28,7 @@ struct Options {
     std::string MakeDemo;  // the file to write the project's own piece to
     bool PrintSettings = false;
     bool ResetSettings = false;
-    std::string Plugin;               // name, file name or the beginning of one; empty: the last one, else the first
+    std::string Plugin;               // name, file name, beginning of one, or path; empty: the last, else the first
     std::optional<PictureSize> Size;  // absent: as the window was last, else the usual
     PictureSettings Picture;
     std::vector<SnapshotRequest> Snapshots;  // by time
