@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "Color.h"
+#include <tdkviz/kit/color.h>
 
 namespace viz {
 

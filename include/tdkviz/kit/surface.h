@@ -5,7 +5,7 @@
 
 #include <utility>
 
-#include "Canvas.h"
+#include <tdkviz/kit/canvas.h>
 
 namespace viz {
 
