@@ -66,7 +66,10 @@ install(DIRECTORY templates DESTINATION ${CMAKE_INSTALL_DATADIR}/tdkviz)
 install(FILES ${packaging}/tdkplay.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
 install(FILES ${packaging}/tdkplay.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
 install(FILES ${packaging}/tdkplay.png DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/256x256/apps)
-install(FILES ${packaging}/tdkplay.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+execute_process(COMMAND gzip -9n INPUT_FILE ${packaging}/tdkplay.1 OUTPUT_FILE ${made}/tdkplay.1.gz
+  COMMAND_ERROR_IS_FATAL ANY)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${packaging}/tdkplay.1)
+install(FILES ${made}/tdkplay.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES ${packaging}/tdkplay.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
   RENAME tdkplay)
 install(FILES README.md ${packaging}/copyright DESTINATION ${CMAKE_INSTALL_DOCDIR})
@@ -85,12 +88,13 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${TDKVIZ_STAGE_DIR})
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "pipewire-pulse | pulseaudio")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "ffmpeg, xdg-utils")
-set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "music player that shows the music
- tdkplay plays audio files and shows them: plug-ins turn what is heard at that
- moment into pictures, and feedback effects zoom, turn, blur and fade what was
- there before. It plays in a window, and renders songs to videos and pictures
- without one.
- .
- The visualization add-on itself, its plug-ins, and headers and a CMake package
- for those who write plug-ins of their own come with it.")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "music player that shows the music")
+set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
+"tdkplay plays audio files and shows them: plug-ins turn what is heard at that
+moment into pictures, and feedback effects zoom, turn, blur and fade what was
+there before. It plays in a window, and renders songs to videos and pictures
+without one.
+
+The visualization add-on itself, its plug-ins, and headers and a CMake package
+for those who write plug-ins of their own come with it.")
 include(CPack)

@@ -34,14 +34,14 @@ _tdkplay() {
             if [[ $previous == --device ]]; then _tdkplay_names "$unquoted" <<<default; fi
             return ;;
         --effects | --randomize | --audio)
-            COMPREPLY=($(compgen -W 'on off' -- "$current"))
+            mapfile -t COMPREPLY < <(compgen -W 'on off' -- "$current")
             # The switch may stand alone, so what comes next may be a file as well.
             if [[ -n $current && ${#COMPREPLY[@]} -gt 0 ]]; then return; fi ;;
         --output)
-            COMPREPLY=($(compgen -W 'auto pulse silent' -- "$current"))
+            mapfile -t COMPREPLY < <(compgen -W 'auto pulse silent' -- "$current")
             return ;;
         --size)
-            COMPREPLY=($(compgen -W '640x480 1280x720 1920x1080' -- "$current"))
+            mapfile -t COMPREPLY < <(compgen -W '640x480 1280x720 1920x1080' -- "$current")
             return ;;
         --check)
             _tdkplay_files "$unquoted" '\.tkv$'
@@ -59,10 +59,10 @@ _tdkplay() {
             return ;;
     esac
     if [[ $current == -* ]]; then
-        COMPREPLY=($(compgen -W '--at --audio --capture --check --device --devices --duration --effects --fps --headless
+        mapfile -t COMPREPLY < <(compgen -W '--at --audio --capture --check --device --devices --duration --effects --fps --headless
             --help --json --list --loop --make-demo --no-audio --offset --output --randomize --render --reset-settings
             --seed --settings --sheet --shuffle --size --snapshot --version --views --viz --volume --window' \
-            -- "$current"))
+            -- "$current")
         return
     fi
     _tdkplay_files "$unquoted" '\.(wav|aiff?|aifc|flac|og[ga]|opus|mp3|m3u8?)$'

@@ -27,6 +27,14 @@ std::string Variable(const char* name) {
     return value ? value : "";
 }
 
+// Empty if there is no home.
+std::string UsersPluginFolder() {
+    fs::path data = Variable("XDG_DATA_HOME");
+    const fs::path home = Variable("HOME");
+    if (!data.is_absolute() && home.is_absolute()) data = home / ".local" / "share";
+    return data.is_absolute() ? (data / "tdkviz" / kPluginFolder).string() : "";
+}
+
 bool LiesBelow(const fs::path& path, const fs::path& folder) {
     std::error_code error;
     const fs::path way = fs::relative(path, folder, error);  // without links in it
@@ -48,13 +56,6 @@ std::map<std::string, fs::path> OtherPlaces(const fs::path& shared, const std::s
 }
 
 }  // namespace
-
-std::string UsersPluginFolder() {
-    fs::path data = Variable("XDG_DATA_HOME");
-    const fs::path home = Variable("HOME");
-    if (!data.is_absolute() && home.is_absolute()) data = home / ".local" / "share";
-    return data.is_absolute() ? (data / "tdkviz" / kPluginFolder).string() : "";
-}
 
 PluginFolders::PluginFolders(const std::string& plugin) {
     const fs::path shared = fs::path(OwnFolder()) / kPluginFolder;

@@ -1,5 +1,8 @@
 // The plug-ins of a run: those beside the player, the user's own, and a file that the command line names.
 //
+// The user's own lie in $XDG_DATA_HOME/tdkviz/Visualizations, where XDG_DATA_HOME is ~/.local/share unless it is set to
+// an absolute path. Nobody makes that folder but the user.
+//
 // The add-on lists one folder, "Visualizations" beside the program, with its subfolders. If there is more to list, the
 // program counts as lying in a folder of this run, whose "Visualizations" holds links to the places that there are.
 // The add-on watches what the links lead to, so plug-ins come and go in all of them. Nothing of this stays behind, and
@@ -12,10 +15,6 @@
 #include "player/ScratchFolder.h"
 
 namespace tdkplay {
-
-// $XDG_DATA_HOME/tdkviz/Visualizations, where XDG_DATA_HOME is ~/.local/share unless it is set to an absolute path.
-// Nobody makes the folder but the user. Empty if there is no home.
-std::string UsersPluginFolder();
 
 class PluginFolders {
 public:
