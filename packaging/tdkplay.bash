@@ -1,10 +1,12 @@
 # Completion of tdkplay's command line for bash.
 
 _tdkplay_names() {
-    # Names may have blanks in them: each stands in one line of the list, and is quoted where it has to be.
-    local current=$1 name
+    # Names may have blanks in them: each stands in one line of the list, and is quoted unless the user has begun to.
+    local current=$1 typed=${COMP_WORDS[COMP_CWORD]} name
     while IFS= read -r name; do
-        if [[ -n $name && ${name,,} == "${current,,}"* ]]; then COMPREPLY+=("$(printf '%q' "$name")"); fi
+        if [[ -z $name || ${name,,} != "${current,,}"* ]]; then continue; fi
+        if [[ $typed != [\"\']* ]]; then printf -v name '%q' "$name"; fi
+        COMPREPLY+=("$name")
     done
 }
 
