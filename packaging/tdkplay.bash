@@ -31,9 +31,12 @@ _tdkplay() {
                 _tdkplay_names "$unquoted" < <("$player" --list 2>/dev/null | cut -f 1)
             fi
             return ;;
-        --device | --capture)
-            _tdkplay_names "$unquoted" < <("$player" --devices 2>/dev/null | cut -f 1)
-            if [[ $previous == --device ]]; then _tdkplay_names "$unquoted" <<<default; fi
+        --device)
+            _tdkplay_names "$unquoted" < <("$player" --devices 2>/dev/null | grep ^output | cut -f 2)
+            _tdkplay_names "$unquoted" <<<default
+            return ;;
+        --capture)
+            _tdkplay_names "$unquoted" < <("$player" --devices 2>/dev/null | cut -f 2)
             return ;;
         --effects | --randomize | --audio)
             mapfile -t COMPREPLY < <(compgen -W 'on off' -- "$current")

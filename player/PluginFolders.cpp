@@ -42,24 +42,26 @@ bool LiesBelow(const fs::path& path, const fs::path& folder) {
 }
 
 // Where plug-ins lie elsewhere than beside the player, by the name of the link to it.
-std::map<std::string, fs::path> OtherPlaces(const fs::path& shared, const std::string& plugin) {
+std::map<std::string, fs::path> OtherPlaces(const fs::path& shared, const std::vector<std::string>& plugins) {
     std::map<std::string, fs::path> places;
     std::error_code error;
     const fs::path own = fs::canonical(UsersPluginFolder(), error);
     const bool hasOwn = !error && fs::is_directory(own, error) && !LiesBelow(own, shared);
     if (hasOwn) places[kOwnPlace] = own;
-    if (plugin.find('/') == std::string::npos || !fs::is_regular_file(plugin, error)) return places;
-    const fs::path file = fs::canonical(plugin, error);
-    const bool isListed = error || LiesBelow(file, shared) || (hasOwn && LiesBelow(file, own));
-    if (!isListed) places[fs::path(plugin).filename()] = file;
+    for (const fs::path plugin : plugins) {
+        if (!plugin.has_parent_path() || !fs::is_regular_file(plugin, error)) continue;
+        const fs::path file = fs::canonical(plugin, error);
+        const bool isListed = error || LiesBelow(file, shared) || (hasOwn && LiesBelow(file, own));
+        if (!isListed) places[plugin.filename()] = file;
+    }
     return places;
 }
 
 }  // namespace
 
-PluginFolders::PluginFolders(const std::string& plugin) {
+PluginFolders::PluginFolders(const std::vector<std::string>& plugins) {
     const fs::path shared = fs::path(OwnFolder()) / kPluginFolder;
-    std::map<std::string, fs::path> places = OtherPlaces(shared, plugin);
+    std::map<std::string, fs::path> places = OtherPlaces(shared, plugins);
     if (places.empty()) return;
     std::error_code error;
     const auto own = places.find(kOwnPlace);

@@ -1,4 +1,4 @@
-// The plug-ins of a run: those beside the player, the user's own, and a file that the command line names.
+// The plug-ins of a run: those beside the player, the user's own, and files that the command line names.
 //
 // The user's own lie in $XDG_DATA_HOME/tdkviz/Visualizations, where XDG_DATA_HOME is ~/.local/share unless it is set to
 // an absolute path. Nobody makes that folder but the user.
@@ -11,6 +11,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "player/ScratchFolder.h"
 
@@ -18,10 +19,10 @@ namespace tdkplay {
 
 class PluginFolders {
 public:
-    // To be made before the add-on is loaded, and to stay until it has gone. `plugin` is what --viz says; text with a
+    // To be made before the add-on is loaded, and to stay until it has gone. `plugins` is what --viz says; text with a
     // slash that leads to a file counts as a place. If the run's folder can't be made, a warning says so, and there are
     // only the plug-ins beside the player.
-    explicit PluginFolders(const std::string& plugin);
+    explicit PluginFolders(const std::vector<std::string>& plugins);
     ~PluginFolders();
     PluginFolders(const PluginFolders&) = delete;
     PluginFolders& operator=(const PluginFolders&) = delete;

@@ -108,7 +108,7 @@ void TakeAllPictures(const Options& options, std::unique_ptr<Decoder> decoder, I
 
 void Run(const Options& options) {
     if (!options.MakeDemo.empty()) return WriteDemoPiece(options.MakeDemo);
-    const PluginFolders pluginFolders(options.Plugin);
+    const PluginFolders pluginFolders({options.Plugin});
     if (options.List) return List();
     if (options.PrintSettings) return PrintStoredSettings();
     if (options.ResetSettings) return ResetStoredSettings();
