@@ -2,7 +2,9 @@
 
 # The contract headers: all that a plug-in or a host needs.
 add_library(tdkviz_contract INTERFACE)
-target_include_directories(tdkviz_contract INTERFACE ${PROJECT_SOURCE_DIR}/include)
+target_include_directories(tdkviz_contract INTERFACE
+  $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:include>)
+target_compile_features(tdkviz_contract INTERFACE cxx_std_20)
 
 # What a module that speaks Win32 needs: the system itself on Windows, the platform layer elsewhere.
 add_library(tdkviz_system INTERFACE)
@@ -13,7 +15,6 @@ if(WIN32)
   # The runtime that mingw links by default has _stat32 under its older name.
   target_link_options(tdkviz_system INTERFACE -Wl,--defsym,__imp__stat32=__imp__stat)
 else()
-  target_include_directories(tdkviz_system INTERFACE ${PROJECT_SOURCE_DIR}/platform/include)
   target_link_libraries(tdkviz_system INTERFACE tdkplatform)
 endif()
 

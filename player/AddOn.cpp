@@ -1,6 +1,7 @@
 #include "player/AddOn.h"
 
-#include <array>
+#include <filesystem>
+#include <system_error>
 
 #include "player/ExitCode.h"
 #include "player/Values.h"
@@ -40,11 +41,9 @@ bool HasStoredEffectsSetting() {
 }  // namespace
 
 std::string OwnFolder() {
-    std::array<char, 4096> path = {};
-    const DWORD length = GetModuleFileNameA(nullptr, path.data(), static_cast<DWORD>(path.size()));
-    const std::string file(path.data(), length);
-    const size_t separator = file.find_last_of("/\\");
-    return separator == std::string::npos ? "." : file.substr(0, separator);
+    std::error_code error;
+    const std::filesystem::path file = std::filesystem::read_symlink("/proc/self/exe", error);
+    return error ? "." : file.parent_path().string();
 }
 
 AddOn::AddOn(const std::string& folder, HostContext& context) {

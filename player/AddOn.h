@@ -13,7 +13,8 @@
 
 namespace tdkplay {
 
-// The folder of the running program, without a separator at its end.
+// The folder in which the running program really lies, without a separator at its end. What counts as that folder for
+// the plug-ins is another matter (PluginFolders).
 std::string OwnFolder();
 
 class AddOn {

@@ -124,7 +124,7 @@ void Declare(CLI::App& app, Options& options, RawOptions& raw) {
     app.add_option("FILE", options.File, "Audio file; without one the player's own piece");
     app.add_flag("--list", options.List, "List the plug-ins: name, path");
     app.add_option("--viz", raw.Plugins,
-                   "Plug-in to show: its name, its file's name, or how one begins; one for each view")
+                   "Plug-in to show: its name, its file's name, how one begins, or a path to a file; one for each view")
         ->type_name("NAME")
         ->expected(1)
         ->allow_extra_args(false)
@@ -189,6 +189,12 @@ std::vector<std::string> WithSwitchValues(int argc, const char* const* argv) {
 }
 
 }  // namespace
+
+std::vector<std::string> Options::NamedPlugins() const {
+    std::vector<std::string> plugins = MorePlugins;
+    if (!Plugin.empty()) plugins.insert(plugins.begin(), Plugin);
+    return plugins;
+}
 
 std::optional<Options> Options::Parse(int argc, const char* const* argv) {
     Options options;

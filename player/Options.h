@@ -28,7 +28,7 @@ struct Options {
     std::string MakeDemo;  // the file to write the project's own piece to
     bool PrintSettings = false;
     bool ResetSettings = false;
-    std::string Plugin;  // name, file name or the beginning of one; empty: the last one, else the first
+    std::string Plugin;  // name, file name, the beginning of one, or path; empty: the last one, else the first
     std::vector<std::string> MorePlugins;  // those of the views behind the first, as far as they are named
     size_t Views = 1;
     std::optional<PictureSize> Size;  // absent: as the window was last, else the usual
@@ -47,6 +47,8 @@ struct Options {
     std::optional<std::string> Device;  // as the sound server names it; empty: the server's choice
     std::optional<int> Volume;          // percent
 
+    // What --viz says.
+    std::vector<std::string> NamedPlugins() const;
     PictureSize SizeOrUsual() const { return Size.value_or(PictureSize{}); }
 
     // Reads the command line. For --help and --version prints the text and gives nothing. Throws

@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
 #include <optional>
+#include <system_error>
 
 #include "player/ExitCode.h"
 
@@ -22,9 +24,14 @@ bool BeginsWith(const std::string& text, const std::string& beginning) {
     return strncasecmp(text.c_str(), beginning.c_str(), beginning.size()) == 0;
 }
 
+bool IsFile(const std::string& path, const std::string& text) {
+    std::error_code error;
+    return text.find('/') != std::string::npos && std::filesystem::equivalent(path, text, error);
+}
+
 bool IsCalled(const PluginInfo& plugin, const std::string& text) {
     return Equals(plugin.Name, text) || Equals(plugin.FileName(), text) ||
-           Equals(plugin.FileName() + kExtension, text) || plugin.Path == text;
+           Equals(plugin.FileName() + kExtension, text) || IsFile(plugin.Path, text);
 }
 
 bool IsCalledLike(const PluginInfo& plugin, const std::string& text) {
@@ -42,6 +49,12 @@ void RequirePlugins(const std::vector<PluginInfo>& plugins) {
 }
 
 }  // namespace
+
+std::string PluginInfo::RealPath() const {
+    std::error_code error;
+    const std::filesystem::path real = std::filesystem::canonical(Path, error);
+    return error ? Path : real.string();
+}
 
 std::string PluginInfo::File() const {
     return Path.substr(Path.find_last_of("/\\") + 1);

@@ -12,6 +12,7 @@ struct PluginInfo {
     std::string Name;
     std::string Path;  // as the add-on gave it; names the plug-in in all calls
 
+    std::string RealPath() const;  // for people: where the file lies, whatever links lead to it
     std::string File() const;      // without its folder
     std::string FileName() const;  // without folder and ".tkv"
 };
@@ -19,8 +20,8 @@ struct PluginInfo {
 // All that can be loaded, in the add-on's order.
 std::vector<PluginInfo> ListPlugins(IMPAVizMgr& manager);
 
-// The index of the plug-in that `text` means, without regard to case: its name or its file's name, or the
-// beginning of one if only one plug-in begins so. Empty text means the first. Throws PlayerError with
+// The index of the plug-in that `text` means: a path to its file, or without regard to case its name or its file's
+// name, or the beginning of one if only one plug-in begins so. Empty text means the first. Throws PlayerError with
 // kNoPlugins or kUnknownPlugin.
 size_t FindPlugin(const std::vector<PluginInfo>& plugins, const std::string& text);
 

@@ -15,6 +15,7 @@
 #include "player/ExitCode.h"
 #include "player/Interrupt.h"
 #include "player/LiveRun.h"
+#include "player/PluginFolders.h"
 #include "player/PrivateRegistry.h"
 #include "player/RenderRun.h"
 #include "player/Session.h"
@@ -64,7 +65,7 @@ void List() {
     AddOn addOn(OwnFolder(), *context);
     const std::vector<PluginInfo> plugins = ListPlugins(addOn.Manager());
     FindPlugin(plugins, {});  // none at all is an error
-    for (const PluginInfo& plugin : plugins) std::printf("%s\t%s\n", plugin.Name.c_str(), plugin.Path.c_str());
+    for (const PluginInfo& plugin : plugins) std::printf("%s\t%s\n", plugin.Name.c_str(), plugin.RealPath().c_str());
 }
 
 void PlayLive(const Options& options, std::unique_ptr<Decoder> decoder, Interrupt& interrupt) {
@@ -108,6 +109,7 @@ void TakeAllPictures(const Options& options, std::unique_ptr<Decoder> decoder, I
 
 void Run(const Options& options) {
     if (!options.MakeDemo.empty()) return WriteDemoPiece(options.MakeDemo);
+    const PluginFolders pluginFolders(options.NamedPlugins());
     if (options.List) return List();
     if (options.PrintSettings) return PrintStoredSettings();
     if (options.ResetSettings) return ResetStoredSettings();

@@ -3,9 +3,11 @@
 // A worked example of the older interface.
 #include <array>
 
-#include "common/Plugin.h"
-#include "common/Spectrum.h"
-#include "common/Waveform.h"
+#include <tdkviz/kit/plugin.h>
+#include <tdkviz/kit/spectrum.h>
+#include <tdkviz/kit/waveform.h>
+
+#include "Creator.h"
 
 namespace {
 
@@ -28,15 +30,11 @@ using Ribbon = std::array<Point, kSteps + 1>;
 
 class Flow final : public viz::PluginBase<IMPAVisualization, kIID_IMPAVisualization> {
 public:
-    HRESULT GetInfo(char* name, char* creator, char* description) override {
-        return Tell(name, "Flow", creator, description,
-                    "Ribbons of light that the image effects turn into flow. Click for other colours.");
-    }
-    HRESULT GetCapabilities(uint32_t* effectMask, bool* wantsSpectrum, IKVAValues*) override {
-        *effectMask = kEffectsAll;
-        *wantsSpectrum = true;
-        return S_OK;
-    }
+    Flow()
+        : PluginBase(
+              {.Name = "Flow",
+               .Creator = kCreator,
+               .Description = "Ribbons of light that the image effects turn into flow. Click for other colours."}) {}
     HRESULT SetHostString(const char*) override { return S_OK; }
     HRESULT Configure(HWND) override { return E_NOTIMPL; }
 

@@ -3,9 +3,11 @@
 // Shows how little to draw when the feedback does the rest.
 #include <array>
 
-#include "common/Plugin.h"
-#include "common/Spectrum.h"
-#include "common/Waveform.h"
+#include <tdkviz/kit/plugin.h>
+#include <tdkviz/kit/spectrum.h>
+#include <tdkviz/kit/waveform.h>
+
+#include "Creator.h"
 
 namespace {
 
@@ -19,10 +21,11 @@ constexpr int kDrops = 3;  // that circle each well and give the plumes their th
 
 class Ink final : public viz::BufferPlugin {
 public:
-    HRESULT GetInfo(char* name, char* creator, char* description) override {
-        return Tell(name, "Ink", creator, description,
-                    "Wells of ink that the effects draw out into plumes. Click for other colours.");
-    }
+    Ink()
+        : BufferPlugin(
+              {.Name = "Ink",
+               .Creator = kCreator,
+               .Description = "Wells of ink that the effects draw out into plumes. Click for other colours."}) {}
 
 private:
     void Paint(const Canvas& canvas, const VizAnalysisFrame& frame) override {

@@ -1,12 +1,13 @@
 // Meters: the loudness of both channels on two needles that move like real ones.
 // A worked example of window mode: it gets a window instead of pixels, paints into it with the system's own
 // drawing, and gives everything back in IMPAVisualizationClose.
-#include "common/Surface.h"
-
 #include <mutex>
 
-#include "common/Plugin.h"
-#include "common/Waveform.h"
+#include <tdkviz/kit/plugin.h>
+#include <tdkviz/kit/surface.h>
+#include <tdkviz/kit/waveform.h>
+
+#include "Creator.h"
 
 namespace {
 
@@ -40,6 +41,12 @@ struct Dial {
 class Meters final : public viz::PluginBase<IMPAVisualization2, kIID_IMPAVisualization2>,
                      public IMPAVisualizationClose {
 public:
+    Meters()
+        : PluginBase({.Name = "Meters",
+                      .Creator = kCreator,
+                      .Description = "The loudness of both channels on two needles.",
+                      .Effects = 0,
+                      .WantsSpectrum = false}) {}
     HRESULT QueryInterface(const GUID& id, void** out) override {
         if (!(id == kIID_IMPAVisualizationClose)) return PluginBase::QueryInterface(id, out);
         *out = static_cast<IMPAVisualizationClose*>(this);
@@ -48,12 +55,8 @@ public:
     }
     ULONG AddRef() override { return PluginBase::AddRef(); }
     ULONG Release() override { return PluginBase::Release(); }
-    HRESULT GetInfo(char* name, char* creator, char* description) override {
-        return Tell(name, "Meters", creator, description, "The loudness of both channels on two needles.");
-    }
     HRESULT GetCapabilities(uint32_t* effectMask, bool* wantsSpectrum, IKVAValues* properties) override {
-        *effectMask = 0;
-        *wantsSpectrum = false;
+        PluginBase::GetCapabilities(effectMask, wantsSpectrum, properties);
         return properties->SetNumber(kPropertyRenderMode, kRenderToWindow);
     }
     HRESULT SetPreferences(IKVAPreferences*) override { return S_OK; }

@@ -1,7 +1,9 @@
 // Oscilloscope: the waveforms of both channels as glowing lines. A click changes the colours.
 // Shows how a steady tone is made to stand still, and how little a plug-in needs.
-#include "common/Plugin.h"
-#include "common/Waveform.h"
+#include <tdkviz/kit/plugin.h>
+#include <tdkviz/kit/waveform.h>
+
+#include "Creator.h"
 
 namespace {
 
@@ -26,15 +28,11 @@ constexpr float kVeil = 0.30F;
 
 class Oscilloscope final : public viz::BufferPlugin {
 public:
-    HRESULT GetInfo(char* name, char* creator, char* description) override {
-        return Tell(name, "Oscilloscope", creator, description,
-                    "The waveforms of both channels as glowing lines. Click for other colours.");
-    }
-    HRESULT GetCapabilities(uint32_t* effectMask, bool* wantsSpectrum, IKVAValues*) override {
-        *effectMask = kEffectsAll;
-        *wantsSpectrum = false;
-        return S_OK;
-    }
+    Oscilloscope()
+        : BufferPlugin({.Name = "Oscilloscope",
+                        .Creator = kCreator,
+                        .Description = "The waveforms of both channels as glowing lines. Click for other colours.",
+                        .WantsSpectrum = false}) {}
 
 private:
     void Paint(const Canvas& canvas, const VizAnalysisFrame& frame) override {

@@ -1,8 +1,10 @@
 // Radial Spectrum: the spectrum as a flower round a core that breathes with the bass. Bass sits below, treble
 // above, left and right channel on their sides. Shows how to map sound to a circle and let it turn.
-#include "common/Plugin.h"
-#include "common/Spectrum.h"
-#include "common/Waveform.h"
+#include <tdkviz/kit/plugin.h>
+#include <tdkviz/kit/spectrum.h>
+#include <tdkviz/kit/waveform.h>
+
+#include "Creator.h"
 
 namespace {
 
@@ -18,10 +20,10 @@ constexpr float kRest = 0.012F;
 
 class RadialSpectrum final : public viz::BufferPlugin {
 public:
-    HRESULT GetInfo(char* name, char* creator, char* description) override {
-        return Tell(name, "Radial Spectrum", creator, description,
-                    "The spectrum as a slowly turning flower. Click for other colours.");
-    }
+    RadialSpectrum()
+        : BufferPlugin({.Name = "Radial Spectrum",
+                        .Creator = kCreator,
+                        .Description = "The spectrum as a slowly turning flower. Click for other colours."}) {}
 
 private:
     void Paint(const Canvas& canvas, const VizAnalysisFrame& frame) override {

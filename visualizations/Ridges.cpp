@@ -4,9 +4,11 @@
 #include <array>
 #include <vector>
 
-#include "common/Plugin.h"
-#include "common/Spectrum.h"
-#include "common/Waveform.h"
+#include <tdkviz/kit/plugin.h>
+#include <tdkviz/kit/spectrum.h>
+#include <tdkviz/kit/waveform.h>
+
+#include "Creator.h"
 
 namespace {
 
@@ -21,15 +23,11 @@ using Ridge = std::array<float, kPoints>;
 
 class Ridges final : public viz::BufferPlugin {
 public:
-    HRESULT GetInfo(char* name, char* creator, char* description) override {
-        return Tell(name, "Ridges", creator, description,
-                    "The music as hills that roll away into the night. Click for another night.");
-    }
-    HRESULT GetCapabilities(uint32_t* effectMask, bool* wantsSpectrum, IKVAValues*) override {
-        *effectMask = 0;
-        *wantsSpectrum = true;
-        return S_OK;
-    }
+    Ridges()
+        : BufferPlugin({.Name = "Ridges",
+                        .Creator = kCreator,
+                        .Description = "The music as hills that roll away into the night. Click for another night.",
+                        .Effects = 0}) {}
 
 private:
     void Paint(const Canvas& canvas, const VizAnalysisFrame& frame) override {

@@ -1,7 +1,9 @@
 // Spectrum Bars: the loudness of each range of pitch as a bar, with its recent peak floating above.
 // A click changes the colours. Shows how to turn bands of equal width into steps that the ear calls equal.
-#include "common/Plugin.h"
-#include "common/Spectrum.h"
+#include <tdkviz/kit/plugin.h>
+#include <tdkviz/kit/spectrum.h>
+
+#include "Creator.h"
 
 namespace {
 
@@ -16,10 +18,11 @@ constexpr uint16_t kAfterglow = 150;
 
 class SpectrumBars final : public viz::BufferPlugin {
 public:
-    HRESULT GetInfo(char* name, char* creator, char* description) override {
-        return Tell(name, "Spectrum Bars", creator, description,
-                    "Bass to treble as bars, with their peaks floating above. Click for other colours.");
-    }
+    SpectrumBars()
+        : BufferPlugin(
+              {.Name = "Spectrum Bars",
+               .Creator = kCreator,
+               .Description = "Bass to treble as bars, with their peaks floating above. Click for other colours."}) {}
 
 private:
     void Paint(const Canvas& canvas, const VizAnalysisFrame& frame) override {

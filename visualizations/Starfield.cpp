@@ -2,9 +2,11 @@
 // a band of its own. Shows particles: where they are born, how they move evenly, when they are reborn.
 #include <array>
 
-#include "common/Plugin.h"
-#include "common/Spectrum.h"
-#include "common/Waveform.h"
+#include <tdkviz/kit/plugin.h>
+#include <tdkviz/kit/spectrum.h>
+#include <tdkviz/kit/waveform.h>
+
+#include "Creator.h"
 
 namespace {
 
@@ -25,14 +27,14 @@ struct Star {
 
 class Starfield final : public viz::BufferPlugin {
 public:
-    Starfield() {
+    Starfield()
+        : BufferPlugin({.Name = "Starfield",
+                        .Creator = kCreator,
+                        .Description = "A flight between stars that listen to the music."}) {
         for (Star& star : stars_) {
             Bear(star);
             star.Depth = kNearest + (kFarthest - kNearest) * Chance();
         }
-    }
-    HRESULT GetInfo(char* name, char* creator, char* description) override {
-        return Tell(name, "Starfield", creator, description, "A flight between stars that listen to the music.");
     }
 
 private:

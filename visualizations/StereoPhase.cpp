@@ -1,8 +1,10 @@
 // Stereo Phase: left against right, as a beam on a phosphor screen. A vertical line is mono, a wide cloud is
 // wide stereo, a level line is out of phase. Shows a beam whose light depends on its speed, and an effect mask
 // that leaves only what such a screen does by itself.
-#include "common/Plugin.h"
-#include "common/Waveform.h"
+#include <tdkviz/kit/plugin.h>
+#include <tdkviz/kit/waveform.h>
+
+#include "Creator.h"
 
 namespace {
 
@@ -21,15 +23,12 @@ constexpr int kEvery = 2;  // samples from point to point
 
 class StereoPhase final : public viz::BufferPlugin {
 public:
-    HRESULT GetInfo(char* name, char* creator, char* description) override {
-        return Tell(name, "Stereo Phase", creator, description,
-                    "Left against right on a phosphor screen. Click for another phosphor.");
-    }
-    HRESULT GetCapabilities(uint32_t* effectMask, bool* wantsSpectrum, IKVAValues*) override {
-        *effectMask = kEffectFade | kEffectBlur;
-        *wantsSpectrum = false;
-        return S_OK;
-    }
+    StereoPhase()
+        : BufferPlugin({.Name = "Stereo Phase",
+                        .Creator = kCreator,
+                        .Description = "Left against right on a phosphor screen. Click for another phosphor.",
+                        .Effects = kEffectFade | kEffectBlur,
+                        .WantsSpectrum = false}) {}
 
 private:
     void Paint(const Canvas& canvas, const VizAnalysisFrame& frame) override {

@@ -2,9 +2,11 @@
 // light a ring; the tunnel bends slowly. Shows a scene in depth that is made of nothing but strokes.
 #include <array>
 
-#include "common/Plugin.h"
-#include "common/Spectrum.h"
-#include "common/Waveform.h"
+#include <tdkviz/kit/plugin.h>
+#include <tdkviz/kit/spectrum.h>
+#include <tdkviz/kit/waveform.h>
+
+#include "Creator.h"
 
 namespace {
 
@@ -27,12 +29,11 @@ struct Ring {
 
 class Tunnel final : public viz::BufferPlugin {
 public:
-    Tunnel() {
+    Tunnel()
+        : BufferPlugin({.Name = "Tunnel",
+                        .Creator = kCreator,
+                        .Description = "A flight through rings that the music has shaped. Click for other colours."}) {
         for (Ring& ring : rings_) Shape(ring);
-    }
-    HRESULT GetInfo(char* name, char* creator, char* description) override {
-        return Tell(name, "Tunnel", creator, description,
-                    "A flight through rings that the music has shaped. Click for other colours.");
     }
 
 private:

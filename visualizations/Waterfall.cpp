@@ -5,10 +5,12 @@
 #include <atomic>
 #include <vector>
 
-#include "common/ChoiceDialog.h"
-#include "common/Plugin.h"
-#include "common/Preferences.h"
-#include "common/Spectrum.h"
+#include <tdkviz/kit/choice_dialog.h>
+#include <tdkviz/kit/plugin.h>
+#include <tdkviz/kit/preferences.h>
+#include <tdkviz/kit/spectrum.h>
+
+#include "Creator.h"
 
 namespace {
 
@@ -26,13 +28,15 @@ const std::vector<viz::ChoiceGroup> kChoices = {{"Colours", {"Ember", "Sea", "Or
 
 class Waterfall final : public viz::BufferPlugin {
 public:
-    HRESULT GetInfo(char* name, char* creator, char* description) override {
-        return Tell(name, "Waterfall", creator, description,
-                    "The spectrum and its past. Colours and pace can be configured; a click changes the colours.");
-    }
+    Waterfall()
+        : BufferPlugin(
+              {.Name = "Waterfall",
+               .Creator = kCreator,
+               .Description =
+                   "The spectrum and its past. Colours and pace can be configured; a click changes the colours.",
+               .Effects = 0}) {}
     HRESULT GetCapabilities(uint32_t* effectMask, bool* wantsSpectrum, IKVAValues* properties) override {
-        *effectMask = 0;
-        *wantsSpectrum = true;
+        PluginBase::GetCapabilities(effectMask, wantsSpectrum, properties);
         return properties->SetNumber(kPropertySupportConfigure, 1);
     }
     HRESULT SetPreferences(IKVAPreferences* preferences) override {

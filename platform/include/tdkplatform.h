@@ -1,5 +1,5 @@
-// The layer's own switches: display, clock, pictures of windows, input fed by a program. They have no
-// counterpart on Windows; programs that run there too don't include this header.
+// The layer's own switches: clock, the program's place, display, pictures of windows, input fed by a program. They have
+// no counterpart on Windows; programs that run there too don't include this header.
 #pragma once
 
 #include "windef.h"
@@ -11,6 +11,10 @@ TDKP_API BOOL TdkpUseSteppedClock(void);
 TDKP_API void TdkpAdvanceClock(DWORD milliseconds);
 // Comes back when every thread that the layer made waits, without moving the clock.
 TDKP_API void TdkpSettle(void);
+
+// Modules. Where the program's file counts as being: from now on GetModuleFileNameA gives this absolute path for the
+// program. Libraries are looked for beside the file itself all the same. Null or empty: as it is. Any thread.
+TDKP_API void TdkpUseProgramPath(const char* path);
 
 // Display. Must be asked for before the first window: the memory display with this size and depth
 // (32, 16, 15 or 8). FALSE if a display is in use already.

@@ -10,6 +10,7 @@
 #include <link.h>
 #include <unistd.h>
 
+#include "platform/include/tdkplatform.h"
 #include "platform/include/winbase.h"
 #include "platform/kernel/Dispatcher.h"
 #include "platform/kernel/Immortal.h"
@@ -29,6 +30,7 @@ struct Module {
 struct ModuleTable {
     LayerMutex Lock;  // never held across a call of the loader, which runs code of the modules
     std::map<HMODULE, Module> Modules;
+    std::string ProgramPath;  // counts as the executable's; empty: its own
 };
 
 constexpr std::string_view kWindowsExtension = ".dll";
@@ -44,6 +46,12 @@ std::string ExecutablePath() {
     const ssize_t length = readlink("/proc/self/exe", path.data(), path.size());
     path.resize(length > 0 ? static_cast<size_t>(length) : 0);
     return path;
+}
+
+std::string ProgramPath() {
+    ModuleTable& table = Table();
+    LayerGuard guard(table.Lock);
+    return table.ProgramPath.empty() ? ExecutablePath() : table.ProgramPath;
 }
 
 HMODULE ExecutableModule() {
@@ -231,13 +239,19 @@ BOOL FreeLibrary(HMODULE module) {
     return tdkp::DropModule(module) ? TRUE : tdkp::FailModule(ERROR_INVALID_HANDLE);
 }
 
+void TdkpUseProgramPath(const char* path) {
+    tdkp::ModuleTable& table = tdkp::Table();
+    tdkp::LayerGuard guard(table.Lock);
+    table.ProgramPath = path != nullptr ? path : "";
+}
+
 DWORD GetModuleFileNameA(HMODULE module, LPSTR path, DWORD size) {
     if (path == nullptr) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return 0;
     }
-    if (module == nullptr) {
-        return tdkp::CopyPath(tdkp::ExecutablePath(), path, size);
+    if (module == nullptr || module == tdkp::ExecutableModule()) {
+        return tdkp::CopyPath(tdkp::ProgramPath(), path, size);
     }
     std::string text;
     {

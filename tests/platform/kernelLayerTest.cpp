@@ -113,6 +113,20 @@ TEST(LayerLibrary, LoadsByWindowsNamesAndKeepsToTheModulesOwnExports) {
     for (int i = 0; i < 2; ++i) EXPECT_TRUE(FreeLibrary(library));
 }
 
+TEST(LayerLibrary, TheProgramCountsAsBeingWhereItIsSaidToBe) {
+    const auto programPath = [](HMODULE program) {
+        char path[MAX_PATH];
+        return std::string(path, GetModuleFileNameA(program, path, sizeof(path)));
+    };
+    const std::string own = programPath(nullptr);
+    TdkpUseProgramPath("/elsewhere/program");
+    EXPECT_EQ(programPath(nullptr), "/elsewhere/program");
+    EXPECT_EQ(programPath(GetModuleHandleA(nullptr)), "/elsewhere/program");
+    EXPECT_NE(GetModuleHandleA("libtdkplatform.so"), nullptr) << "which lies beside the file itself or the layer";
+    TdkpUseProgramPath(nullptr);
+    EXPECT_EQ(programPath(nullptr), own);
+}
+
 DWORD WINAPI ReturnAtOnce(LPVOID) {
     return 0;
 }

@@ -51,6 +51,7 @@ protected:
         setenv("DISPLAY", display_.c_str(), 1);
         unsetenv("TDKVIZ_DISPLAY");
         setenv("TDKVIZ_REGISTRY", registry_.c_str(), 1);
+        setenv("XDG_DATA_HOME", dataHome_.c_str(), 1);
         if (chdir(folder_.File("").c_str()) == 0) execv(program.c_str(), pointers.data());
         _exit(127);
     }
@@ -77,6 +78,7 @@ protected:
 
     const TemporaryFolder folder_;
     std::string registry_ = folder_.File("registry.db");
+    std::string dataHome_ = folder_.File("data");
     std::string display_;
     std::string song_;
 };

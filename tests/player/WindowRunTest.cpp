@@ -100,6 +100,22 @@ TEST_F(WindowRun, PluginsComeAndGoWhileItPlays) {
     EXPECT_TRUE(shows("Flow"));
 }
 
+TEST_F(WindowRun, APluginDroppedIntoTheUsersFolderIsShown) {
+    constexpr milliseconds kBusyMachine{20000};
+    const std::string own = dataHome_ + "/tdkviz/Visualizations";
+    fs::create_directories(own);
+    Play({"--viz", "Flow"});
+    fs::copy(TEST_PLUGIN_DIR "/Glow.tkv", own + "/Glow.tkv");
+    EXPECT_TRUE(WaitUntil(
+        [this] {
+            Press(kDown);
+            return WaitUntil([this] { return FindWindow(" - Glow - ") != 0; }, milliseconds(200));
+        },
+        kBusyMachine));
+    fs::remove(own + "/Glow.tkv");
+    EXPECT_TRUE(WaitUntil([this] { return FindWindow(" - Glow - ") == 0; }, kBusyMachine));
+}
+
 TEST_F(WindowRun, TheButtonOpensTheSettingsAndShowsTheSwitch) {
     Play({});
     const auto [left, top] = person_->CornerOf(FindWindow("song.wav"));

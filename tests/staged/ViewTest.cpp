@@ -168,8 +168,8 @@ TEST_F(ViewTest, ClickReceiversAreTold) {
 }
 
 TEST_F(ViewTest, PluginOfTheGuideDrawsItsLine) {
-    Install({"Glow.tkv"});
-    ASSERT_TRUE(host_->MakeView("Glow.tkv", 200, 152));
+    Install({"Line.tkv"});
+    ASSERT_TRUE(host_->MakeView("Line.tkv", 200, 152));
     host_->StartDevice(100, 441);
     host_->SetState(kEngineStatePlaying);
     host_->Advance(300);

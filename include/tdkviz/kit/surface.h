@@ -5,7 +5,7 @@
 
 #include <utility>
 
-#include "Canvas.h"
+#include <tdkviz/kit/canvas.h>
 
 namespace viz {
 
@@ -43,12 +43,14 @@ public:
 
     bool IsGood() const { return former_ != nullptr; }
     bool IsOfSize(int width, int height) const { return IsGood() && width == width_ && height == height_; }
+    // This object's own; good while it lives and isn't moved from.
     HDC Context() const { return context_; }
     // For as long as the system isn't asked to draw on it.
     Canvas Paint() const {
         GdiFlush();
         return Canvas(pixels_, width_, height_, width_ * 4);
     }
+    // To the top left corner of what `to` draws on.
     void CopyTo(HDC to) const { BitBlt(to, 0, 0, width_, height_, context_, 0, 0, SRCCOPY); }
 
 private:

@@ -12,6 +12,7 @@ namespace viz {
 
 using Color = uint32_t;
 
+// A whole turn, in radians.
 inline constexpr float kTurn = 6.2831853F;
 
 // `share`/256 of a colour; share is 0 to 256.
@@ -24,15 +25,19 @@ inline uint32_t ShareOf(float part) {
     return static_cast<uint32_t>(std::clamp(part, 0.0F, 1.0F) * 256);
 }
 
+// The colour at a part of its brightness, from 0 to 1.
 inline Color Dimmed(Color color, float part) {
     return Shade(color, ShareOf(part));
 }
 
+// From one colour at 0 to the other at 1, byte by byte: for neighbours and for speed. A Palette takes even steps.
 inline Color Mix(Color from, Color to, float part) {
     const uint32_t share = ShareOf(part);
     return Shade(from, 256 - share) + Shade(to, share);
 }
 
+// A colour in OKLab: lightness from 0 to 1, and how far it is from grey towards red and towards yellow, some -0.4 to
+// 0.4.
 struct Lab {
     float L, A, B;
 
@@ -48,10 +53,12 @@ struct Lab {
         return {0.2104543F * l + 0.7936178F * m - 0.0040720F * s, 1.9779985F * l - 2.4285922F * m + 0.4505937F * s,
                 0.0259040F * l + 0.7827718F * m - 0.8086758F * s};
     }
-    // Hue from 0 to 1, once round from pink over yellow, green and blue.
+    // `chroma`: the distance from grey, 0 to some 0.3. Hue from 0 to 1, once round from pink over yellow, green and
+    // blue.
     static Lab FromHue(float lightness, float chroma, float hue) {
         return {lightness, chroma * std::cos(hue * kTurn), chroma * std::sin(hue * kTurn)};
     }
+    // What no screen can show becomes the nearest in each of red, green and blue.
     Color ToColor() const {
         const auto cube = [](float value) { return value * value * value; };
         const float l = cube(L + 0.3963378F * A + 0.2158038F * B);
@@ -90,6 +97,7 @@ public:
         return wheel;
     }
 
+    // Taken modulo 256.
     Color operator[](size_t index) const { return colors_[index & (kSize - 1)]; }
     // From the first colour at 0 to the last at 1.
     Color At(float place) const {

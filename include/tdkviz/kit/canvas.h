@@ -1,5 +1,5 @@
-// A picture to paint on: hides pitch and orientation, clips everything, draws smooth strokes and lights.
-// All pixels are worked out in integers, a few operations each.
+// A picture to paint on, for one thread and the length of one Paint: hides pitch and orientation, clips everything,
+// draws smooth strokes and lights. All pixels are worked out in integers, a few operations each.
 #pragma once
 
 #include <algorithm>
@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "Color.h"
+#include <tdkviz/kit/color.h>
 
 namespace viz {
 
@@ -33,6 +33,7 @@ public:
         }
         for (int i = end; i < end + 2 * kSteps; ++i) shares_[i] = 0;
     }
+    // Pixels from the middle to the end of all light.
     float Reach() const { return reach_; }
     // How much of the colour, of 256, at a distance in 1/8 pixel of at most a pixel beyond the reach: the same
     // number in four lanes of 16 bits.
@@ -56,8 +57,10 @@ public:
         top_ = static_cast<uint8_t*>(pixels) + (pitch < 0 ? (height - 1) * -stride_ : 0);
     }
 
+    // In pixels. The size can change from frame to frame.
     int Width() const { return width_; }
     int Height() const { return height_; }
+    // The shorter side: what is measured in it fits pictures of any form.
     float Smaller() const { return static_cast<float>(std::min(width_, height_)); }
     // The width of a fine line: pictures of any size look alike.
     float Unit() const { return std::max(1.0F, Smaller() / 240); }
@@ -86,6 +89,7 @@ public:
         }
     }
 
+    // One colour everywhere.
     void Clear(Color color = 0) const {
         for (int y = 0; y < height_; ++y) std::fill_n(Row(y), width_, color);
     }
@@ -141,6 +145,7 @@ public:
         pixel = Higher<0xFF00FF>(pixel, color) | Higher<0x00FF00>(pixel, color);
     }
 
+    // Whole, and from 0 to `limit`.
     static int ClampTo(float value, int limit) {
         return static_cast<int>(std::clamp(value, 0.0F, static_cast<float>(limit)));
     }

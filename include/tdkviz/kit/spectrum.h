@@ -9,13 +9,14 @@
 
 namespace viz {
 
-// One band on its way up and down.
+// One band on its way up and down. Counted in frames, as all motion here.
 struct Band {
     float Height = 0;  // 0 to 1
     float Peak = 0;    // stands for a moment, then falls
     float Speed = 0;
     int Hold = 0;
 
+    // Once a frame, with the loudness of now, 0 to 1.
     void Follow(float target) {
         constexpr float kRise = 0.72F, kFall = 0.16F, kGravity = 0.0022F;
         constexpr int kPeakHold = 9;
@@ -38,6 +39,7 @@ class Spectrum {
 public:
     static constexpr int kBands = 192;  // 16.5 kHz at 44,100 Hz
 
+    // One of these once a frame.
     void Follow(const VizAnalysisFrame& frame) { Follow(frame.SpectrumLeft, frame.SpectrumRight); }
     // The louder of the two for each band.
     void Follow(const uint8_t* left, const uint8_t* right) {
@@ -55,6 +57,7 @@ public:
         top_ += (loudest - top_) * (loudest > top_ ? kTopRise : kTopFall);
     }
 
+    // k from 0 to kBands - 1.
     const Band& operator[](int k) const { return bands_[k]; }
     // Of this frame alone, 0 to 1.
     float Now(int k) const { return now_[k]; }
@@ -106,6 +109,7 @@ public:
             (Start(1) > narrowest ? low : high) = curve_;
         }
     }
+    // 0 for the first, Spectrum::kBands behind the last one.
     float Start(int i) const {
         return Spectrum::kBands * std::expm1(curve_ * static_cast<float>(i) / static_cast<float>(count_)) /
                std::expm1(curve_);
@@ -129,7 +133,9 @@ public:
         swell_ += hit_ > swell_ ? (hit_ - swell_) * 0.6F : -swell_ * 0.12F;
         return hit_;
     }
+    // As Follow gave it.
     float Hit() const { return hit_; }
+    // How loud the bass is, 0 to 1.
     float Bass() const { return bass_; }
     // A hit that takes a second to die away: what moves with it moves smoothly.
     float Swell() const { return swell_; }

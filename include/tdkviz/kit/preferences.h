@@ -60,6 +60,7 @@ public:
         text->Release();
         return good ? static_cast<uint32_t>(value) : usual;
     }
+    // Stored at once. [any]
     void Write(const char* name, uint32_t value) const {
         TextBuffer text(std::to_string(value));
         if (object_) object_->WriteValue(name, &text);

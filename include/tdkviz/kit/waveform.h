@@ -13,6 +13,7 @@ namespace viz {
 // Follows the loudness of the music: fast up, slow down. 0 to 1.
 class Loudness {
 public:
+    // Once a frame. Gives the level.
     float Follow(const VizAnalysisFrame& frame) {
         float square = 0;
         int peak = 0;
@@ -29,8 +30,10 @@ public:
         presence_ = std::clamp(presence_ + (peak > 1 ? 0.1F : -0.007F), 0.0F, 1.0F);
         return level_;
     }
+    // 1 is as loud as music gets.
     float Level() const { return level_; }
-    // What brings quiet music to a size worth looking at, and leaves silence alone.
+    // What a sample is to be multiplied by to lie between -1 and 1: brings quiet music to a size worth looking at, and
+    // leaves silence alone.
     float Gain() const { return 1 / std::max(peak_, 24.0F); }
     // 1 while there is music, then down to 0 within seconds of silence.
     float Presence() const { return presence_; }
