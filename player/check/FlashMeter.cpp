@@ -55,7 +55,7 @@ void FlashMeter::Follow(Block& block, float luminance) const {
     if (std::fabs(luminance - block.Extreme) < kSwing || std::min(luminance, block.Extreme) >= kDark) return;
     block.IsRising = !block.IsRising;
     block.Extreme = luminance;
-    (block.IsRising ? block.LastRise : block.LastFall) = picture_;
+    block.LastSwing = picture_;
 }
 
 void FlashMeter::Add(const std::vector<uint32_t>& pixels, int width, int height) {
@@ -63,9 +63,8 @@ void FlashMeter::Add(const std::vector<uint32_t>& pixels, int width, int height)
     size_t rises = 0, falls = 0;
     for (size_t i = 0; i < blocks_.size(); ++i) {
         Follow(blocks_[i], luminances[i]);
-        const auto isRecent = [this](int at) { return at >= 0 && at > picture_ - kTogether; };
-        rises += isRecent(blocks_[i].LastRise) ? 1 : 0;
-        falls += isRecent(blocks_[i].LastFall) ? 1 : 0;
+        if (blocks_[i].LastSwing < 0 || blocks_[i].LastSwing <= picture_ - kTogether) continue;
+        ++(blocks_[i].IsRising ? rises : falls);
     }
     const bool isRise = rises > kQuarter && rises >= falls;
     const bool isFall = falls > kQuarter && falls > rises;

@@ -26,7 +26,7 @@ private:
     struct Block {
         float Extreme = 0;  // of the luminance since the last swing
         bool IsRising = true;
-        int LastRise = -1, LastFall = -1;  // pictures
+        int LastSwing = -1;  // picture; -1: none yet
     };
 
     void Follow(Block& block, float luminance) const;

@@ -28,7 +28,8 @@ void DrawSome(ProbeContext& context, CheckedPlugin& plugin, int frames) {
 // Makes the calls that may come while a frame is drawn, from another thread, until it is told to stop.
 class Disturber {
 public:
-    explicit Disturber(CheckedPlugin& plugin) : thread_([this, &plugin] { Run(plugin); }) {}
+    // `window` null: the plug-in draws to a buffer.
+    Disturber(CheckedPlugin& plugin, HWND window) : thread_([this, &plugin, window] { Run(plugin, window); }) {}
     ~Disturber() {
         isStopped_ = true;
         if (thread_.joinable()) thread_.join();
@@ -41,13 +42,14 @@ public:
     }
 
 private:
-    void Run(CheckedPlugin& plugin) {
+    void Run(CheckedPlugin& plugin, HWND window) {
         const HandlerStack stack;
         UseCallSlot(SharedCalls::kOtherSlot);
         try {
             for (uint32_t i = 0; !isStopped_; ++i) {
                 plugin.OnClick(i % kUsual.Width, i % kUsual.Height);
                 plugin.SetActive(i % 2 != 0);
+                if (window) plugin.SetWindow(i % 2 != 0 ? window : nullptr);
                 std::this_thread::yield();
             }
         } catch (...) {
@@ -108,14 +110,16 @@ void ProbeCallsDuringDraw(ProbeContext& context) {
     const int turns = context.Turns(200, 20);
     uint32_t noise = 1;
     loaded.Plugin.SetActive(true);
-    Disturber disturber(loaded.Plugin);
     context.Frames.Run([&] {
         PluginView view(loaded.Plugin, kUsual);
+        Disturber disturber(loaded.Plugin, view.Window());
         for (int i = 0; i < turns; ++i) view.Next(NoiseFrame(noise));
+        disturber.Stop();
     });
-    disturber.Stop();
+    const std::string calls =
+        loaded.Plugin.DrawsToWindow() ? "clicks, SetActive and SetWindow" : "clicks and SetActive";
     loaded.Plugin.End();
-    context.Findings.Note("clicks and SetActive from another thread in " + std::to_string(turns) + " frames");
+    context.Findings.Note(calls + " from another thread in " + std::to_string(turns) + " frames");
 }
 
 void ProbeTwoObjects(ProbeContext& context) {

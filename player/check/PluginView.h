@@ -38,7 +38,8 @@ public:
     void Resize(ViewSize size);
     // What is seen, 0x00RRGGBB, top row first. Good until the next call.
     const std::vector<uint32_t>& Pixels();
-    ViewSize Size() const { return size_; }
+    // Null if the plug-in draws to a buffer.
+    HWND Window() const { return window_; }
 
 private:
     void Fade();

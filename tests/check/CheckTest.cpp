@@ -148,11 +148,17 @@ TEST_P(SoundPluginTest, Passes) {
     EXPECT_EQ(CountFailed(outcome), 0);
 }
 
+// Under a sanitizer, where a process takes its time to start, one of each kind.
+bool IsTried(const std::string& name) {
+    const std::vector<std::string> kinds = {"Flow", "Meters", "Waterfall"};
+    return !kIsSanitized || std::find(kinds.begin(), kinds.end(), name) != kinds.end();
+}
+
 std::vector<std::string> SoundPlugins() {
     std::vector<std::string> files = {CHECK_PLUGIN_DIR "/Good.tkv", TEST_PLUGIN_DIR "/Glow.tkv"};
     std::error_code ignored;
     for (const auto& entry : std::filesystem::directory_iterator(STAGE_DIR "/Visualizations", ignored))
-        if (entry.path().extension() == ".tkv") files.push_back(entry.path());
+        if (entry.path().extension() == ".tkv" && IsTried(entry.path().stem())) files.push_back(entry.path());
     return files;
 }
 
