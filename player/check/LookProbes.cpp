@@ -7,6 +7,7 @@
 #include "player/check/FlashMeter.h"
 #include "player/check/PluginView.h"
 #include "player/check/Probes.h"
+#include "player/check/ProcessState.h"
 #include "player/check/TestSound.h"
 
 namespace tdkplay::check {
@@ -72,6 +73,7 @@ std::vector<uint32_t> PictureOfNewObject(ProbeContext& context, TestMusic& music
 }  // namespace
 
 void ProbeSpeed(ProbeContext& context) {
+    if (!ResourceUse::IsExact()) return context.Findings.Skip("this build is slow itself: it has a sanitizer");
     TestMusic music;
     const int frames = context.Turns(200, 20);
     std::string text;

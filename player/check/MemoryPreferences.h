@@ -14,8 +14,10 @@ namespace tdkplay::check {
 
 class MemoryPreferences final : public ComObject<IKVAPreferences> {
 public:
-    // With `everything`, each name that isn't written yet reads as this text.
-    explicit MemoryPreferences(std::optional<std::string> everything = {}) : everything_(std::move(everything)) {}
+    // Nothing is stored at first.
+    MemoryPreferences() = default;
+    // Each name that isn't written yet reads as this text.
+    explicit MemoryPreferences(const std::string& everything) : everything_(everything) {}
 
     HRESULT QueryInterface(const GUID& id, void** out) override;
     HRESULT ReadValue(const char* name, IKVABuffer** buffer) override;

@@ -71,7 +71,7 @@ void TellGrowth(ProbeContext& context, const Growth& growth, int turns, const st
     const std::vector<std::string> texts = growth.Tell(turns, turn);
     if (!texts.empty()) throw ContractFault("loses " + Joined(texts));
     std::string note = "nothing grows in " + std::to_string(turns * kWindows) + " " + turn + "s";
-    if (!ResourceUse::CanCountMemory()) note += ", memory aside: this build has a heap of its own";
+    if (!ResourceUse::IsExact()) note += ", memory aside: this build has a heap of its own";
     context.Findings.Note(note);
 }
 

@@ -96,7 +96,7 @@ void ThreadState::Restore() const {
     pthread_sigmask(SIG_SETMASK, &blocked_, nullptr);
 }
 
-bool ResourceUse::CanCountMemory() {
+bool ResourceUse::IsExact() {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     return false;
 #else
@@ -106,13 +106,13 @@ bool ResourceUse::CanCountMemory() {
 
 ResourceUse ResourceUse::Now() {
     ResourceUse use;
-    if (CanCountMemory()) {
+    if (IsExact()) {
         const auto info = mallinfo2();
         use.Bytes = static_cast<long>(info.uordblks + info.hblkhd);
+        use.Mappings = CountLines("/proc/self/maps");
     }
     use.Files = CountEntries("/proc/self/fd");
     use.Threads = CountEntries("/proc/self/task");
-    use.Mappings = CountLines("/proc/self/maps");
     return use;
 }
 

@@ -44,8 +44,8 @@ private:
 // What a process can run out of.
 struct ResourceUse {
     static ResourceUse Now();
-    // The heap's own figure tells nothing under a sanitizer.
-    static bool CanCountMemory();
+    // A player that is built with a sanitizer has another heap, with mappings of its own. They aren't counted.
+    static bool IsExact();
 
     long Bytes = 0;  // of the heap
     long Files = 0;

@@ -90,7 +90,7 @@ const Fault kFaults[] = {
     {"FloatingPointMode", "process", "fail", "changes the floating point rounding of the frame thread"},
     {"ChangesFolder", "process", "fail", "changes the working directory, to /"},
     {"NoWindow", "window", "fail", "paints nothing into its window"},
-    {"Slow", "speed", "fail", "too slow"},
+    {"Slow", "speed", "fail", "too slow", false},
     {"Flashing", "flashes", "warning", "flashes of the picture within a second"},
     {"Black", "picture", "warning", "all black"},
 };
