@@ -10,7 +10,7 @@ enum class ExitCode : int {
     kDone = 0,            // played to the end, closed by the user, or did what was asked
     kInternalError = 1,   // a fault of the player itself
     kUsage = 2,           // an option that doesn't exist, or a value that doesn't fit
-    kFileUnreadable = 3,  // the audio file is missing or can't be read
+    kFileUnreadable = 3,  // the audio file or plug-in is missing or can't be read
     kUnknownFormat = 4,   // the audio file holds no audio that the player understands
     kUnknownPlugin = 5,   // --viz names no plug-in, or more than one
     kNoPlugins = 6,       // the folder Visualizations holds no plug-in
@@ -21,6 +21,7 @@ enum class ExitCode : int {
     kNoSettings = 11,     // the stored settings can't be read, or not be cleared
     kNoEncoder = 12,      // a video was asked for and there is no program ffmpeg
     kEncoderFailed = 13,  // ffmpeg couldn't make the video
+    kCheckFailed = 20,    // --check found a fault of the plug-in
     kInterrupted = 130,   // a rendering was stopped by the user; what it has written can be played
 };
 

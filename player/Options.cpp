@@ -29,7 +29,8 @@ constexpr char kFooter[] =
     "A run in a window remembers its size, volume, plug-in and device for the next one; options win over that.\n"
     "Exit codes: 0 done, 2 usage, 3 file can't be read, 4 unknown format, 5 unknown plug-in, 6 no plug-ins,\n"
     "7 no display, 8 add-on can't be loaded, 9 picture can't be written, 10 sound output doesn't open,\n"
-    "11 stored settings can't be read or cleared, 12 no ffmpeg, 13 ffmpeg failed, 130 rendering interrupted.";
+    "11 stored settings can't be read or cleared, 12 no ffmpeg, 13 ffmpeg failed,\n"
+    "20 a checked plug-in has faults, 130 rendering interrupted.";
 // The name that stands for the sound server's own choice.
 constexpr char kDefaultDevice[] = "default";
 
@@ -92,9 +93,9 @@ void Exclude(const CLI::App& app, const std::string& what, std::initializer_list
 void CheckRendering(const CLI::App& app, const Options& options) {
     const bool isSheet = !options.Sheet.empty();
     if (options.Render.empty()) {
-        for (const char* option : {"--audio", "--json"})
-            if (app.count(option) != 0) throw UsageError(std::string(option) + " needs --render");
+        if (app.count("--audio") != 0) throw UsageError("--audio needs --render");
         if (options.Seed && !isSheet) throw UsageError("--seed needs --render or --sheet");
+        if (options.Json && options.Check.empty()) throw UsageError("--json needs --render or --check");
     }
     if (isSheet) Exclude(app, "--sheet", {"--render", "--snapshot", "--window", "--loop", "--views"});
     if (options.Render.empty()) return;
@@ -114,7 +115,17 @@ void DeclareRendering(CLI::App& app, Options& options, const std::map<std::strin
     app.add_option("--audio", options.RenderAudio, "Rendering: the song in the video, on or off (on)")
         ->transform(CLI::CheckedTransformer(onOff, CLI::ignore_case))
         ->type_name("[on|off]");
-    app.add_flag("--json", options.Json, "Rendering: progress as lines of JSON");
+    app.add_flag("--json", options.Json, "Rendering: progress as lines of JSON; checking: the report");
+}
+
+void DeclareChecking(CLI::App& app, Options& options) {
+    app.add_option("--check", options.Check, "Try a plug-in in every way and print a report")
+        ->type_name("PLUGIN.tkv")
+        ->excludes("--render");
+    // For the player itself and its tests.
+    app.add_option("--check-only", options.Checking.Only)->group("")->needs("--check");
+    app.add_option("--check-inside", options.Checking.Inside)->group("")->needs("--check");
+    app.add_option("--check-effort", options.Checking.Effort)->group("")->needs("--check");
 }
 
 void Declare(CLI::App& app, Options& options, RawOptions& raw) {
@@ -170,6 +181,7 @@ void Declare(CLI::App& app, Options& options, RawOptions& raw) {
     app.add_option("--make-demo", options.MakeDemo, "Write the player's own piece to this file (WAV)")
         ->type_name("FILE");
     DeclareRendering(app, options, onOff);
+    DeclareChecking(app, options);
 }
 
 // A switch may stand alone, and what follows it is then not its value.

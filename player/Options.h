@@ -22,6 +22,13 @@ struct SnapshotRequest {
     double At = 0;  // seconds heard
 };
 
+// How a check runs; for the player itself and its tests.
+struct CheckTuning {
+    std::string Only;    // this check and those that it can't do without; empty: all
+    std::string Inside;  // in a process of the check's own: which one runs there
+    double Effort = 1;   // less: fewer turns
+};
+
 struct Options {
     std::string File;  // empty: the project's own piece
     bool List = false;
@@ -38,7 +45,9 @@ struct Options {
     std::string Render;                      // the video, or the folder for pictures; empty: none
     std::optional<uint32_t> Seed;            // where the changing effects begin
     bool RenderAudio = true;                 // the song goes into the video
-    bool Json = false;                       // progress of a rendering for machines
+    bool Json = false;                       // progress of a rendering or a check's report for machines
+    std::string Check;                       // the plug-in to check; empty: none
+    CheckTuning Checking;
     bool Headless = false;
     bool Window = false;
     bool Loop = false;

@@ -6,6 +6,8 @@
 #include <array>
 #include <cstdio>
 
+#include "player/JsonText.h"
+
 namespace tdkplay {
 namespace {
 
@@ -14,21 +16,6 @@ constexpr double kLinePause = 5.0;
 constexpr double kJsonPause = 1.0;
 constexpr int kBarWidth = 30;
 constexpr char kEraseLine[] = "\r\033[K";
-
-std::string JsonText(const std::string& text) {
-    std::string quoted = "\"";
-    for (const char c : text) {
-        std::array<char, 8> code = {};
-        if (static_cast<unsigned char>(c) < 0x20) {
-            std::snprintf(code.data(), code.size(), "\\u%04x", static_cast<unsigned>(c));
-            quoted += code.data();
-            continue;
-        }
-        if (c == '"' || c == '\\') quoted += '\\';
-        quoted += c;
-    }
-    return quoted + "\"";
-}
 
 std::string MinutesAndSeconds(double seconds) {
     const auto whole = static_cast<unsigned long>(seconds + 0.5);

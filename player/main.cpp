@@ -23,6 +23,7 @@
 #include "player/SilentOutput.h"
 #include "player/SteppedRun.h"
 #include "player/StoredSettings.h"
+#include "player/check/CheckRun.h"
 
 namespace tdkplay {
 namespace {
@@ -138,7 +139,9 @@ void Run(const Options& options) {
 
 ExitCode RunCommandLine(int argc, const char* const* argv) {
     try {
-        if (const std::optional<Options> options = Options::Parse(argc, argv)) Run(*options);
+        const std::optional<Options> options = Options::Parse(argc, argv);
+        if (options && !options->Check.empty()) return check::CheckPlugin(*options);
+        if (options) Run(*options);
         return ExitCode::kDone;
     } catch (const PlayerError& error) {
         std::fprintf(stderr, "tdkplay: %s\n", error.what());

@@ -1,0 +1,74 @@
+// The probes: each tries one thing with the plug-in, in a process of its own, and tells what it finds. A probe that
+// comes back without a finding has passed; ContractFault ends one with a failure.
+#pragma once
+
+#include <algorithm>
+#include <string>
+
+#include "player/HostContext.h"
+#include "player/check/CheckedPlugin.h"
+#include "player/check/Findings.h"
+#include "player/check/FrameThread.h"
+#include "player/check/MemoryPreferences.h"
+
+namespace tdkplay::check {
+
+struct ProbeContext {
+    // So many turns in the usual time.
+    int Turns(int usual, int least) const { return std::max(least, static_cast<int>(usual * Effort)); }
+    bool IsThorough() const { return Effort >= 1; }
+
+    const std::string Path;
+    const double Effort;  // 1: as usual
+    FindingWriter& Findings;
+    FrameThread& Frames;
+    const ComPtr<HostContext> Host = MakeCom<HostContext>();
+};
+
+// The plug-in in memory, as a view that shows it has it.
+struct LoadedPlugin {
+    explicit LoadedPlugin(ProbeContext& context)
+        : Library(context.Path), Plugin(Library, context.Host.Get(), Preferences.Get()) {}
+
+    PluginLibrary Library;
+    const ComPtr<MemoryPreferences> Preferences = MakeCom<MemoryPreferences>();
+    CheckedPlugin Plugin;
+};
+
+// The load.
+void ProbeLibrary(ProbeContext& context);
+void ProbeExport(ProbeContext& context);
+void ProbeObject(ProbeContext& context);
+void ProbeDescription(ProbeContext& context);
+void ProbeReload(ProbeContext& context);
+
+// Drawing.
+void ProbeFrames(ProbeContext& context);
+void ProbeSizes(ProbeContext& context);
+void ProbeRows(ProbeContext& context);
+void ProbeSounds(ProbeContext& context);
+void ProbeRecord(ProbeContext& context);
+void ProbeResize(ProbeContext& context);
+void ProbeWindow(ProbeContext& context);
+
+// The calls around it.
+void ProbeStartStop(ProbeContext& context);
+void ProbeEarlyCalls(ProbeContext& context);
+void ProbeCallsDuringDraw(ProbeContext& context);
+void ProbeTwoObjects(ProbeContext& context);
+void ProbePreferences(ProbeContext& context);
+void ProbeConfigure(ProbeContext& context);
+
+// The process around the plug-in.
+void ProbeThreads(ProbeContext& context);
+void ProbeProcess(ProbeContext& context);
+void ProbeLeakPerFrame(ProbeContext& context);
+void ProbeLeakPerStart(ProbeContext& context);
+
+// What a user gets.
+void ProbeSpeed(ProbeContext& context);
+void ProbePicture(ProbeContext& context);
+void ProbeFlashes(ProbeContext& context);
+void ProbeRepeatable(ProbeContext& context);
+
+}  // namespace tdkplay::check

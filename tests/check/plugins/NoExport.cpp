@@ -1,0 +1,6 @@
+// A library, and no plug-in.
+#include <tdkviz/plugin.h>
+
+TDKVIZ_EXPORT HRESULT CreateVisualization(IUnknown**) {
+    return S_OK;
+}
