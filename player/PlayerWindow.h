@@ -1,5 +1,6 @@
-// The player's top-level window: keys in, size out. The picture lies in a child window that the add-on makes, and
-// below it there may be a strip that is left free for the player's own things, except in full screen.
+// The player's top-level window: keys and mouse in, size out. The picture lies in a child window that the add-on makes,
+// and below it there may be a strip that is left free for the player's own things. In full screen the strip lies over
+// the picture, and only while the mouse moves.
 #pragma once
 
 #include <windows.h>
@@ -7,6 +8,7 @@
 #include <string>
 
 #include "player/PictureSize.h"
+#include "player/PointerRest.h"
 
 namespace tdkplay {
 
@@ -18,6 +20,12 @@ public:
     virtual void OnPluginKey(int direction) = 0;
     virtual void OnVolumeKey(int direction) = 0;
     virtual void OnSettingsKey() = 0;
+    virtual void OnTrackKey(int direction) = 0;
+    virtual void OnStartKey() = 0;
+    // A menu is wanted there, on the screen.
+    virtual void OnMenu(POINT place) = 0;
+    // The strip has come, gone or moved by itself.
+    virtual void OnStripMoved() = 0;
     // There is this much room for the picture now; not visible means minimised.
     virtual void OnSize(PictureSize size, bool visible) = 0;
     virtual void OnCloseRequest() = 0;
@@ -34,27 +42,47 @@ public:
     PlayerWindow(const PlayerWindow&) = delete;
     PlayerWindow& operator=(const PlayerWindow&) = delete;
 
+    // Posted to Handle() by any thread when the picture was clicked, with a place in the picture as of a mouse message.
+    static constexpr UINT kPictureClicked = WM_APP + 1;
+    static constexpr UINT kPictureRightClicked = WM_APP + 2;
+
     HWND Handle() const { return window_; }
-    void SetTitle(const std::string& title) { SetWindowTextA(window_, title.c_str()); }
+    void SetTitle(const std::string& title);
     void SetFullScreen(bool on);
     bool IsFullScreen() const { return isFullScreen_; }
     PictureSize PictureRoom() const;
-    // In the client area; empty in full screen.
+    // In the client area; empty while there is none to be seen.
     RECT StripPlace() const;
+    // In a window. It is shown at first.
+    void ShowStrip(bool show);
+    bool HasStrip() const { return isStripWanted_; }
+    // The mouse is over the window or a child of it.
+    void OnPointer();
     // The largest picture in a window that fits the screen.
     static PictureSize LargestPicture(int stripHeight);
 
 private:
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     bool OnKeyDown(WPARAM key);
+    bool OnMusicKeyDown(WPARAM key);
+    void OnPictureClick();
+    LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
     void OnEscape();
+    void ToggleFullScreen() { SetFullScreen(!isFullScreen_); }
     PictureSize RoomIn(int width, int height) const;
 
     PlayerWindowEvents* const events_;
     const int stripHeight_;
     HWND window_ = nullptr;
+    std::string title_;
     bool isFullScreen_ = false;
+    bool isStripWanted_ = true;
     RECT windowedPlace_ = {};
+    PointerRest rest_;
+    // Of the last click on the picture, for double clicks.
+    bool hasClicked_ = false;
+    DWORD clickedAt_ = 0;
+    POINT clickPlace_ = {};
 };
 
 }  // namespace tdkplay
