@@ -67,6 +67,10 @@ public:
     virtual void SetAlwaysOnTop(WindowId window, bool on) = 0;
     virtual void SetFocus(WindowId window) = 0;
     virtual void SetCapture(WindowId window, bool on) = 0;
+    // Mouse and keyboard of the whole display come to this window, which must be shown, until that is taken back or
+    // the window goes. False if another program has them now.
+    virtual bool GrabInput(WindowId window) = 0;
+    virtual void ReleaseInput() = 0;
     virtual void SetCursorShape(WindowId window, uint32_t shape) = 0;  // IDC_ number, 0 hides it
 
     // Does a window of this id exist that some other client made?

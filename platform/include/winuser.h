@@ -6,6 +6,7 @@
 #pragma once
 
 #include "windef.h"
+#include "winmenu.h"
 
 using WNDPROC = LRESULT(CALLBACK*)(HWND, UINT, WPARAM, LPARAM);
 using DLGPROC = INT_PTR(CALLBACK*)(HWND, UINT, WPARAM, LPARAM);
@@ -219,7 +220,6 @@ inline LPSTR MAKEINTRESOURCEA(ULONG_PTR id) {
 #define WM_SETFONT 0x0030
 #define WM_GETFONT 0x0031
 #define WM_NOTIFY 0x004E
-#define WM_CONTEXTMENU 0x007B
 #define WM_NCCREATE 0x0081
 #define WM_NCDESTROY 0x0082
 #define WM_NCHITTEST 0x0084

@@ -1,12 +1,15 @@
 // What a window does with the messages that its own procedure leaves over.
 #include <algorithm>
 
+#include "platform/user/ControlPaint.h"
 #include "platform/user/Paint.h"
 #include "platform/user/SentCalls.h"
 #include "platform/user/WindowTable.h"
 
 namespace tdkp {
 namespace {
+
+constexpr LPARAM kFromKeyboard = -1;
 
 LRESULT SetText(HWND window, LPCSTR text) {
     Display* display = nullptr;
@@ -68,6 +71,23 @@ LRESULT PassToParent(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     return parent != nullptr ? SendMessageA(parent, message, wParam, lParam) : 0;
 }
 
+// `position` is the place on the screen, -1 for the keyboard's.
+LRESULT AskForMenu(HWND window, LPARAM position) {
+    return SendMessageA(window, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(window), position);
+}
+
+LRESULT OnRightButtonUp(HWND window, LPARAM position) {
+    POINT point = PointOf(position);
+    ClientToScreen(window, &point);
+    return AskForMenu(window, MAKELPARAM(static_cast<WORD>(point.x), static_cast<WORD>(point.y)));
+}
+
+LRESULT OnSystemKey(HWND window, WPARAM key) {
+    constexpr SHORT kDown = static_cast<SHORT>(0x8000);
+    if (key == VK_F4) return SendMessageA(RootWindowOf(window), WM_SYSCOMMAND, SC_CLOSE, 0);
+    return key == VK_F10 && (GetKeyState(VK_SHIFT) & kDown) != 0 ? AskForMenu(window, kFromKeyboard) : 0;
+}
+
 LRESULT OnActivate(HWND window, WPARAM state) {
     if (LOWORD(state) != WA_INACTIVE && !IsChild(window, GetFocus())) SetFocus(window);
     return 0;
@@ -90,7 +110,16 @@ TDKP_API LRESULT DefWindowProcA(HWND window, UINT message, WPARAM wParam, LPARAM
         case WM_SYSCOMMAND:
             return (wParam & 0xFFF0) == SC_CLOSE ? SendMessageA(window, WM_CLOSE, 0, 0) : 0;
         case WM_SYSKEYDOWN:
-            return wParam == VK_F4 ? SendMessageA(tdkp::RootWindowOf(window), WM_SYSCOMMAND, SC_CLOSE, 0) : 0;
+            return tdkp::OnSystemKey(window, wParam);
+        case WM_KEYUP:
+            return wParam == VK_APPS ? tdkp::AskForMenu(window, tdkp::kFromKeyboard) : 0;
+        case WM_RBUTTONUP:
+            return tdkp::OnRightButtonUp(window, lParam);
+        case WM_CONTEXTMENU:
+            return tdkp::PassToParent(window, message, wParam, lParam);
+        case WM_CANCELMODE:
+            EndMenu();
+            return 0;
         case WM_ACTIVATE:
             return tdkp::OnActivate(window, wParam);
         case WM_SETTEXT:

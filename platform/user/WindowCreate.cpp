@@ -4,6 +4,7 @@
 #include "platform/user/ClassTable.h"
 #include "platform/user/ClientEdge.h"
 #include "platform/user/DisplayUse.h"
+#include "platform/user/MenuWindow.h"
 #include "platform/user/MessageQueue.h"
 #include "platform/user/SentCalls.h"
 #include "platform/user/WindowDestroy.h"
@@ -76,6 +77,7 @@ WindowId MakeOnDisplay(Display& display, const Window& window) {
     info.topLevel = window.TopLevel();
     info.resizable = !info.topLevel || (window.style & WS_THICKFRAME) != 0;
     info.framed = (window.style & (WS_CAPTION | WS_THICKFRAME)) != 0;
+    info.menu = window.windowClass->builtIn && window.windowClass->name == kMenuClass;
     info.owner = window.owner != nullptr ? IdOf(window.owner) : 0;
     info.className = window.windowClass->name;
     info.title = window.title;

@@ -41,6 +41,8 @@ public:
     void SetAlwaysOnTop(WindowId, bool) override {}
     void SetFocus(WindowId) override {}
     void SetCapture(WindowId, bool) override {}
+    bool GrabInput(WindowId) override { return true; }
+    void ReleaseInput() override {}
     void SetCursorShape(WindowId, uint32_t) override {}
 
     bool IsForeign(WindowId) const override { return false; }

@@ -33,6 +33,7 @@ constexpr NamedAtom kAtoms[] = {
     {"_NET_WM_WINDOW_TYPE", &X11Atoms::netWmWindowType},
     {"_NET_WM_WINDOW_TYPE_NORMAL", &X11Atoms::netWmWindowTypeNormal},
     {"_NET_WM_WINDOW_TYPE_DIALOG", &X11Atoms::netWmWindowTypeDialog},
+    {"_NET_WM_WINDOW_TYPE_POPUP_MENU", &X11Atoms::netWmWindowTypePopupMenu},
     {"_NET_SUPPORTING_WM_CHECK", &X11Atoms::netSupportingWmCheck},
     {"_NET_ACTIVE_WINDOW", &X11Atoms::netActiveWindow},
     {"_MOTIF_WM_HINTS", &X11Atoms::motifWmHints},

@@ -1,5 +1,7 @@
 #include "platform/display/x11/X11Display.h"
 
+#include <windows.h>
+
 #include <algorithm>
 #include <limits>
 
@@ -234,6 +236,31 @@ void X11Display::SetCapture(WindowId id, bool on) {
     } else {
         xcb_ungrab_pointer(connection_->Get(), XCB_CURRENT_TIME);
     }
+    connection_->Flush();
+}
+
+bool X11Display::GrabInput(WindowId id) {
+    const TerminationDeferral deferral;
+    constexpr uint8_t kAllEventsHere = 0;
+    xcb_connection_t* const connection = connection_->Get();
+    // The arrow, also where the window below hides the pointer.
+    const xcb_cursor_t arrow = cursors_.Get(static_cast<uint32_t>(reinterpret_cast<uintptr_t>(IDC_ARROW)));
+    const auto pointerCookie = xcb_grab_pointer(connection, kAllEventsHere, id, kCaptureEvents, XCB_GRAB_MODE_ASYNC,
+                                                XCB_GRAB_MODE_ASYNC, XCB_WINDOW_NONE, arrow, XCB_CURRENT_TIME);
+    const auto keyboardCookie =
+        xcb_grab_keyboard(connection, kAllEventsHere, id, XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+    xcb_generic_error_t* errors[2] = {};
+    const auto pointer = X11Reply(xcb_grab_pointer_reply(connection, pointerCookie, &errors[0]));
+    const auto keyboard = X11Reply(xcb_grab_keyboard_reply(connection, keyboardCookie, &errors[1]));
+    for (xcb_generic_error_t* error : errors) X11Reply(error);
+    return pointer && pointer->status == XCB_GRAB_STATUS_SUCCESS && keyboard &&
+           keyboard->status == XCB_GRAB_STATUS_SUCCESS;
+}
+
+void X11Display::ReleaseInput() {
+    const TerminationDeferral deferral;
+    xcb_ungrab_pointer(connection_->Get(), XCB_CURRENT_TIME);
+    xcb_ungrab_keyboard(connection_->Get(), XCB_CURRENT_TIME);
     connection_->Flush();
 }
 

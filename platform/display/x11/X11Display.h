@@ -29,6 +29,8 @@ public:
     void SetAlwaysOnTop(WindowId window, bool on) override;
     void SetFocus(WindowId window) override;
     void SetCapture(WindowId window, bool on) override;
+    bool GrabInput(WindowId window) override;
+    void ReleaseInput() override;
     void SetCursorShape(WindowId window, uint32_t shape) override;
 
     bool IsForeign(WindowId window) const override;
