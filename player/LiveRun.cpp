@@ -42,6 +42,7 @@ LiveRun::LiveRun(const Options& options, Session& session, Jukebox& jukebox, Int
         std::make_unique<View>(session.Manager(), window_.Handle(), size, session.Plugins(), session.ChosenPlugin());
     view_->TellClicks(*clicks_, *rightClicks_);
     OnStripMoved();
+    if (keeper.Settings().OnTop.value_or(session.Manager().GetAlwaysOnTop() != 0)) window_.SetOnTop(true);
     if (options.Device) keeper_.Note(&PlayerSettings::Device, *options.Device);
     keeper_.Note(&PlayerSettings::Volume, std::optional(session.Sound().Volume()));
     NoteSize(size);
@@ -74,15 +75,20 @@ void LiveRun::Run() {
     audioThread_ = std::make_unique<AudioThread>(session_.Sound().Pump(), session_.Sound().Wake(), news_);
     while (!done_) {
         Wait();
-        keeper_.StoreWhatHasRested();
         ServeMessages();
-        ServeNews();
-        FollowPlugins();
-        FollowPieces();
-        ServeMoments();
-        if (UntilProgress() == 0) ShowProgress();
-        if (interrupt_.IsRequested()) done_ = true;
+        Serve();
     }
+}
+
+void LiveRun::Serve() {
+    keeper_.StoreWhatHasRested();
+    ServeNews();
+    FollowPlugins();
+    FollowPieces();
+    ServeMoments();
+    if (UntilProgress() == 0) ShowProgress();
+    if (interrupt_.IsRequested()) done_ = true;
+    if (done_) EndMenu();
 }
 
 // Paused and with nothing to store, nothing but a message, an interrupt or a plug-in ends the wait.

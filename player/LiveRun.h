@@ -9,6 +9,7 @@
 #include "player/Interrupt.h"
 #include "player/Jukebox.h"
 #include "player/PictureClicks.h"
+#include "player/PlayerMenu.h"
 #include "player/PlayerWindow.h"
 #include "player/PluginWatch.h"
 #include "player/Session.h"
@@ -40,6 +41,7 @@ private:
     void OnTrackKey(int direction) override;
     void OnStartKey() override;
     void OnMenu(POINT place) override;
+    void OnTick() override { Serve(); }
     void OnStripMoved() override;
 
     void OnPlayButton() override { OnPauseKey(); }
@@ -49,6 +51,8 @@ private:
     void OnPointerInStrip() override { window_.OnPointer(); }
 
     void Wait();
+    // All that doesn't come as a message.
+    void Serve();
     void ServeMessages();
     void ServeNews();
     void FollowPlugins();
@@ -64,6 +68,9 @@ private:
     DWORD UntilProgress() const;
     void FollowPieces();
     void OnPieceChange();
+    MenuState MenuNow() const;
+    void Choose(const MenuChoice& choice, const std::vector<PluginInfo>& plugins);
+    void SetOnTop(bool on);
 
     const Options& options_;
     Session& session_;

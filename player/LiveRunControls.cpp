@@ -7,6 +7,7 @@ namespace tdkplay {
 namespace {
 
 constexpr DWORD kProgressInterval = 250;  // milliseconds
+constexpr UINT kMenuInterval = 100;       // milliseconds, between looks at the music while a menu is open
 
 }  // namespace
 
@@ -67,6 +68,64 @@ DWORD LiveRun::UntilProgress() const {
     return kProgressInterval - std::min(GetTickCount() - progressShownAt_, kProgressInterval);
 }
 
-void LiveRun::OnMenu(POINT) {}
+// The menu has a message loop of its own, in which the music goes on by the timer. A run for pictures has no menu: its
+// errors could not get through that loop.
+void LiveRun::OnMenu(POINT place) {
+    if (!strip_) return;
+    const std::vector<PluginInfo> plugins = view_->Plugins();
+    SetTimer(window_.Handle(), PlayerWindow::kTickTimer, kMenuInterval, nullptr);
+    const MenuChoice choice = ShowPlayerMenu(window_.Handle(), place, MenuNow());
+    KillTimer(window_.Handle(), PlayerWindow::kTickTimer);
+    if (!done_) Choose(choice, plugins);
+}
+
+MenuState LiveRun::MenuNow() const {
+    MenuState state;
+    for (const PluginInfo& plugin : view_->Plugins()) {
+        if (plugin.Path == view_->Plugin().Path) state.Shown = state.Plugins.size();
+        state.Plugins.push_back(plugin.Name);
+    }
+    const PictureSettings picture = session_.Component().Picture();
+    state.Effects = picture.Effects.value_or(false);
+    state.Randomize = picture.Randomize.value_or(false);
+    state.FrameRate = picture.FrameRate.value_or(0);
+    state.IsFullScreen = window_.IsFullScreen();
+    state.IsOnTop = window_.IsOnTop();
+    return state;
+}
+
+void LiveRun::Choose(const MenuChoice& choice, const std::vector<PluginInfo>& plugins) {
+    AddOn& addOn = session_.Component();
+    switch (choice.What) {
+        case MenuChoice::Kind::kNothing:
+            return;
+        case MenuChoice::Kind::kPlugin:
+            view_->ChoosePlugin(plugins[choice.Number].Path);
+            return ShowState();
+        case MenuChoice::Kind::kEffects:
+            return addOn.Change({{}, !addOn.Picture().Effects.value_or(false), {}});
+        case MenuChoice::Kind::kRandomize:
+            return addOn.Change({{}, {}, !addOn.Picture().Randomize.value_or(false)});
+        case MenuChoice::Kind::kFrameRate:
+            return addOn.Change({static_cast<uint32_t>(choice.Number), {}, {}});
+        case MenuChoice::Kind::kSettings:
+            return OnSettingsKey();
+        case MenuChoice::Kind::kFullScreen:
+            return window_.ToggleFullScreen();
+        case MenuChoice::Kind::kOnTop:
+            return SetOnTop(!window_.IsOnTop());
+        case MenuChoice::Kind::kNextPiece:
+            return OnTrackKey(1);
+        case MenuChoice::Kind::kPreviousPiece:
+            return OnTrackKey(-1);
+        case MenuChoice::Kind::kQuit:
+            return OnCloseRequest();
+    }
+}
+
+void LiveRun::SetOnTop(bool on) {
+    window_.SetOnTop(on);
+    keeper_.Note(&PlayerSettings::OnTop, std::optional(on));
+}
 
 }  // namespace tdkplay

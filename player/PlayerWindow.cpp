@@ -12,6 +12,10 @@ constexpr char kClassName[] = "tdkplay";
 constexpr DWORD kWindowedStyle = WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN;
 constexpr DWORD kFullScreenStyle = WS_POPUP | WS_CLIPCHILDREN;
 constexpr double kSeekSeconds = 5.0;
+constexpr int kMenuCorner = 16;  // pixels
+// What WM_CONTEXTMENU says instead of a place, and what is none of its places.
+constexpr LPARAM kFromKeyboard = -1;
+constexpr LPARAM kFromPointer = 0;
 constexpr int kClickReach = 4;  // pixels between the clicks of a double click
 
 void RegisterWindowClass(WNDPROC procedure) {
@@ -94,6 +98,28 @@ void PlayerWindow::OnPointer() {
     if (rest_.OnPointer()) events_->OnStripMoved();
 }
 
+void PlayerWindow::OnTimer(UINT_PTR timer) {
+    if (timer == kTickTimer)
+        events_->OnTick();
+    else if (rest_.OnTimer())
+        events_->OnStripMoved();
+}
+
+// The keyboard knows no place: the menu then stands in the corner of the picture.
+void PlayerWindow::OnContextMenu(LPARAM place) {
+    POINT point = {kMenuCorner, kMenuCorner};
+    if (place == kFromKeyboard)
+        ClientToScreen(window_, &point);
+    else
+        GetCursorPos(&point);
+    events_->OnMenu(point);
+}
+
+void PlayerWindow::SetOnTop(bool on) {
+    isOnTop_ = on;
+    SetWindowPos(window_, on ? HWND_TOPMOST : HWND_NOTOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+}
+
 void PlayerWindow::OnPictureClick() {
     const DWORD now = GetTickCount();
     POINT place = {};
@@ -170,6 +196,9 @@ bool PlayerWindow::OnMusicKeyDown(WPARAM key) {
         case VK_PRIOR:
             events_->OnTrackKey(-1);
             return true;
+        case 'M':
+            OnContextMenu(kFromKeyboard);
+            return true;
         case VK_HOME:
             events_->OnStartKey();
             return true;
@@ -206,9 +235,12 @@ LRESULT PlayerWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             OnPointer();
             if (!rest_.IsResting()) break;
             return SetCursor(nullptr), TRUE;
+        case kPictureRightClicked:
+            return OnContextMenu(kFromPointer), 0;
+        case WM_CONTEXTMENU:
+            return OnContextMenu(lParam), 0;
         case WM_TIMER:
-            if (wParam == PointerRest::kTimer && rest_.OnTimer()) events_->OnStripMoved();
-            return 0;
+            return OnTimer(wParam), 0;
         case WM_SIZE:
             return events_->OnSize(RoomIn(LOWORD(lParam), HIWORD(lParam)), wParam != SIZE_MINIMIZED), 0;
         case WM_CLOSE:  // the view has to end before its parent window does

@@ -24,6 +24,8 @@ public:
     virtual void OnStartKey() = 0;
     // A menu is wanted there, on the screen.
     virtual void OnMenu(POINT place) = 0;
+    // The timer kTickTimer has run out.
+    virtual void OnTick() = 0;
     // The strip has come, gone or moved by itself.
     virtual void OnStripMoved() = 0;
     // There is this much room for the picture now; not visible means minimised.
@@ -42,6 +44,7 @@ public:
     PlayerWindow(const PlayerWindow&) = delete;
     PlayerWindow& operator=(const PlayerWindow&) = delete;
 
+    static constexpr UINT_PTR kTickTimer = 2;
     // Posted to Handle() by any thread when the picture was clicked, with a place in the picture as of a mouse message.
     static constexpr UINT kPictureClicked = WM_APP + 1;
     static constexpr UINT kPictureRightClicked = WM_APP + 2;
@@ -50,6 +53,10 @@ public:
     void SetTitle(const std::string& title);
     void SetFullScreen(bool on);
     bool IsFullScreen() const { return isFullScreen_; }
+    void ToggleFullScreen() { SetFullScreen(!isFullScreen_); }
+    // Above the windows of other programs.
+    void SetOnTop(bool on);
+    bool IsOnTop() const { return isOnTop_; }
     PictureSize PictureRoom() const;
     // In the client area; empty while there is none to be seen.
     RECT StripPlace() const;
@@ -68,7 +75,8 @@ private:
     void OnPictureClick();
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
     void OnEscape();
-    void ToggleFullScreen() { SetFullScreen(!isFullScreen_); }
+    void OnContextMenu(LPARAM place);
+    void OnTimer(UINT_PTR timer);
     PictureSize RoomIn(int width, int height) const;
 
     PlayerWindowEvents* const events_;
@@ -76,6 +84,7 @@ private:
     HWND window_ = nullptr;
     std::string title_;
     bool isFullScreen_ = false;
+    bool isOnTop_ = false;
     bool isStripWanted_ = true;
     RECT windowedPlace_ = {};
     PointerRest rest_;

@@ -44,6 +44,11 @@ std::string View::CurrentPath() const {
     return SUCCEEDED(view_->GetCurrentPlugin(path.data(), kPathSize)) ? path.data() : "";
 }
 
+void View::ChoosePlugin(const std::string& path) {
+    for (size_t index = 0; index < plugins_.size(); ++index)
+        if (plugins_[index].Path == path) Select(index);
+}
+
 // Once around: the last one is where it began, for a view that shows nothing yet.
 void View::StepPlugin(int direction) {
     const size_t count = plugins_.size();

@@ -25,6 +25,10 @@ public:
     void TellClicks(IMPAClickReceiver& left, IMPAClickReceiver& right);
     // Without name and path if there is none left to show.
     const PluginInfo& Plugin() const { return shown_; }
+    // As listed last.
+    const std::vector<PluginInfo>& Plugins() const { return plugins_; }
+    // The plug-in of this path, if it is listed and can be loaded.
+    void ChoosePlugin(const std::string& path);
     // To the next (1) or the one before (-1), in a circle; one that can't be loaded is passed over.
     void StepPlugin(int direction);
     // Lists the plug-ins anew and sees which one the add-on shows. False as long as that one isn't in the list.

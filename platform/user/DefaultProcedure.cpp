@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "platform/user/ControlPaint.h"
+#include "platform/user/MessageQueue.h"
 #include "platform/user/Paint.h"
 #include "platform/user/SentCalls.h"
 #include "platform/user/WindowTable.h"
@@ -40,6 +41,13 @@ LRESULT GetTextLength(HWND window) {
     return state != nullptr ? static_cast<LRESULT>(state->title.size()) : 0;
 }
 
+// What a parent of another thread chooses, it chooses for its own window: a child without a cursor shows the same.
+void NoteCursorAbove(const DispatcherGuard& guard, const Window& child) {
+    const Window* parent = FindWindowState(guard, child.parent);
+    if (parent == nullptr || parent->thread == child.thread) return;
+    if (MessageQueue* queue = FindQueue(guard, parent->thread)) queue->cursorWindow = parent->handle;
+}
+
 // The parent may choose the cursor; else the class's own is taken, if it has one.
 LRESULT ChooseCursor(HWND window, WPARAM wParam, LPARAM lParam) {
     HWND parent = nullptr;
@@ -50,6 +58,7 @@ LRESULT ChooseCursor(HWND window, WPARAM wParam, LPARAM lParam) {
         if (state == nullptr) return FALSE;
         parent = state->parent;
         cursor = state->windowClass->info.hCursor;
+        NoteCursorAbove(guard, *state);
     }
     if (parent != nullptr && SendMessageA(parent, WM_SETCURSOR, wParam, lParam) != 0) return TRUE;
     if (cursor != nullptr) SetCursor(cursor);

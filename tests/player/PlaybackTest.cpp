@@ -234,21 +234,23 @@ TEST_F(PlaybackTest, ThePieceThatFollowsInTheSameFormatComesWithoutAGap) {
     playback_->SetNext({std::make_unique<CountingDecoder>(kFormat.Rate, kFirst), 7});
     playback_->Play();
     PlayFor(900);
+    TdkpAdvanceClock(20);
+    now_ += 20;
     EXPECT_EQ(DeliverAhead(), AudioPump::State::kNextPiece);
     EXPECT_FALSE(playback_->Pump().HasNext());
     HeardPlace place = playback_->Pump().Where();
     EXPECT_EQ(place.Piece, 0u) << "what goes out isn't heard yet";
-    EXPECT_NEAR(place.UntilNext, 0.1 + 123.0 / kFormat.Rate, 0.002);
+    EXPECT_NEAR(place.UntilNext, 0.08 + 123.0 / kFormat.Rate, 0.002);
     PlayFor(200);
     place = playback_->Pump().Where();
     EXPECT_EQ(place.Piece, 7u);
     EXPECT_FALSE(place.IsLeaving());
-    EXPECT_NEAR(place.Position, 0.1 - 123.0 / kFormat.Rate, 0.001);
+    EXPECT_NEAR(place.Position, 0.12 - 123.0 / kFormat.Rate, 0.001);
     EXPECT_EQ(place.Length, 1.0);
     EXPECT_EQ(hook_->Formats, 1);
     for (size_t i = 1; i < hook_->FirstFrames.size(); ++i)
         ASSERT_EQ(hook_->FirstFrames[i] - hook_->FirstFrames[i - 1], hook_->Format.BlockSize / kFormat.FrameBytes());
-    EXPECT_EQ(PlayFor(900 + 3), AudioPump::State::kEnded);
+    EXPECT_EQ(PlayFor(880 + 3), AudioPump::State::kEnded);
     EXPECT_FALSE(playback_->GoOn());
 }
 
