@@ -193,6 +193,7 @@ void LiveRun::OnSize(PictureSize size, bool visible) {
         view_->Resize(size);
     isHidden_ = !visible;
     session_.Sound().SetWatched(visible);
+    KeepScreenAwake();
     if (visible) NoteSize(size);
 }
 
@@ -207,6 +208,7 @@ void LiveRun::ShowState() {
     const std::string paused = session_.Sound().IsPlaying() ? "" : " (paused)";
     window_.SetTitle(jukebox_.Heard().Title + " - " + name + " - " + volume + paused);
     ShowProgress();
+    KeepScreenAwake();
     if (!plugin.Path.empty()) keeper_.Note(&PlayerSettings::Plugin, plugin.File());
 }
 

@@ -12,6 +12,7 @@
 #include "player/PlayerMenu.h"
 #include "player/PlayerWindow.h"
 #include "player/PluginWatch.h"
+#include "player/ScreenAwake.h"
 #include "player/Session.h"
 #include "player/SettingsButton.h"
 #include "player/SettingsKeeper.h"
@@ -41,6 +42,7 @@ private:
     void OnTrackKey(int direction) override;
     void OnStartKey() override;
     void OnMenu(POINT place) override;
+    void OnFiles(const std::vector<std::string>& paths) override;
     void OnTick() override { Serve(); }
     void OnStripMoved() override;
 
@@ -71,6 +73,8 @@ private:
     MenuState MenuNow() const;
     void Choose(const MenuChoice& choice, const std::vector<PluginInfo>& plugins);
     void SetOnTop(bool on);
+    // In full screen, as long as there is something to see that moves.
+    void KeepScreenAwake();
 
     const Options& options_;
     Session& session_;
@@ -94,6 +98,7 @@ private:
     bool pieceChanges_ = true;   // another piece is on its way to the listener, or may be
     DWORD progressShownAt_ = 0;  // by GetTickCount
     std::unique_ptr<AudioThread> audioThread_;
+    ScreenAwake screen_;
     size_t nextSnapshot_ = 0;
     bool done_ = false;
 };

@@ -16,6 +16,13 @@ void LiveRun::OnTrackKey(int direction) {
     OnPieceChange();
 }
 
+// They play at once, whatever played before.
+void LiveRun::OnFiles(const std::vector<std::string>& paths) {
+    if (!jukebox_.Replace(paths, session_.Sound())) return;
+    session_.Sound().Play();
+    OnPieceChange();
+}
+
 void LiveRun::OnStartKey() {
     session_.Sound().Seek(0.0);
     ShowProgress();
@@ -121,6 +128,10 @@ void LiveRun::Choose(const MenuChoice& choice, const std::vector<PluginInfo>& pl
         case MenuChoice::Kind::kQuit:
             return OnCloseRequest();
     }
+}
+
+void LiveRun::KeepScreenAwake() {
+    screen_.Keep(window_.IsFullScreen() && !isHidden_ && session_.Sound().IsPlaying());
 }
 
 void LiveRun::SetOnTop(bool on) {

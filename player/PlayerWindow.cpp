@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "player/DroppedFiles.h"
 #include "player/ExitCode.h"
 
 namespace tdkplay {
@@ -41,6 +42,7 @@ PlayerWindow::PlayerWindow(PictureSize size, PlayerWindowEvents* events, int str
                               GetModuleHandleA(nullptr), nullptr);
     if (!window_) throw PlayerError(ExitCode::kNoDisplay, "the display makes no window");
     SetWindowLongPtrA(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+    if (events) DragAcceptFiles(window_, TRUE);
     ShowWindow(window_, SW_SHOW);
 }
 
@@ -120,15 +122,14 @@ void PlayerWindow::SetOnTop(bool on) {
     SetWindowPos(window_, on ? HWND_TOPMOST : HWND_NOTOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
 }
 
-void PlayerWindow::OnPictureClick() {
-    const DWORD now = GetTickCount();
+void PlayerWindow::OnPictureClick(DWORD time) {
     POINT place = {};
     GetCursorPos(&place);
     const bool isNear =
         std::abs(place.x - clickPlace_.x) <= kClickReach && std::abs(place.y - clickPlace_.y) <= kClickReach;
-    const bool isDouble = hasClicked_ && isNear && now - clickedAt_ <= GetDoubleClickTime();
+    const bool isDouble = hasClicked_ && isNear && time - clickedAt_ <= GetDoubleClickTime();
     hasClicked_ = !isDouble;
-    clickedAt_ = now;
+    clickedAt_ = time;
     clickPlace_ = place;
     if (isDouble) ToggleFullScreen();
 }
@@ -229,8 +230,10 @@ LRESULT PlayerWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             return events_->OnVolumeKey(static_cast<SHORT>(HIWORD(wParam)) > 0 ? 1 : -1), 0;
         case WM_LBUTTONDBLCLK:
             return ToggleFullScreen(), 0;
+        case WM_DROPFILES:
+            return events_->OnFiles(TakeDroppedFiles(reinterpret_cast<HDROP>(wParam))), 0;
         case kPictureClicked:
-            return OnPictureClick(), 0;
+            return OnPictureClick(static_cast<DWORD>(wParam)), 0;
         case WM_SETCURSOR:  // for the picture, too: its window has no cursor of its own
             OnPointer();
             if (!rest_.IsResting()) break;

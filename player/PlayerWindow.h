@@ -6,6 +6,7 @@
 #include <windows.h>
 
 #include <string>
+#include <vector>
 
 #include "player/PictureSize.h"
 #include "player/PointerRest.h"
@@ -24,6 +25,8 @@ public:
     virtual void OnStartKey() = 0;
     // A menu is wanted there, on the screen.
     virtual void OnMenu(POINT place) = 0;
+    // These files or folders were dropped on the window.
+    virtual void OnFiles(const std::vector<std::string>& paths) = 0;
     // The timer kTickTimer has run out.
     virtual void OnTick() = 0;
     // The strip has come, gone or moved by itself.
@@ -45,7 +48,8 @@ public:
     PlayerWindow& operator=(const PlayerWindow&) = delete;
 
     static constexpr UINT_PTR kTickTimer = 2;
-    // Posted to Handle() by any thread when the picture was clicked, with a place in the picture as of a mouse message.
+    // Posted to Handle() by any thread when the picture was clicked: with the time of the click in milliseconds, and a
+    // place in the picture as in a mouse message.
     static constexpr UINT kPictureClicked = WM_APP + 1;
     static constexpr UINT kPictureRightClicked = WM_APP + 2;
 
@@ -72,7 +76,7 @@ private:
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     bool OnKeyDown(WPARAM key);
     bool OnMusicKeyDown(WPARAM key);
-    void OnPictureClick();
+    void OnPictureClick(DWORD time);
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
     void OnEscape();
     void OnContextMenu(LPARAM place);

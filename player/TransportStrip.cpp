@@ -116,7 +116,17 @@ void TransportStrip::OnMove(POINT point) {
     if (events_) events_->OnPointerInStrip();
     const StripPart part = layout_.PartAt(point);
     if (face_.Held == StripPart::kSeek || face_.Held == StripPart::kVolume) return FollowDrag(point.x);
-    if (std::exchange(face_.Hot, part) != part) Redraw();
+    if (std::exchange(face_.Hot, part) == part) return;
+    AskForLeave();
+    Redraw();
+}
+
+void TransportStrip::AskForLeave() const {
+    TRACKMOUSEEVENT request = {};
+    request.cbSize = sizeof(request);
+    request.dwFlags = TME_LEAVE;
+    request.hwndTrack = window_;
+    TrackMouseEvent(&request);
 }
 
 void TransportStrip::OnPress(POINT point) {
@@ -183,6 +193,8 @@ LRESULT CALLBACK TransportStrip::Procedure(HWND window, UINT message, WPARAM wPa
             return self->OnMove(PointOf(lParam)), 0;
         case WM_LBUTTONUP:
             return self->OnRelease(PointOf(lParam)), 0;
+        case WM_MOUSELEAVE:
+            return self->OnLeave(), 0;
         case WM_CAPTURECHANGED:
             return self->LetGo(), 0;
         case kPictureWaits:

@@ -51,7 +51,6 @@ public:
     // In the parent's client area, above all other children; an empty one hides the strip.
     void Place(const RECT& place);
     bool IsShown() const { return isShown_; }
-    bool IsHeld() const { return face_.Held != StripPart::kNone; }
     // Paints only what can be seen to have changed.
     void SetState(const StripState& state);
 
@@ -72,6 +71,7 @@ private:
     void OnPress(POINT point);
     void OnRelease(POINT point);
     void OnLeave();
+    void AskForLeave() const;
     void LetGo();
     void Click(StripPart part);
     void FollowDrag(int x);

@@ -213,6 +213,15 @@ std::pair<int, int> ForeignClient::CornerOf(xcb_window_t window) {
     return reply ? std::pair<int, int>(reply->dst_x, reply->dst_y) : std::pair(-1, -1);
 }
 
+std::pair<int, int> ForeignClient::SizeOf(xcb_window_t window) {
+    const auto shown = xcb_get_window_attributes(connection_, window);
+    const auto place = xcb_get_geometry(connection_, window);
+    const auto attributes = Own(xcb_get_window_attributes_reply(connection_, shown, nullptr));
+    const auto geometry = Own(xcb_get_geometry_reply(connection_, place, nullptr));
+    if (!attributes || !geometry || attributes->map_state != XCB_MAP_STATE_VIEWABLE) return {0, 0};
+    return {geometry->width, geometry->height};
+}
+
 xcb_window_t ForeignClient::Focus() {
     const auto reply = Own(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
     return reply ? reply->focus : 0;
