@@ -2,6 +2,8 @@
 
 #include <cstdlib>
 
+#include "platform/user/DisplayUse.h"
+#include "platform/user/MouseLeave.h"
 #include "platform/user/SentCalls.h"
 #include "platform/user/WindowTable.h"
 
@@ -120,6 +122,7 @@ void QueueMouse(HWND handle, UINT message, WPARAM keys, POINT point, const POINT
     MessageQueue* queue = window != nullptr ? FindQueue(guard, window->thread) : nullptr;
     if (queue == nullptr || window->destroying) return;
     pointer = place;
+    NoteHover(guard, window->handle, time);
     QueuedMessage queued;
     queued.message.hwnd = window->handle;
     queued.message.message = CountClick(*queue, *window, message, point, time);
@@ -229,8 +232,13 @@ TDKP_API SHORT GetKeyState(INT virtualKey) {
 
 TDKP_API BOOL GetCursorPos(POINT* point) {
     if (point == nullptr) return FALSE;
-    DispatcherGuard guard(DispatcherLock());
-    *point = tdkp::pointer;
+    bool isOpen = false;
+    {
+        DispatcherGuard guard(DispatcherLock());
+        *point = tdkp::pointer;
+        isOpen = tdkp::AnyWindow(guard);
+    }
+    if (isOpen) tdkp::DisplayUse()->GetPointer(point);
     return TRUE;
 }
 

@@ -4,6 +4,7 @@
 #include "platform/user/ClassTable.h"
 #include "platform/user/ClientEdge.h"
 #include "platform/user/DisplayUse.h"
+#include "platform/user/ExecutionState.h"
 #include "platform/user/MenuWindow.h"
 #include "platform/user/MessageQueue.h"
 #include "platform/user/SentCalls.h"
@@ -149,6 +150,7 @@ HWND MakeWindow(CREATESTRUCTA* create) {
         return nullptr;
     }
     window->handle = handle;
+    TellExecutionState(*display);
     if (window->TopLevel() && (window->exStyle & WS_EX_TOPMOST) != 0) display->SetAlwaysOnTop(IdOf(handle), true);
     DispatcherGuard guard(DispatcherLock());
     InsertWindow(guard, std::move(window));

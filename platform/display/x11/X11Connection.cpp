@@ -37,6 +37,17 @@ constexpr NamedAtom kAtoms[] = {
     {"_NET_SUPPORTING_WM_CHECK", &X11Atoms::netSupportingWmCheck},
     {"_NET_ACTIVE_WINDOW", &X11Atoms::netActiveWindow},
     {"_MOTIF_WM_HINTS", &X11Atoms::motifWmHints},
+    {"XdndAware", &X11Atoms::xdndAware},
+    {"XdndEnter", &X11Atoms::xdndEnter},
+    {"XdndPosition", &X11Atoms::xdndPosition},
+    {"XdndStatus", &X11Atoms::xdndStatus},
+    {"XdndLeave", &X11Atoms::xdndLeave},
+    {"XdndDrop", &X11Atoms::xdndDrop},
+    {"XdndFinished", &X11Atoms::xdndFinished},
+    {"XdndSelection", &X11Atoms::xdndSelection},
+    {"XdndTypeList", &X11Atoms::xdndTypeList},
+    {"XdndActionCopy", &X11Atoms::xdndActionCopy},
+    {"text/uri-list", &X11Atoms::uriList},
 };
 
 // Room for the request around the pixels, and as much as one request should hold up the others.
