@@ -98,6 +98,16 @@ LPARAM Pack(POINT point) {
     return MAKELPARAM(static_cast<WORD>(point.x), static_cast<WORD>(point.y));
 }
 
+// The thread's focus. The display may give a top-level window its keys before the thread has moved its focus there:
+// they aren't for the window that had it until then.
+HWND KeyTarget(const DispatcherGuard& guard, const MessageQueue& queue, const Window& window) {
+    Window* const focus = FindWindowState(guard, queue.focus);
+    if (focus == nullptr) return window.handle;
+    if (!window.TopLevel() || RootOf(guard, *focus) == &window) return focus->handle;
+    const Window* const last = FindWindowState(guard, window.lastFocus);
+    return last != nullptr ? last->handle : window.handle;
+}
+
 void SetKey(MessageQueue& queue, UINT key, bool down) {
     uint8_t& state = queue.keys[key % kVirtualKeys];
     if (down && (state & kKeyDown) == 0) state ^= kKeyToggled;
@@ -146,8 +156,7 @@ void QueueKey(HWND handle, const KeyStroke& stroke) {
     const Window* window = menu != nullptr ? menu : FindWindowState(guard, handle);
     MessageQueue* queue = window != nullptr ? FindQueue(guard, window->thread) : nullptr;
     if (queue == nullptr) return;
-    const bool hasFocus = menu == nullptr && FindWindowState(guard, queue->focus) != nullptr;
-    const HWND target = hasFocus ? queue->focus : window->handle;
+    const HWND target = menu != nullptr ? menu->handle : KeyTarget(guard, *queue, *window);
     QueuedMessage queued;
     queued.text = stroke.down ? stroke.text : 0;
     queued.message.hwnd = target;

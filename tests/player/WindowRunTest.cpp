@@ -8,6 +8,7 @@
 
 #include "player/TransportStrip.h"
 #include "tests/player/PlayerRun.h"
+#include "tests/x11/DropSource.h"
 #include "tests/x11/ForeignClient.h"
 #include "tests/x11/XServer.h"
 
@@ -156,6 +157,23 @@ TEST_F(WindowRun, StripKeysAndMenuWork) {
     EXPECT_TRUE(Shows(PluginNames().at(0) + " - Volume 95 % (paused)"));
     Press(kSpace);
     EXPECT_TRUE(WaitUntil([&] { return FindWindow("(paused)") == 0; }, kPatience));
+}
+
+TEST_F(WindowRun, WhatIsDroppedPlaysAtOnce) {
+    fs::create_directory(folder_.File("album"));
+    fs::copy(song_, folder_.File("album/2 b.wav"));
+    fs::copy(song_, folder_.File("album/1 a.wav"));
+    Play({});
+    Click(StripPart::kPlay);
+    ASSERT_TRUE(Shows("(paused)"));
+    DropSource source(display_, window_);
+    source.Enter({"text/uri-list"});
+    ASSERT_TRUE(source.Position(left_ + kWidth / 2, top_ - kHeight / 2));
+    EXPECT_TRUE(source.Drop("file://" + folder_.File("album") + "\r\n"));
+    ASSERT_TRUE(Shows("1 a.wav - "));
+    EXPECT_EQ(FindWindow("(paused)"), 0u);
+    Press('n');
+    EXPECT_TRUE(Shows("2 b.wav - "));
 }
 
 TEST_F(WindowRun, FullScreenIsADoubleClickAwayAndTheStripComesWithTheMouse) {
