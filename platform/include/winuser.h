@@ -1,4 +1,4 @@
-// Windows, messages, painting and input. The rules that every function shares:
+// Windows, painting and input; messages, dialogs and menus are parts of their own. The rules that all share:
 //  - A window belongs to the thread that made it; its procedure runs there and nowhere else.
 //  - The window is its client area: borders and captions are the window manager's, outside of it.
 //  - A parent that the layer didn't make is taken as a window of a foreign client of the display.

@@ -139,7 +139,8 @@ POINT PlaceSubmenu(SIZE size, const RECT& item, SIZE screen) {
     const LONG border = MenuBorder();
     // It overlaps by the border, so that nothing lies between the two.
     POINT corner = {item.right, item.top - border};
-    if (corner.x + size.cx > screen.cx) corner.x = item.left - size.cx;
+    const bool fitsLeft = item.left >= size.cx;
+    if (corner.x + size.cx > screen.cx && fitsLeft) corner.x = item.left - size.cx;
     return {std::max(std::min(corner.x, screen.cx - size.cx), LONG{0}),
             std::max(std::min(corner.y, screen.cy - size.cy), LONG{0})};
 }

@@ -31,7 +31,7 @@ LONG MenuBorder();      // around the items
 
 // The upper left corner on the screen: by the TPM_ alignment at a place, on the other side of it if there is no room.
 POINT PlaceMenu(SIZE size, POINT at, UINT flags, SIZE screen);
-// Beside the item that opens it, to the right if there is room.
+// Beside the item that opens it, to the left if there is room only there.
 POINT PlaceSubmenu(SIZE size, const RECT& item, SIZE screen);
 
 }  // namespace tdkp

@@ -48,6 +48,14 @@ MenuTracker* MenuTracker::OfThisThread() {
 }
 
 bool MenuTracker::Open(HMENU menu, POINT at) {
+    NotifyOwner(WM_ENTERMENULOOP, TRUE, 0);
+    if (ShowFirst(menu, at)) return true;
+    CloseFrom(0);
+    NotifyOwner(WM_EXITMENULOOP, TRUE, 0);
+    return false;
+}
+
+bool MenuTracker::ShowFirst(HMENU menu, POINT at) {
     ReleaseCapture();
     std::unique_ptr<OpenMenu> open = Prepare(menu, 0);
     if (!open) return false;
@@ -126,7 +134,6 @@ const MenuItem* MenuTracker::SelectedItem() const {
 }
 
 UINT MenuTracker::Run() {
-    NotifyOwner(WM_ENTERMENULOOP, TRUE, 0);
     while (!ended_) {
         MSG message;
         if (GetMessageA(&message, nullptr, 0, 0) <= 0) {

@@ -38,6 +38,7 @@ private:
         int item = -1;
     };
 
+    bool ShowFirst(HMENU menu, POINT at);
     void Grab();
     // What the program puts into a menu when it opens is shown already.
     std::unique_ptr<OpenMenu> Prepare(HMENU menu, UINT position);

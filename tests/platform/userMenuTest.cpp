@@ -11,8 +11,7 @@ using namespace usertest;
 
 namespace {
 
-constexpr int kScreenWidth = 640, kScreenHeight = 480;
-[[maybe_unused]] const bool kMemory = TdkpUseMemoryDisplay(kScreenWidth, kScreenHeight, 32) != FALSE;
+[[maybe_unused]] const bool kMemory = TdkpUseMemoryDisplay(640, 480, 32) != FALSE;
 
 constexpr UINT kOpen = 101, kLoud = 102, kQuiet = 103, kInner = 104, kGray = 105, kLast = 106;
 constexpr UINT kMoreAt = 4, kInnerAt = 1;
@@ -191,7 +190,6 @@ TEST_F(UserMenu, IsDrivenByKeys) {
 }
 
 TEST_F(UserMenu, IsDrivenByTheMouse) {
-    class_.Take({});
     // The submenu opens where the mouse rests, and closes when it rests elsewhere.
     EXPECT_EQ(
         Track({MoveTo(menu_, kMoreAt), UntilShown(more_), MoveTo(menu_, 0), UntilShown(more_, false),
@@ -202,8 +200,8 @@ TEST_F(UserMenu, IsDrivenByTheMouse) {
     const std::vector<UINT> wanted = {WM_ENTERMENULOOP, WM_INITMENUPOPUP, WM_EXITMENULOOP, WM_COMMAND};
     std::vector<TestClass::Entry> told = class_.Take(wanted);
     ASSERT_EQ(told.size(), 6u);
-    EXPECT_EQ(told[0].wParam, reinterpret_cast<WPARAM>(menu_));
-    EXPECT_EQ(told[1].message, static_cast<UINT>(WM_ENTERMENULOOP));
+    EXPECT_EQ(told[0].message, static_cast<UINT>(WM_ENTERMENULOOP));
+    EXPECT_EQ(told[1].wParam, reinterpret_cast<WPARAM>(menu_));
     EXPECT_EQ(told[3].wParam, reinterpret_cast<WPARAM>(more_));
     EXPECT_EQ(told[3].lParam, static_cast<LPARAM>(kMoreAt));
     EXPECT_EQ(told[4].message, static_cast<UINT>(WM_EXITMENULOOP));
@@ -218,15 +216,16 @@ TEST_F(UserMenu, IsDrivenByTheMouse) {
 }
 
 TEST_F(UserMenu, StaysOnTheScreen) {
-    const auto isInside = [](const RECT& place) {
-        return place.right > place.left && place.left >= 0 && place.top >= 0 && place.right <= kScreenWidth &&
-               place.bottom <= kScreenHeight;
+    const LONG screenWidth = GetSystemMetrics(SM_CXSCREEN), screenHeight = GetSystemMetrics(SM_CYSCREEN);
+    const auto isInside = [&](const RECT& place) {
+        return place.right > place.left && place.left >= 0 && place.top >= 0 && place.right <= screenWidth &&
+               place.bottom <= screenHeight;
     };
     Track({[&] {
                const RECT place = PlaceOf(menu_);
                EXPECT_TRUE(isInside(place));
-               EXPECT_EQ(place.right, kScreenWidth - 5);
-               EXPECT_EQ(place.bottom, kScreenHeight - 3);
+               EXPECT_EQ(place.right, screenWidth - 5);
+               EXPECT_EQ(place.bottom, screenHeight - 3);
                return true;
            },
            MoveTo(menu_, kMoreAt), UntilShown(more_),
@@ -237,10 +236,10 @@ TEST_F(UserMenu, StaysOnTheScreen) {
                return true;
            },
            Key(VK_ESCAPE), Key(VK_ESCAPE)},
-          TPM_RETURNCMD, {kScreenWidth - 5, kScreenHeight - 3});
+          TPM_RETURNCMD, {screenWidth - 5, screenHeight - 3});
 
     // More than fit one below the other stand side by side.
-    constexpr UINT kMany = 60;
+    constexpr UINT kMany = 100;
     for (UINT item = 0; item < kMany; ++item)
         AppendMenuA(menu_, MF_STRING, 200 + item, ("Item " + std::to_string(item)).c_str());
     const UINT last = static_cast<UINT>(GetMenuItemCount(menu_)) - 1;
@@ -257,15 +256,16 @@ TEST_F(UserMenu, StaysOnTheScreen) {
 }
 
 TEST_F(UserMenu, ShowsChecksDotsAndTheSelectionInTwoSizes) {
+    constexpr int kMostPixels = 1 << 20;
     CheckMenuRadioItem(menu_, kQuiet, kQuiet, kQuiet, MF_BYCOMMAND);
     const auto count = [this](UINT item, COLORREF color, LONG left, LONG right) {
         const HWND window = FindWindowExA(nullptr, nullptr, "#32768", nullptr);
         RECT frame, row;
         GetWindowRect(window, &frame);
         GetMenuItemRect(nullptr, menu_, item, &row);
-        std::vector<DWORD> pixels(static_cast<size_t>(kScreenWidth * kScreenHeight));
+        std::vector<DWORD> pixels(kMostPixels);
         int width = 0, height = 0;
-        EXPECT_TRUE(TdkpReadWindow(window, pixels.data(), kScreenWidth * kScreenHeight, &width, &height));
+        EXPECT_TRUE(TdkpReadWindow(window, pixels.data(), kMostPixels, &width, &height));
         int found = 0;
         for (LONG y = row.top - frame.top; y < row.bottom - frame.top; ++y) {
             for (LONG x = row.left - frame.left + left; x < row.left - frame.left + right; ++x)
