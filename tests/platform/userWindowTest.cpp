@@ -135,4 +135,5 @@ TEST(UserWindows, AKeyIsForTheTopLevelWindowThatTheDisplayGaveItTo) {
     ServeMessages();
     EXPECT_EQ(GetFocus(), former);
     EXPECT_EQ(PairsOf(windows.Take({WM_KEYDOWN})), (Pairs{{next, WM_KEYDOWN}, {former, WM_KEYDOWN}}));
+    for (const HWND window : {next, former}) DestroyWindow(window);
 }
