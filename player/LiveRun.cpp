@@ -197,8 +197,10 @@ void LiveRun::OnSize(PictureSize size, bool visible) {
     if (visible) NoteSize(size);
 }
 
+// A picture that has the strip's room for the moment is no size for the next run.
 void LiveRun::NoteSize(PictureSize size) {
-    if (!window_.IsFullScreen() && size.IsWithinBounds()) keeper_.Note(&PlayerSettings::Size, std::optional(size));
+    if (!window_.IsFullScreen() && window_.HasStrip() && size.IsWithinBounds())
+        keeper_.Note(&PlayerSettings::Size, std::optional(size));
 }
 
 void LiveRun::ShowState() {
