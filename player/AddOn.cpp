@@ -103,6 +103,26 @@ void AddOn::Configure(const PictureSettings& settings) {
     optionsConfiguration_ = ComPtr<IKVAValues>(wanted.Get());
 }
 
+PictureSettings AddOn::Picture() const {
+    ComPtr<IKVAValues> values;
+    if (!configuration_ || FAILED(configuration_->GetConfiguration(values.Receive()))) return {};
+    const auto number = [&values](const char* key) {
+        uint32_t value = 0;
+        return SUCCEEDED(values->GetNumber(key, &value)) ? std::optional(value) : std::nullopt;
+    };
+    const auto flag = [&number](const char* key) { return number(key).value_or(0) != 0; };
+    return {number(kConfigFrameRate), flag(kConfigEffects), flag(kConfigRandomize)};
+}
+
+void AddOn::Change(const PictureSettings& settings) {
+    if (!configuration_) return;
+    const auto values = MakeCom<Values>();
+    if (settings.FrameRate) values->SetNumber(kConfigFrameRate, *settings.FrameRate);
+    if (settings.Effects) values->SetNumber(kConfigEffects, *settings.Effects ? 1 : 0);
+    if (settings.Randomize) values->SetNumber(kConfigRandomize, *settings.Randomize ? 1 : 0);
+    configuration_->SetConfiguration(values.Get());
+}
+
 void AddOn::RestoreConfiguration() {
     ComPtr<IKVAValues> now;
     if (!userConfiguration_ || FAILED(configuration_->GetConfiguration(now.Receive()))) return;

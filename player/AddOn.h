@@ -32,6 +32,9 @@ public:
     // Puts the options in force that are given. They are for this run: what the user had set comes back
     // at the end, unless the user has changed it meanwhile.
     void Configure(const PictureSettings& settings);
+    // What is in force; and the user's own change of it, which stays.
+    PictureSettings Picture() const;
+    void Change(const PictureSettings& settings);
     // Another piece begins.
     void AnnounceTrack();
 

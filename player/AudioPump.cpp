@@ -1,6 +1,8 @@
 #include "player/AudioPump.h"
 
 #include <algorithm>
+#include <limits>
+#include <utility>
 
 namespace tdkplay {
 namespace {
@@ -15,17 +17,23 @@ size_t BlockFrames(const PcmFormat& format) {
 
 }  // namespace
 
-AudioPump::AudioPump(std::unique_ptr<Decoder> decoder, AudioHooks& hooks, bool loop)
-    : hooks_(hooks),
-      decoder_(std::move(decoder)),
-      format_(decoder_->Format()),
-      totalFrames_(decoder_->TotalFrames()),
-      blockFrames_(BlockFrames(format_)),
-      loop_(loop),
-      block_(blockFrames_ * format_.Channels) {}
+AudioPump::AudioPump(std::unique_ptr<Decoder> decoder, AudioHooks& hooks, bool loop) : hooks_(hooks), loop_(loop) {
+    Take({std::move(decoder), 0});
+}
 
-void AudioPump::SetOutput(std::shared_ptr<AudioOutput> output, ComPtr<Engine> engine) {
+PcmFormat AudioPump::Format() {
     const std::lock_guard lock(mutex_);
+    return format_;
+}
+
+void AudioPump::SetOutput(std::shared_ptr<AudioOutput> output, ComPtr<Engine> engine, Source source) {
+    const std::lock_guard lock(mutex_);
+    if (source.Audio) {
+        playedBefore_ = PlayedSeconds();
+        ForgetAhead();
+        delivered_ = forgotten_ = 0;
+        Take(std::move(source));
+    }
     if (output != output_) {
         if (atEnd_) output->BeginDrain();
         output->SetPaused(!running_);
@@ -33,6 +41,38 @@ void AudioPump::SetOutput(std::shared_ptr<AudioOutput> output, ComPtr<Engine> en
     output_ = std::move(output);
     engine_ = std::move(engine);
     formatTold_ = false;
+}
+
+void AudioPump::Begin(Source source) {
+    const std::lock_guard lock(mutex_);
+    ForgetAhead();
+    Take(std::move(source));
+}
+
+void AudioPump::Take(Source source) {
+    source_ = std::move(source);
+    next_ = {};
+    format_ = source_.Audio->Format();
+    blockFrames_ = BlockFrames(format_);
+    block_.resize(blockFrames_ * format_.Channels);
+    timeline_.Restart({delivered_, 0, source_.Piece, source_.Audio->TotalFrames()});
+    pieceFrames_ = 0;
+    atEnd_ = false;
+}
+
+void AudioPump::SetNext(Source source) {
+    const std::lock_guard lock(mutex_);
+    next_ = std::move(source);
+}
+
+bool AudioPump::HasNext() {
+    const std::lock_guard lock(mutex_);
+    return next_.Audio != nullptr;
+}
+
+Source AudioPump::TakeNext() {
+    const std::lock_guard lock(mutex_);
+    return std::exchange(next_, {});
 }
 
 void AudioPump::SetRunning(bool running) {
@@ -49,16 +89,37 @@ void AudioPump::SetVolume(int percent) {
 
 void AudioPump::Seek(double seconds) {
     const std::lock_guard lock(mutex_);
-    auto frame = static_cast<uint64_t>(std::max(seconds, 0.0) * format_.Rate);
-    if (totalFrames_ != 0) frame = std::min(frame, totalFrames_);
-    if (!decoder_->Seek(frame)) return;
-    forgotten_ += static_cast<uint64_t>(std::min(output_->Latency() * format_.Rate, static_cast<double>(delivered_)));
+    SeekTo(seconds * format_.Rate);
+}
+
+void AudioPump::SeekBy(double seconds) {
+    const std::lock_guard lock(mutex_);
+    const Timeline::Stretch& piece = timeline_.Newest();
+    const uint64_t heard = std::max(HeardFrame(), piece.Begins) - piece.Begins + piece.From;
+    SeekTo(static_cast<double>(heard) + seconds * format_.Rate);
+}
+
+void AudioPump::SeekTo(double place) {
+    const uint64_t length = timeline_.Newest().Length;
+    auto frame = static_cast<uint64_t>(std::max(place, 0.0));
+    if (length != 0) frame = std::min(frame, length);
+    if (!source_.Audio->Seek(frame)) return;
+    ForgetAhead();
+    timeline_.Restart({delivered_, frame, source_.Piece, length});
+    pieceFrames_ = 0;
+    atEnd_ = false;
+}
+
+// What is on its way to the listener goes. What the hooks have is from another place: let them forget it, too.
+void AudioPump::ForgetAhead() {
+    forgotten_ += AheadFrames();
     output_->Flush();
-    // What the hooks have is from another place: let them forget it, too.
     hooks_.AnnounceState(false);
     hooks_.AnnounceState(true);
-    nextFrame_ = frame;
-    atEnd_ = false;
+}
+
+uint64_t AudioPump::AheadFrames() const {
+    return static_cast<uint64_t>(std::min(output_->Latency() * format_.Rate, static_cast<double>(delivered_)));
 }
 
 void AudioPump::Close() {
@@ -70,8 +131,9 @@ AudioPump::Step AudioPump::DeliverBlock() {
     const std::lock_guard lock(mutex_);
     if (output_->HasFailed()) return {State::kNoDevice, INFINITE};
     if (output_->TakeMoved()) return {State::kMoved, 0};
+    if (std::exchange(hasBegunNext_, false)) return {State::kNextPiece, 0};
     if (!running_) return {State::kIdle, INFINITE};
-    if (atEnd_) return Finish();
+    if (atEnd_ && !GoOn(0)) return Finish();
     if (output_->Room() < blockFrames_) return {State::kFull, output_->WaitForRoom()};
     if (!formatTold_) AnnounceFormat();
 
@@ -87,7 +149,6 @@ AudioPump::Step AudioPump::DeliverBlock() {
     hooks_.Deliver(buffer_.Get());
     gain_.Apply(block_.data(), frames, format_.Channels);
     output_->Write(block_.data(), frames);
-    nextFrame_ += frames;
     delivered_ += frames;
     return {State::kDelivered, 0};
 }
@@ -107,27 +168,58 @@ void AudioPump::AnnounceFormat() {
     formatTold_ = true;
 }
 
+// A block goes on with the next piece where this one ends.
 size_t AudioPump::Decode() {
-    size_t frames = decoder_->Read(block_.data(), blockFrames_);
-    if (frames == 0 && loop_ && nextFrame_ != 0 && decoder_->Seek(0)) {
-        nextFrame_ = 0;
-        frames = decoder_->Read(block_.data(), blockFrames_);
+    size_t frames = 0;
+    while (frames < blockFrames_) {
+        const size_t got = source_.Audio->Read(block_.data() + frames * format_.Channels, blockFrames_ - frames);
+        frames += got;
+        pieceFrames_ += got;
+        if (got == 0 && !GoOn(frames)) break;
     }
     return frames;
 }
 
-double AudioPump::Heard(uint64_t frames) const {
-    return std::max(static_cast<double>(frames) / format_.Rate - output_->Latency(), 0.0);
+// At the end of the piece, behind this many frames of the block: with the next one, else with this one again.
+bool AudioPump::GoOn(size_t framesOfBlock) {
+    if (next_.Audio) {
+        if (next_.Audio->Format() != format_) return false;
+        source_ = std::exchange(next_, {});
+        hasBegunNext_ = true;
+    } else if (!loop_ || pieceFrames_ == 0 || !source_.Audio->Seek(0)) {
+        return false;
+    }
+    timeline_.Add({delivered_ + framesOfBlock, 0, source_.Piece, source_.Audio->TotalFrames()});
+    pieceFrames_ = 0;
+    atEnd_ = false;
+    return true;
 }
 
-double AudioPump::Position() {
+HeardPlace AudioPump::Where() {
     const std::lock_guard lock(mutex_);
-    return Heard(nextFrame_);
+    const double rate = format_.Rate;
+    const uint64_t heard = HeardFrame();
+    const Timeline::Stretch& piece = timeline_.Reach(heard);
+    const Timeline::Stretch* const following = timeline_.Following();
+    const uint64_t place = std::max(heard, piece.Begins) - piece.Begins + piece.From;
+    return {
+        piece.Piece, static_cast<double>(place) / rate, static_cast<double>(piece.Length) / rate,
+        following ? static_cast<double>(following->Begins - heard) / rate : std::numeric_limits<double>::infinity()};
+}
+
+bool AudioPump::HasEnded() {
+    const std::lock_guard lock(mutex_);
+    return running_ && atEnd_ && output_->IsDrained();
+}
+
+double AudioPump::PlayedSeconds() const {
+    return playedBefore_ +
+           static_cast<double>(HeardFrame() - std::min(forgotten_, HeardFrame())) / static_cast<double>(format_.Rate);
 }
 
 double AudioPump::Played() {
     const std::lock_guard lock(mutex_);
-    return Heard(delivered_ - forgotten_);
+    return PlayedSeconds();
 }
 
 }  // namespace tdkplay

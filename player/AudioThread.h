@@ -23,6 +23,7 @@ public:
         bool Ended;
         bool DeviceLost;
         bool DeviceMoved;
+        bool NextPiece;
     };
     News TakeNews();
 
@@ -38,6 +39,7 @@ private:
     std::atomic<bool> ended_ = false;
     std::atomic<bool> lost_ = false;
     std::atomic<bool> moved_ = false;
+    std::atomic<bool> next_ = false;
     HANDLE thread_ = nullptr;
 };
 

@@ -18,8 +18,11 @@ void RequireReadableFile(const std::string& path) {
     struct stat status = {};
     const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (file < 0) throw PlayerError(ExitCode::kFileUnreadable, path + ": " + std::strerror(errno));
-    const bool isFile = fstat(file, &status) == 0 && S_ISREG(status.st_mode);
+    const bool isKnown = fstat(file, &status) == 0;
     close(file);
+    if (isKnown && S_ISDIR(status.st_mode))
+        throw PlayerError(ExitCode::kFileUnreadable, path + ": a folder without audio files");
+    const bool isFile = isKnown && S_ISREG(status.st_mode);
     if (!isFile) throw PlayerError(ExitCode::kFileUnreadable, path + ": not a file");
 }
 

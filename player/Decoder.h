@@ -25,6 +25,8 @@ public:
     virtual PcmFormat Format() const = 0;
     // Length in sample frames; 0 if the file doesn't tell.
     virtual uint64_t TotalFrames() const = 0;
+    // What the file says that it is, "artist - title"; empty if it doesn't. UTF-8.
+    virtual std::string Title() const { return {}; }
     // Writes up to `frames` sample frames and gives their number; 0 at the end.
     virtual size_t Read(int16_t* samples, size_t frames) = 0;
     // Goes on from this sample frame. False leaves the place as it was.

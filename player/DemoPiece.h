@@ -23,6 +23,7 @@ public:
 
     PcmFormat Format() const override { return kDemoFormat; }
     uint64_t TotalFrames() const override { return samples_.size() / kDemoFormat.Channels; }
+    std::string Title() const override { return kDemoTitle; }
     size_t Read(int16_t* samples, size_t frames) override;
     bool Seek(uint64_t frame) override;
 

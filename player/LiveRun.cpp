@@ -4,10 +4,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
 #include <limits>
 
-#include "player/DemoPiece.h"
 #include "player/ExitCode.h"
 #include "player/Snapshot.h"
 
@@ -26,20 +24,25 @@ constexpr DWORD kLookInterval = 50;  // milliseconds
 
 }  // namespace
 
-LiveRun::LiveRun(const Options& options, Session& session, Interrupt& interrupt, SettingsKeeper& keeper)
+LiveRun::LiveRun(const Options& options, Session& session, Jukebox& jukebox, Interrupt& interrupt,
+                 SettingsKeeper& keeper)
     : options_(options),
       session_(session),
+      jukebox_(jukebox),
       interrupt_(interrupt),
       keeper_(keeper),
       hasStrip_(options.Snapshots.empty() && !options.Headless),
-      window_(StartingSize(), this, hasStrip_ ? ToolStrip::kHeight : 0) {
+      window_(StartingSize(), this, hasStrip_ ? TransportStrip::kHeight : 0) {
     const PictureSize size = window_.PictureRoom();
     if (hasStrip_) {
-        button_ = std::make_unique<SettingsButton>(session.Button(), window_.Handle());
-        button_->Place(window_.StripPlace());
+        strip_ = std::make_unique<TransportStrip>(window_.Handle(), static_cast<TransportEvents*>(this));
+        button_ = std::make_unique<SettingsButton>(session.Button(), window_.Handle(), *strip_);
     }
     view_ = std::make_unique<ViewGrid>(session.Manager(), window_.Handle(), size, session.Plugins(),
                                        session.ShownPlugins());
+    view_->TellClicks(*clicks_, *rightClicks_);
+    OnStripMoved();
+    if (keeper.Settings().OnTop.value_or(session.Manager().GetAlwaysOnTop() != 0)) window_.SetOnTop(true);
     if (options.Device) keeper_.Note(&PlayerSettings::Device, *options.Device);
     keeper_.Note(&PlayerSettings::Volume, std::optional(session.Sound().Volume()));
     NoteSize(size);
@@ -62,7 +65,7 @@ LiveRun::~LiveRun() {
 PictureSize LiveRun::StartingSize() const {
     const std::optional<PictureSize> remembered = keeper_.Settings().Size;
     if (options_.Size || !remembered) return options_.SizeOrUsual();
-    const PictureSize largest = PlayerWindow::LargestPicture(hasStrip_ ? ToolStrip::kHeight : 0);
+    const PictureSize largest = PlayerWindow::LargestPicture(hasStrip_ ? TransportStrip::kHeight : 0);
     return {std::min(remembered->Width, largest.Width), std::min(remembered->Height, largest.Height)};
 }
 
@@ -72,23 +75,32 @@ void LiveRun::Run() {
     audioThread_ = std::make_unique<AudioThread>(session_.Sound().Pump(), session_.Sound().Wake(), news_);
     while (!done_) {
         Wait();
-        keeper_.StoreWhatHasRested();
         ServeMessages();
-        ServeNews();
-        FollowPlugins();
-        ServeMoments();
-        if (interrupt_.IsRequested()) done_ = true;
+        Serve();
     }
+}
+
+void LiveRun::Serve() {
+    keeper_.StoreWhatHasRested();
+    ServeNews();
+    FollowPlugins();
+    FollowPieces();
+    ServeMoments();
+    if (UntilProgress() == 0) ShowProgress();
+    if (interrupt_.IsRequested()) done_ = true;
+    if (done_) EndMenu();
 }
 
 // Paused and with nothing to store, nothing but a message, an interrupt or a plug-in ends the wait.
 void LiveRun::Wait() {
-    DWORD limit = std::min(keeper_.UntilStoring(), UntilLook());
-    const double moment = NextMoment();
-    if (moment != kNever && session_.Sound().IsPlaying()) {
-        const double left = std::max(moment - session_.Sound().Pump().Played(), 0.0);
-        limit = std::min(limit, static_cast<DWORD>(std::ceil(left * 1000.0)));
+    DWORD limit = std::min({keeper_.UntilStoring(), UntilLook(), UntilProgress()});
+    double left = kNever;
+    if (session_.Sound().IsPlaying()) {
+        const double moment = NextMoment();
+        if (moment != kNever) left = std::max(moment - session_.Sound().Pump().Played(), 0.0);
+        if (pieceChanges_) left = std::min(left, session_.Sound().Pump().Where().UntilNext);
     }
+    if (left != kNever) limit = std::min(limit, static_cast<DWORD>(std::ceil(left * 1000.0)));
     const HANDLE news = news_.Handle();
     MsgWaitForMultipleObjects(1, &news, FALSE, limit, QS_ALLINPUT);
 }
@@ -103,7 +115,10 @@ void LiveRun::ServeNews() {
     const AudioThread::News news = audioThread_->TakeNews();
     if (news.DeviceLost) session_.Sound().OnDeviceLost();
     if (news.DeviceMoved) session_.Sound().OnDeviceMoved();
+    if (news.NextPiece) pieceChanges_ = true;
     if (!news.Ended) return;
+    pieceChanges_ = true;
+    if (jukebox_.OnEnd(session_.Sound())) return;
     if (nextSnapshot_ < options_.Snapshots.size())
         throw PlayerError(ExitCode::kUsage,
                           options_.Snapshots[nextSnapshot_].Path + ": the piece ended before its time");
@@ -160,9 +175,7 @@ void LiveRun::OnPluginKey(int direction) {
 }
 
 void LiveRun::OnVolumeKey(int direction) {
-    session_.Sound().SetVolume(session_.Sound().Volume() + direction * kVolumeStep);
-    keeper_.Note(&PlayerSettings::Volume, std::optional(session_.Sound().Volume()));
-    ShowState();
+    SetVolume(session_.Sound().Volume() + direction * kVolumeStep);
 }
 
 void LiveRun::OnSettingsKey() {
@@ -171,7 +184,7 @@ void LiveRun::OnSettingsKey() {
 
 void LiveRun::OnSize(PictureSize size, bool visible) {
     if (!stands_) return;
-    if (button_) button_->Place(window_.StripPlace());
+    OnStripMoved();
     if (!visible)
         view_->Hide();
     else if (isHidden_)
@@ -180,22 +193,24 @@ void LiveRun::OnSize(PictureSize size, bool visible) {
         view_->Resize(size);
     isHidden_ = !visible;
     session_.Sound().SetWatched(visible);
+    KeepScreenAwake();
     if (visible) NoteSize(size);
 }
 
+// A picture that has the strip's room for the moment is no size for the next run.
 void LiveRun::NoteSize(PictureSize size) {
-    if (!window_.IsFullScreen() && size.IsWithinBounds()) keeper_.Note(&PlayerSettings::Size, std::optional(size));
+    if (!window_.IsFullScreen() && window_.HasStrip() && size.IsWithinBounds())
+        keeper_.Note(&PlayerSettings::Size, std::optional(size));
 }
 
 void LiveRun::ShowState() {
-    const std::string file =
-        options_.File.empty() ? kDemoTitle : std::filesystem::path(options_.File).filename().string();
     const PluginInfo& plugin = view_->Plugin();
     const std::string name = plugin.Name.empty() ? "No plug-in" : plugin.Name;
     const std::string volume = "Volume " + std::to_string(session_.Sound().Volume()) + " %";
     const std::string paused = session_.Sound().IsPlaying() ? "" : " (paused)";
-    window_.SetTitle(file + " - " + name + " - " + volume + paused);
-    if (button_) button_->SetText(name + " - " + volume + paused);
+    window_.SetTitle(jukebox_.Heard().Title + " - " + name + " - " + volume + paused);
+    ShowProgress();
+    KeepScreenAwake();
     if (!plugin.Path.empty()) keeper_.Note(&PlayerSettings::Plugin, plugin.File());
 }
 

@@ -1,4 +1,5 @@
-// A run in real time: a window with the settings button, the sound, and the keys. What the user changes is remembered.
+// A run in real time: a window with the strip below the picture, the sound, and the keys. What the user changes is
+// remembered.
 #pragma once
 
 #include <memory>
@@ -6,21 +7,27 @@
 
 #include "player/AudioThread.h"
 #include "player/Interrupt.h"
+#include "player/Jukebox.h"
+#include "player/PictureClicks.h"
+#include "player/PlayerMenu.h"
 #include "player/PlayerWindow.h"
 #include "player/PluginWatch.h"
+#include "player/ScreenAwake.h"
 #include "player/Session.h"
 #include "player/SettingsButton.h"
 #include "player/SettingsKeeper.h"
+#include "player/TransportStrip.h"
 #include "player/ViewGrid.h"
 
 namespace tdkplay {
 
-class LiveRun final : private PlayerWindowEvents {
+class LiveRun final : private PlayerWindowEvents, private TransportEvents {
 public:
-    LiveRun(const Options& options, Session& session, Interrupt& interrupt, SettingsKeeper& keeper);
+    // The session plays the jukebox's first piece.
+    LiveRun(const Options& options, Session& session, Jukebox& jukebox, Interrupt& interrupt, SettingsKeeper& keeper);
     ~LiveRun();
 
-    // Comes back at the end of the piece or of --duration, after the last snapshot, when the user closes the
+    // Comes back at the end of the list or of --duration, after the last snapshot, when the user closes the
     // window or interrupts. Throws PlayerError with kCannotWrite or kUsage.
     void Run();
 
@@ -32,8 +39,22 @@ private:
     void OnSettingsKey() override;
     void OnSize(PictureSize size, bool visible) override;
     void OnCloseRequest() override { done_ = true; }
+    void OnTrackKey(int direction) override;
+    void OnStartKey() override;
+    void OnMenu(POINT place) override;
+    void OnFiles(const std::vector<std::string>& paths) override;
+    void OnTick() override { Serve(); }
+    void OnStripMoved() override;
+
+    void OnPlayButton() override { OnPauseKey(); }
+    void OnStepButton(int direction) override { OnTrackKey(direction); }
+    void OnSeekBar(double seconds) override;
+    void OnVolumeBar(int percent) override;
+    void OnPointerInStrip() override { window_.OnPointer(); }
 
     void Wait();
+    // All that doesn't come as a message.
+    void Serve();
     void ServeMessages();
     void ServeNews();
     void FollowPlugins();
@@ -42,23 +63,42 @@ private:
     double NextMoment() const;
     PictureSize StartingSize() const;
     void NoteSize(PictureSize size);
+    void SetVolume(int percent);
     void ShowState();
+    // The strip alone, whose time runs.
+    void ShowProgress();
+    DWORD UntilProgress() const;
+    void FollowPieces();
+    void OnPieceChange();
+    MenuState MenuNow() const;
+    void Choose(const MenuChoice& choice, const std::vector<PluginInfo>& plugins);
+    void SetOnTop(bool on);
+    // In full screen, as long as there is something to see that moves.
+    void KeepScreenAwake();
 
     const Options& options_;
     Session& session_;
+    Jukebox& jukebox_;
     Interrupt& interrupt_;
     SettingsKeeper& keeper_;
     const Event news_;
     const bool hasStrip_;  // pictures of the window are pictures of the music alone
     bool stands_ = false;  // the window reports its size before the rest is there, and after
     PlayerWindow window_;
+    const ComPtr<PictureClicks> clicks_ = MakeCom<PictureClicks>(window_.Handle(), PlayerWindow::kPictureClicked);
+    const ComPtr<PictureClicks> rightClicks_ =
+        MakeCom<PictureClicks>(window_.Handle(), PlayerWindow::kPictureRightClicked);
+    std::unique_ptr<TransportStrip> strip_;
     std::unique_ptr<SettingsButton> button_;
     std::unique_ptr<ViewGrid> view_;
     const ComPtr<PluginWatch> pluginWatch_ = MakeCom<PluginWatch>(news_);
     int looksLeft_ = 1;   // at the plug-ins; the first one is for what came before the watch
     DWORD lookedAt_ = 0;  // by GetTickCount
     bool isHidden_ = false;
+    bool pieceChanges_ = true;   // another piece is on its way to the listener, or may be
+    DWORD progressShownAt_ = 0;  // by GetTickCount
     std::unique_ptr<AudioThread> audioThread_;
+    ScreenAwake screen_;
     size_t nextSnapshot_ = 0;
     bool done_ = false;
 };

@@ -24,8 +24,10 @@ constexpr uint32_t kFastestRate = 30;
 constexpr double kLongestTime = 24.0 * 3600.0;
 
 constexpr char kFooter[] =
-    "Keys: Space pauses, Left and Right go 5 seconds, Up and Down change the plug-in, + and - the volume,\n"
-    "S opens the settings, F fills the screen, Escape goes back or quits.\n"
+    "Keys: Space pauses, Left and Right go 5 seconds, Home to the start, N and B (or Page Down and Page Up) to the\n"
+    "next piece and the one before; Up and Down change the plug-in, + and - the volume; S opens the settings, M or a\n"
+    "right click the menu, T hides the strip below the picture, F, F11 or a double click fill the screen, Escape goes\n"
+    "back or quits. The wheel changes the volume. Files and folders that are dropped on the window play at once.\n"
     "A run in a window remembers its size, volume, plug-in and device for the next one; options win over that.\n"
     "Exit codes: 0 done, 2 usage, 3 file can't be read, 4 unknown format, 5 unknown plug-in, 6 no plug-ins,\n"
     "7 no display, 8 add-on can't be loaded, 9 picture can't be written, 10 sound output doesn't open,\n"
@@ -97,9 +99,9 @@ void CheckRendering(const CLI::App& app, const Options& options) {
         if (options.Seed && !isSheet) throw UsageError("--seed needs --render or --sheet");
         if (options.Json && options.Check.empty()) throw UsageError("--json needs --render or --check");
     }
-    if (isSheet) Exclude(app, "--sheet", {"--render", "--snapshot", "--window", "--loop", "--views"});
+    if (isSheet) Exclude(app, "--sheet", {"--render", "--snapshot", "--window", "--loop", "--shuffle", "--views"});
     if (options.Render.empty()) return;
-    Exclude(app, "--render", {"--snapshot", "--window", "--loop"});
+    Exclude(app, "--render", {"--snapshot", "--window", "--loop", "--shuffle"});
     if (!RenderTarget::FromPath(options.Render))
         throw UsageError("--render: \"" + options.Render + "\" is no .mp4, .mkv, .y4m and no folder with / at its end");
 }
@@ -132,7 +134,8 @@ void Declare(CLI::App& app, Options& options, RawOptions& raw) {
     const std::map<std::string, bool> onOff = {{"on", true}, {"off", false}};
     app.set_version_flag("--version", TDKVIZ_VERSION);
     app.footer(kFooter);
-    app.add_option("FILE", options.File, "Audio file; without one the player's own piece");
+    app.add_option("FILES", options.Files,
+                   "Audio files, folders of them, and lists (.m3u, .m3u8); without any the player's own piece");
     app.add_flag("--list", options.List, "List the plug-ins: name, path");
     app.add_option("--viz", raw.Plugins,
                    "Plug-in to show: its name, its file's name, how one begins, or a path to a file; one for each view")
@@ -169,6 +172,7 @@ void Declare(CLI::App& app, Options& options, RawOptions& raw) {
         ->check(CLI::Validator(CheckTime, ""))
         ->type_name("SECONDS");
     app.add_flag("--loop", options.Loop, "Begin again at the end");
+    app.add_flag("--shuffle", options.Shuffle, "Play the pieces in another order each time");
     auto* output =
         app.add_option("--output", options.Output, "Where the sound goes")->check(CLI::IsMember(OutputNames()));
     app.add_flag("--no-audio", raw.NoAudio, "Play without sound")->excludes(output);

@@ -30,7 +30,8 @@ struct CheckTuning {
 };
 
 struct Options {
-    std::string File;  // empty: the project's own piece
+    std::vector<std::string> Files;  // audio files, folders and lists; none: the project's own piece
+    bool Shuffle = false;
     bool List = false;
     std::string MakeDemo;  // the file to write the project's own piece to
     bool PrintSettings = false;

@@ -24,7 +24,16 @@ public:
     void Play();
     void Pause();
     void SeekBy(double seconds);
+    // In the piece, in seconds.
+    void Seek(double seconds);
     void Stop();
+    // Begins this piece at once, paused or playing as before. One in another format is another output and another
+    // engine; an output that doesn't open any more leaves silence.
+    void Begin(Source source);
+    // The piece that comes after this one.
+    void SetNext(Source source);
+    // At the end: goes on with the piece that comes next. False if there is none.
+    bool GoOn();
     // Percent, at first kFullVolume; beyond 0 and 100 is 0 and 100.
     void SetVolume(int percent);
     int Volume() const { return volume_; }
@@ -37,9 +46,11 @@ public:
     void OnDeviceLost();
 
 private:
-    void PutEngine();
+    void PutEngine(Source source = {});
+    std::shared_ptr<AudioOutput> OpenOutputFor(const PcmFormat& format) const;
 
     HostContext& context_;
+    const OutputRequest request_;
     const Event wake_;
     AudioPump pump_;
     std::shared_ptr<AudioOutput> output_;

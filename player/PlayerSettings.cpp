@@ -20,6 +20,8 @@ PlayerSettings PlayerSettings::Load() {
     const std::optional<StoredValue> volume = key.Find(kVolumeValue);
     const std::optional<uint32_t> percent = volume ? volume->Number() : std::nullopt;
     if (percent && *percent <= kFullVolume) settings.Volume = static_cast<int>(*percent);
+    const std::optional<StoredValue> onTop = key.Find(kOnTopValue);
+    if (const auto flag = onTop ? onTop->Number() : std::nullopt) settings.OnTop = *flag != 0;
     settings.Plugin = TextOf(key, kPluginValue);
     settings.Device = TextOf(key, kDeviceValue);
     return settings;
@@ -29,6 +31,7 @@ void PlayerSettings::StoreChanges(const PlayerSettings& before) const {
     SettingsKey key = SettingsKey::OpenToWrite(kPlayerKey);
     if (Size && Size != before.Size) key.SetText(kSizeValue, Size->Text());
     if (Volume && Volume != before.Volume) key.SetNumber(kVolumeValue, static_cast<uint32_t>(*Volume));
+    if (OnTop && OnTop != before.OnTop) key.SetNumber(kOnTopValue, *OnTop ? 1 : 0);
     if (Plugin != before.Plugin) key.SetText(kPluginValue, Plugin);
     if (Device != before.Device) key.SetText(kDeviceValue, Device);
 }

@@ -26,7 +26,7 @@ bool BeginsWith(const std::string& text, const std::string& beginning) {
 
 bool IsFile(const std::string& path, const std::string& text) {
     std::error_code error;
-    return text.find('/') != std::string::npos && std::filesystem::equivalent(path, text, error);
+    return text.find('/') != std::string::npos && (path == text || std::filesystem::equivalent(path, text, error));
 }
 
 bool IsCalled(const PluginInfo& plugin, const std::string& text) {

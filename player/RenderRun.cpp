@@ -35,24 +35,27 @@ uint64_t MiddleOf(uint64_t index, uint64_t rate) {
 }
 
 // The file with the sound of the video, empty for none.
-std::string AudioFile(const Options& options, const ScratchFolder& scratch) {
-    if (!options.RenderAudio || !options.File.empty()) return options.RenderAudio ? options.File : "";
+std::string AudioFile(const Options& options, const std::string& file, const ScratchFolder& scratch) {
+    if (!options.RenderAudio || !file.empty()) return options.RenderAudio ? file : "";
     const std::string demo = scratch.File("demo.wav");
     WriteDemoPiece(demo);
     return demo;
 }
 
-std::unique_ptr<FrameSink> OpenSink(const Options& options, const VideoFormat& format, const ScratchFolder& scratch) {
+std::unique_ptr<FrameSink> OpenSink(const Options& options, const std::string& file, const VideoFormat& format,
+                                    const ScratchFolder& scratch) {
     const RenderTarget target = RenderTarget::FromPath(options.Render).value_or(RenderTarget{});
     if (target.IsEncoded())
-        return std::make_unique<FfmpegPipe>(target, format, AudioFile(options, scratch), scratch.File("ffmpeg.log"));
+        return std::make_unique<FfmpegPipe>(target, format, AudioFile(options, file, scratch),
+                                            scratch.File("ffmpeg.log"));
     if (target.Form == RenderTarget::Kind::kY4m) return std::make_unique<Y4mWriter>(target.Path, format);
     return std::make_unique<PngFolder>(target.Path);
 }
 
 }  // namespace
 
-void RenderRun::Render(const Options& asked, std::unique_ptr<Decoder> decoder, const Interrupt& interrupt) {
+void RenderRun::Render(const Options& asked, const std::string& file, std::unique_ptr<Decoder> decoder,
+                       const Interrupt& interrupt) {
     const Options options = WithFrameRate(asked);
     const PrivateRegistry registry;
     const ScratchFolder scratch;
@@ -62,7 +65,7 @@ void RenderRun::Render(const Options& asked, std::unique_ptr<Decoder> decoder, c
     const CountedDecoder& counter = *counted;
     Session session(options, std::move(counted), kSilentName);
     RenderRun run(options, session, counter, interrupt);
-    const std::unique_ptr<FrameSink> sink = OpenSink(options, run.Format(), scratch);
+    const std::unique_ptr<FrameSink> sink = OpenSink(options, file, run.Format(), scratch);
     RenderProgress progress(options.Render, run.Format(), run.ExpectedFrames(), options.Json);
     const uint64_t frames = run.WriteFrames(*sink, progress);
     sink->Finish();

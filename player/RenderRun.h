@@ -14,9 +14,10 @@ class RenderProgress;
 
 class RenderRun {
 public:
-    // From the beginning to the end, with a registry of its own. Throws PlayerError, with kInterrupted if the user has
-    // stopped it.
-    static void Render(const Options& options, std::unique_ptr<Decoder> decoder, const Interrupt& interrupt);
+    // From the beginning to the end, with a registry of its own. `file` is where the decoder's audio comes from, empty
+    // for the project's own piece. Throws PlayerError, with kInterrupted if the user has stopped it.
+    static void Render(const Options& options, const std::string& file, std::unique_ptr<Decoder> decoder,
+                       const Interrupt& interrupt);
 
 private:
     RenderRun(const Options& options, Session& session, const CountedDecoder& decoder, const Interrupt& interrupt);

@@ -31,6 +31,7 @@ public:
         addOn_.AnnounceTrack();
     }
 
+    AddOn& Component() { return addOn_; }
     IMPAVizMgr& Manager() { return addOn_.Manager(); }
     ITKCommandButton& Button() { return addOn_.Button(); }
     const std::vector<PluginInfo>& Plugins() const { return plugins_; }

@@ -20,11 +20,12 @@ std::string LabelOf(ITKCommandButton& component) {
 
 }  // namespace
 
-SettingsButton::SettingsButton(ITKCommandButton& component, HWND owner)
+SettingsButton::SettingsButton(ITKCommandButton& component, HWND owner, TransportStrip& strip)
     : component_(component),
       owner_(owner),
-      strip_(owner, *this),
-      site_(MakeCom<ButtonSite>(static_cast<ButtonSiteEvents&>(*this), strip_.Handle(), ToolStrip::kPictureWaits)) {
+      strip_(strip),
+      site_(MakeCom<ButtonSite>(static_cast<ButtonSiteEvents&>(*this), strip.Handle(), TransportStrip::kPictureWaits)) {
+    strip_.SetTool(this);
     strip_.SetLabel(LabelOf(component_));
     strip_.SetPicture(component_.GetButtonBitmap());
 }
@@ -32,13 +33,15 @@ SettingsButton::SettingsButton(ITKCommandButton& component, HWND owner)
 SettingsButton::~SettingsButton() {
     component_.CloseDialog();
     site_->Detach();
+    strip_.SetTool(nullptr);
+    strip_.SetPicture(nullptr);
 }
 
 void SettingsButton::Press() {
     MPAVizWindowRecord parent = {};
     parent.Window = static_cast<uint32_t>(reinterpret_cast<uintptr_t>(owner_));
     const HRESULT result = component_.Execute(kCommand, static_cast<ITKButtonSite*>(site_.Get()), &parent);
-    if (FAILED(result)) strip_.SetText("The settings can't be opened");
+    if (FAILED(result)) strip_.SetNotice("The settings can't be opened");
     strip_.SetChecked(component_.IsDialogOpen());
 }
 
@@ -51,7 +54,7 @@ void SettingsButton::OnHelp(uint32_t topic) {
     if (OpenHelpPage(page)) return;
     std::printf("%s\n", page.c_str());
     std::fflush(stdout);
-    strip_.SetText("Help: " + page);
+    strip_.SetNotice("Help: " + page);
 }
 
 }  // namespace tdkplay

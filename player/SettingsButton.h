@@ -3,25 +3,21 @@
 
 #include <tdkviz/viz.h>
 
-#include <string>
-
 #include "player/ButtonSite.h"
-#include "player/ToolStrip.h"
+#include "player/TransportStrip.h"
 
 namespace tdkplay {
 
 // For the host's thread.
-class SettingsButton final : private ToolStripEvents, private ButtonSiteEvents {
+class SettingsButton final : private ToolButtonEvents, private ButtonSiteEvents {
 public:
-    // `owner` is the player's window: the strip lies in it, and the dialog belongs to it. The component and the window
+    // `owner` is the player's window, to which the dialog belongs; `strip` shows the button. Both and the component
     // outlive this object, which takes the dialog down with it.
-    SettingsButton(ITKCommandButton& component, HWND owner);
+    SettingsButton(ITKCommandButton& component, HWND owner, TransportStrip& strip);
     ~SettingsButton();
     SettingsButton(const SettingsButton&) = delete;
     SettingsButton& operator=(const SettingsButton&) = delete;
 
-    void Place(const RECT& place) { strip_.Place(place); }
-    void SetText(const std::string& text) { strip_.SetText(text); }
     // Opens the dialog, or brings it to the top.
     void Press();
 
@@ -33,7 +29,7 @@ private:
 
     ITKCommandButton& component_;
     const HWND owner_;
-    ToolStrip strip_;
+    TransportStrip& strip_;
     const ComPtr<ButtonSite> site_;
 };
 

@@ -3,11 +3,9 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
-#include <filesystem>
 #include <numeric>
 
 #include "player/ContactSheet.h"
-#include "player/DemoPiece.h"
 #include "player/ExitCode.h"
 #include "player/PrivateRegistry.h"
 #include "player/SilentOutput.h"
@@ -60,10 +58,10 @@ std::vector<size_t> PluginsOf(const Options& options, const Session& session) {
     return all;
 }
 
-SheetContent ContentOf(const Options& options, const Session& session, const std::vector<size_t>& plugins,
-                       double seconds) {
+SheetContent ContentOf(const Options& options, const std::string& title, const Session& session,
+                       const std::vector<size_t>& plugins, double seconds) {
     SheetContent content;
-    content.Title = options.File.empty() ? kDemoTitle : std::filesystem::path(options.File).stem().string();
+    content.Title = title;
     for (const size_t plugin : plugins) content.Names.push_back(session.Plugins()[plugin].Name);
     for (const double moment : MomentsOf(seconds)) content.Moments.push_back(TextOf(moment, seconds));
     content.Size = options.SizeOrUsual();
@@ -72,14 +70,15 @@ SheetContent ContentOf(const Options& options, const Session& session, const std
 
 }  // namespace
 
-void DrawSheet(const Options& asked, std::unique_ptr<Decoder> decoder, const Interrupt& interrupt) {
+void DrawSheet(const Options& asked, const std::string& title, std::unique_ptr<Decoder> decoder,
+               const Interrupt& interrupt) {
     const Options options = WithPictureSize(asked);
     const double seconds = SecondsOf(options, *decoder);
     const PrivateRegistry registry;
     SteppedRun::Prepare(options);
     Session session(options, std::move(decoder), kSilentName);
     const std::vector<size_t> plugins = PluginsOf(options, session);
-    ContactSheet sheet(ContentOf(options, session, plugins, seconds));
+    ContactSheet sheet(ContentOf(options, title, session, plugins, seconds));
 
     SteppedRun run(options, session, interrupt);
     std::vector<HWND> windows;

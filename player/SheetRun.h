@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
 #include "player/Decoder.h"
 #include "player/Interrupt.h"
@@ -9,8 +10,9 @@
 
 namespace tdkplay {
 
-// All plug-ins, or those that the options name. The same song, options and plug-ins give the same bytes. Throws
-// PlayerError, with kInterrupted if the user has stopped it; nothing is written then.
-void DrawSheet(const Options& options, std::unique_ptr<Decoder> decoder, const Interrupt& interrupt);
+// All plug-ins, or those that the options name, with the song's title above. The same song, options and plug-ins give
+// the same bytes. Throws PlayerError, with kInterrupted if the user has stopped it; nothing is written then.
+void DrawSheet(const Options& options, const std::string& title, std::unique_ptr<Decoder> decoder,
+               const Interrupt& interrupt);
 
 }  // namespace tdkplay

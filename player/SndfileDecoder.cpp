@@ -80,6 +80,13 @@ std::vector<SndfileDecoder::Weights> SndfileDecoder::DownmixWeights(int channels
     return weights;
 }
 
+std::string SndfileDecoder::Title() const {
+    const char* const title = sf_get_string(file_.get(), SF_STR_TITLE);
+    const char* const artist = sf_get_string(file_.get(), SF_STR_ARTIST);
+    if (!title || *title == '\0') return {};
+    return artist && *artist != '\0' ? std::string(artist) + " - " + title : title;
+}
+
 size_t SndfileDecoder::Read(int16_t* samples, size_t frames) {
     decoded_.resize(std::max(decoded_.size(), frames * static_cast<size_t>(fileChannels_)));
     const sf_count_t got = sf_readf_float(file_.get(), decoded_.data(), static_cast<sf_count_t>(frames));

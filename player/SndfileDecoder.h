@@ -18,6 +18,7 @@ public:
 
     PcmFormat Format() const override { return format_; }
     uint64_t TotalFrames() const override { return totalFrames_; }
+    std::string Title() const override;
     size_t Read(int16_t* samples, size_t frames) override;
     bool Seek(uint64_t frame) override;
 

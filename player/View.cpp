@@ -26,6 +26,11 @@ View::~View() {
     manager_.DestroyVizWindow(view_);
 }
 
+void View::TellClicks(IMPAClickReceiver& left, IMPAClickReceiver& right) {
+    view_->AddClickReceiver(&left);
+    view_->AddRightClickReceiver(&right);
+}
+
 bool View::Select(size_t index) {
     view_->SelectPlugin(plugins_[index].Path.c_str());
     if (CurrentPath() != plugins_[index].Path) return false;

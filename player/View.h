@@ -21,8 +21,12 @@ public:
     View(const View&) = delete;
     View& operator=(const View&) = delete;
 
+    // Tells these of clicks on the picture from now on; they outlive the view. [frame]
+    void TellClicks(IMPAClickReceiver& left, IMPAClickReceiver& right);
     // Without name and path if there is none left to show.
     const PluginInfo& Plugin() const { return shown_; }
+    // As listed last.
+    const std::vector<PluginInfo>& Plugins() const { return plugins_; }
     // To the next (1) or the one before (-1), in a circle; one that can't be loaded is passed over.
     void StepPlugin(int direction);
     // To the plug-in of this path. False if it isn't in the list or can't be loaded; the view keeps what it had then.
@@ -43,7 +47,7 @@ private:
     std::vector<PluginInfo> plugins_;
     size_t index_;  // where the shown plug-in is in the list, or was
     PluginInfo shown_;
-    IMPAVizWindow* view_ = nullptr;  // the manager's, until DestroyVizWindow
+    IMPAVizWindow* view_ = nullptr;  // the manager's, until DestroyVizWindow, which also ends its clicks
 };
 
 }  // namespace tdkplay

@@ -46,6 +46,10 @@ void ViewCell::Step(int direction) {
     own_ = view_->Plugin().Path;
 }
 
+void ViewCell::Choose(const std::string& path) {
+    if (view_->Select(path)) own_ = path;
+}
+
 bool ViewCell::StandIn(const PluginInfo& plugin) {
     if (!view_->Select(plugin.Path)) return false;
     standIn_ = plugin.Path;

@@ -22,6 +22,7 @@ public:
     void Show(const RECT& place);
 
     void Step(int direction);
+    void Choose(const std::string& path);
     // Back to its own plug-in, or to what stands in for it while that isn't in the list. False if neither is.
     bool Restore() { return view_->Select(own_) || view_->Select(standIn_); }
     // False if that plug-in can't be shown either.

@@ -21,9 +21,22 @@ size_t ViewGrid::CellUnderMouse() const {
     return found == places_.end() ? 0 : static_cast<size_t>(found - places_.begin());
 }
 
+void ViewGrid::TellClicks(IMPAClickReceiver& left, IMPAClickReceiver& right) {
+    for (const auto& cell : cells_) cell->Picture().TellClicks(left, right);
+}
+
+void ViewGrid::TurnToMouse() {
+    current_ = CellUnderMouse();
+}
+
+void ViewGrid::ChoosePlugin(const std::string& path) {
+    cells_[current_]->Choose(path);
+    if (!IsSingle()) RestoreAll();
+}
+
 void ViewGrid::StepPlugin(int direction) {
-    stepped_ = CellUnderMouse();
-    cells_[stepped_]->Step(direction);
+    TurnToMouse();
+    cells_[current_]->Step(direction);
     if (!IsSingle()) RestoreAll();
 }
 

@@ -14,6 +14,7 @@
 #include "player/DemoPiece.h"
 #include "player/ExitCode.h"
 #include "player/Interrupt.h"
+#include "player/Jukebox.h"
 #include "player/LiveRun.h"
 #include "player/PluginFolders.h"
 #include "player/PrivateRegistry.h"
@@ -69,10 +70,10 @@ void List() {
     for (const PluginInfo& plugin : plugins) std::printf("%s\t%s\n", plugin.Name.c_str(), plugin.RealPath().c_str());
 }
 
-void PlayLive(const Options& options, std::unique_ptr<Decoder> decoder, Interrupt& interrupt) {
+void PlayLive(const Options& options, Jukebox& jukebox, std::unique_ptr<Decoder> decoder, Interrupt& interrupt) {
     SettingsKeeper keeper;
     Session session(options, std::move(decoder), options.Output, keeper.Settings());
-    LiveRun(options, session, interrupt, keeper).Run();
+    LiveRun(options, session, jukebox, interrupt, keeper).Run();
 }
 
 void TakeSnapshots(const Options& options, std::unique_ptr<Decoder> decoder, Interrupt& interrupt) {
@@ -115,21 +116,25 @@ void Run(const Options& options) {
     if (options.PrintSettings) return PrintStoredSettings();
     if (options.ResetSettings) return ResetStoredSettings();
 
-    std::unique_ptr<Decoder> decoder = OpenDecoder(options.File);
+    Jukebox jukebox(options.Files, {options.Shuffle, options.Loop});
+    if ((!options.Render.empty() || !options.Sheet.empty()) && jukebox.Size() > 1)
+        throw PlayerError(ExitCode::kUsage, std::string(options.Render.empty() ? "--sheet" : "--render") +
+                                                " takes one piece, not " + std::to_string(jukebox.Size()));
+    std::unique_ptr<Decoder> decoder = jukebox.OpenFirst();
     RequireSnapshotsWithin(options, *decoder);
     Interrupt interrupt;
-    if (!options.Render.empty()) return RenderRun::Render(options, std::move(decoder), interrupt);
-    if (!options.Sheet.empty()) return DrawSheet(options, std::move(decoder), interrupt);
+    if (!options.Render.empty()) return RenderRun::Render(options, jukebox.Heard().Path, std::move(decoder), interrupt);
+    if (!options.Sheet.empty()) return DrawSheet(options, jukebox.Heard().Title, std::move(decoder), interrupt);
     const Mode mode = ChooseMode(options);
     // Pictures and runs that nobody sees don't depend on what the user has set.
     std::optional<PrivateRegistry> registry;
     if (mode != Mode::kWindow || !options.Snapshots.empty()) registry.emplace();
     switch (mode) {
         case Mode::kWindow:
-            return PlayLive(options, std::move(decoder), interrupt);
+            return PlayLive(options, jukebox, std::move(decoder), interrupt);
         case Mode::kInvisible:
             TdkpUseMemoryDisplay(options.SizeOrUsual().Width, options.SizeOrUsual().Height, kColourDepth);
-            return PlayLive(options, std::move(decoder), interrupt);
+            return PlayLive(options, jukebox, std::move(decoder), interrupt);
         case Mode::kSnapshots:
             return TakeSnapshots(options, std::move(decoder), interrupt);
         case Mode::kAllPictures:

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "platform/gdi/Raster.h"
 
@@ -24,6 +25,11 @@ public:
     // `virtualKey` is a VK_ number; `text` is the character for WM_CHAR or 0.
     virtual void OnKey(WindowId window, bool down, uint32_t virtualKey, uint32_t text, bool altDown, uint32_t time) = 0;
     virtual void OnFocus(WindowId window, bool gained) = 0;
+    // The pointer went to another window, of whatever program.
+    virtual void OnPointerLeft(WindowId window, uint32_t time) = 0;
+    // May files be dropped at this place of the screen, inside the top-level window?
+    virtual bool AcceptsFiles(WindowId window, POINT screen) = 0;
+    virtual void OnFilesDropped(WindowId window, POINT screen, std::vector<std::string> paths) = 0;
     // The window manager asks, or a foreign owner has gone.
     virtual void OnCloseRequest(WindowId window) = 0;
     virtual void OnMovedOrSized(WindowId window, int x, int y, int width, int height) = 0;  // top-level only
@@ -67,7 +73,20 @@ public:
     virtual void SetAlwaysOnTop(WindowId window, bool on) = 0;
     virtual void SetFocus(WindowId window) = 0;
     virtual void SetCapture(WindowId window, bool on) = 0;
+    // Mouse and keyboard of the whole display come to this window, which must be shown, until that is taken back or
+    // the window goes. False if another program has them now.
+    virtual bool GrabInput(WindowId window) = 0;
+    virtual void ReleaseInput() = 0;
     virtual void SetCursorShape(WindowId window, uint32_t shape) = 0;  // IDC_ number, 0 hides it
+
+    // Where the pointer is on the screen. False, and nothing written, for a display that has none of its own.
+    virtual bool GetPointer(POINT* point) const = 0;
+    // The outermost window of this process at that place of the screen; 0 if another program's lies there.
+    virtual WindowId WindowAt(POINT point) const = 0;
+    // Holds the screen saver off until that is taken back or the display closes.
+    virtual void KeepAwake(bool on) = 0;
+    // As if somebody had touched a key.
+    virtual void WakeUp() = 0;
 
     // Does a window of this id exist that some other client made?
     virtual bool IsForeign(WindowId window) const = 0;

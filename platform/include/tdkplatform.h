@@ -36,6 +36,8 @@ TDKP_API BOOL TdkpReadWindow(HWND window, DWORD* pixels, int capacity, int* widt
 TDKP_API void TdkpFeedMouse(HWND window, UINT message, WPARAM keys, int x, int y);
 TDKP_API void TdkpFeedKey(HWND window, BOOL down, UINT virtualKey, UINT character);
 TDKP_API void TdkpFeedClose(HWND window);
+// Files dropped there. FALSE if nothing in the top-level window accepts files at that place.
+TDKP_API BOOL TdkpFeedFiles(HWND window, int x, int y, const char* const* paths, int count);
 
 // DirectDraw. The call with this number, counted from 1 and from here on, fails with this result and does nothing
 // (CoInitialize, CoCreateInstance and each operation of the interfaces count, AddRef and Release don't); 0: none

@@ -139,6 +139,20 @@ TDKP_API BOOL QueryPerformanceCounter(LARGE_INTEGER* count);
 TDKP_API BOOL QueryPerformanceFrequency(LARGE_INTEGER* frequency);
 TDKP_API DWORD GetTickCount(void);
 
+// ---- Power ----
+
+using EXECUTION_STATE = DWORD;
+
+#define ES_SYSTEM_REQUIRED 0x00000001u
+#define ES_DISPLAY_REQUIRED 0x00000002u
+#define ES_CONTINUOUS 0x80000000u
+
+// With ES_CONTINUOUS what the calling thread needs until its next such call or its end, else what it needs just now.
+// While any thread needs the display and the process has a window, the screen saver of the X server is held off;
+// what a desktop does beside that, and the sleep of the machine, are not the layer's. Gives the former state of the
+// thread, 0 for a flag that isn't known.
+TDKP_API EXECUTION_STATE SetThreadExecutionState(EXECUTION_STATE state);
+
 // ---- Files. Backslash and slash both separate. ----
 
 #define FILE_ATTRIBUTE_READONLY 0x00000001u

@@ -8,3 +8,7 @@
 #include "wingdi.h"
 #include "winreg.h"
 #include "winuser.h"
+
+#ifndef WIN32_LEAN_AND_MEAN
+#include "shellapi.h"
+#endif

@@ -33,20 +33,6 @@ void PaintPush(HWND button, LONG_PTR state, bool isDefault) {
     paint.FocusRect(box);
 }
 
-// Two strokes, three pixels high where the box has thirteen.
-void PaintMark(ControlPaint& paint, const RECT& box, INT color) {
-    const int side = static_cast<int>(WidthOf(box));
-    const int thickness = side * 3 / kCheckBox;
-    const int down = side * 2 / kCheckBox;  // columns of the short stroke
-    const int up = side * 4 / kCheckBox;    // and of the long one
-    const LONG left = box.left + (side - down - up - 1) / 2;
-    const LONG bottom = box.top + (side + up + thickness) / 2;  // of the lowest column
-    for (int i = 0; i <= down + up; ++i) {
-        const LONG end = bottom - (i < down ? down - i : i - down);
-        paint.Fill({left + i, end - thickness, left + i + 1, end}, color);
-    }
-}
-
 void PaintCheck(HWND button, LONG_PTR state) {
     ControlPaint paint(button);
     const RECT& all = paint.Box();
@@ -96,6 +82,20 @@ void PaintGroup(HWND button) {
 }
 
 }  // namespace
+
+// Two strokes, three pixels high where a box of a dialog has thirteen.
+void PaintMark(ControlPaint& paint, const RECT& box, INT color) {
+    const int side = ScaledPixels(kCheckBox);
+    const int thickness = side * 3 / kCheckBox;
+    const int down = side * 2 / kCheckBox;  // columns of the short stroke
+    const int up = side * 4 / kCheckBox;    // and of the long one
+    const LONG left = box.left + (WidthOf(box) - down - up - 1) / 2;
+    const LONG bottom = box.top + (HeightOf(box) + up + thickness) / 2;  // of the lowest column
+    for (int i = 0; i <= down + up; ++i) {
+        const LONG end = bottom - (i < down ? down - i : i - down);
+        paint.Fill({left + i, end - thickness, left + i + 1, end}, color);
+    }
+}
 
 LONG CheckLabelStart() {
     return ScaledPixels(kCheckBox) + ScaledPixels(kCheckGap);

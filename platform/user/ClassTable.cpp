@@ -8,6 +8,7 @@
 #include "platform/kernel/Immortal.h"
 #include "platform/user/Button.h"
 #include "platform/user/DialogWindow.h"
+#include "platform/user/MenuWindow.h"
 #include "platform/user/Static.h"
 #include "platform/user/SystemColors.h"
 #include "platform/user/Trackbar.h"
@@ -44,6 +45,7 @@ Classes& TheClasses() {
     Append(classes, StaticClass(), "Static", true);
     Append(classes, TrackbarClass(), TRACKBAR_CLASSA, true);
     Append(classes, DialogClass(), kDialogClass, true);
+    Append(classes, MenuClass(), kMenuClass, true);
     return classes;
 }
 

@@ -1,12 +1,16 @@
 // What a window does with the messages that its own procedure leaves over.
 #include <algorithm>
 
+#include "platform/user/ControlPaint.h"
+#include "platform/user/MessageQueue.h"
 #include "platform/user/Paint.h"
 #include "platform/user/SentCalls.h"
 #include "platform/user/WindowTable.h"
 
 namespace tdkp {
 namespace {
+
+constexpr LPARAM kFromKeyboard = -1;
 
 LRESULT SetText(HWND window, LPCSTR text) {
     Display* display = nullptr;
@@ -37,6 +41,13 @@ LRESULT GetTextLength(HWND window) {
     return state != nullptr ? static_cast<LRESULT>(state->title.size()) : 0;
 }
 
+// What a parent of another thread chooses, it chooses for its own window: a child without a cursor shows the same.
+void NoteCursorAbove(const DispatcherGuard& guard, const Window& child) {
+    const Window* parent = FindWindowState(guard, child.parent);
+    if (parent == nullptr || parent->thread == child.thread) return;
+    if (MessageQueue* queue = FindQueue(guard, parent->thread)) queue->cursorWindow = parent->handle;
+}
+
 // The parent may choose the cursor; else the class's own is taken, if it has one.
 LRESULT ChooseCursor(HWND window, WPARAM wParam, LPARAM lParam) {
     HWND parent = nullptr;
@@ -47,6 +58,7 @@ LRESULT ChooseCursor(HWND window, WPARAM wParam, LPARAM lParam) {
         if (state == nullptr) return FALSE;
         parent = state->parent;
         cursor = state->windowClass->info.hCursor;
+        NoteCursorAbove(guard, *state);
     }
     if (parent != nullptr && SendMessageA(parent, WM_SETCURSOR, wParam, lParam) != 0) return TRUE;
     if (cursor != nullptr) SetCursor(cursor);
@@ -66,6 +78,23 @@ LRESULT PassToParent(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
         if (const Window* state = FindWindowState(guard, window)) parent = state->parent;
     }
     return parent != nullptr ? SendMessageA(parent, message, wParam, lParam) : 0;
+}
+
+// `position` is the place on the screen, -1 for the keyboard's.
+LRESULT AskForMenu(HWND window, LPARAM position) {
+    return SendMessageA(window, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(window), position);
+}
+
+LRESULT OnRightButtonUp(HWND window, LPARAM position) {
+    POINT point = PointOf(position);
+    ClientToScreen(window, &point);
+    return AskForMenu(window, MAKELPARAM(static_cast<WORD>(point.x), static_cast<WORD>(point.y)));
+}
+
+LRESULT OnSystemKey(HWND window, WPARAM key) {
+    constexpr SHORT kDown = static_cast<SHORT>(0x8000);
+    if (key == VK_F4) return SendMessageA(RootWindowOf(window), WM_SYSCOMMAND, SC_CLOSE, 0);
+    return key == VK_F10 && (GetKeyState(VK_SHIFT) & kDown) != 0 ? AskForMenu(window, kFromKeyboard) : 0;
 }
 
 LRESULT OnActivate(HWND window, WPARAM state) {
@@ -90,7 +119,16 @@ TDKP_API LRESULT DefWindowProcA(HWND window, UINT message, WPARAM wParam, LPARAM
         case WM_SYSCOMMAND:
             return (wParam & 0xFFF0) == SC_CLOSE ? SendMessageA(window, WM_CLOSE, 0, 0) : 0;
         case WM_SYSKEYDOWN:
-            return wParam == VK_F4 ? SendMessageA(tdkp::RootWindowOf(window), WM_SYSCOMMAND, SC_CLOSE, 0) : 0;
+            return tdkp::OnSystemKey(window, wParam);
+        case WM_KEYUP:
+            return wParam == VK_APPS ? tdkp::AskForMenu(window, tdkp::kFromKeyboard) : 0;
+        case WM_RBUTTONUP:
+            return tdkp::OnRightButtonUp(window, lParam);
+        case WM_CONTEXTMENU:
+            return tdkp::PassToParent(window, message, wParam, lParam);
+        case WM_CANCELMODE:
+            EndMenu();
+            return 0;
         case WM_ACTIVATE:
             return tdkp::OnActivate(window, wParam);
         case WM_SETTEXT:

@@ -2,6 +2,8 @@
 
 #include <cstdlib>
 
+#include "platform/user/DisplayUse.h"
+#include "platform/user/MouseLeave.h"
 #include "platform/user/SentCalls.h"
 #include "platform/user/WindowTable.h"
 
@@ -17,7 +19,9 @@ constexpr LPARAM kGoesUp = LPARAM{1} << 31;
 constexpr UINT kDoubleClickTime = 500;
 constexpr LONG kDoubleClickReach = 2;
 
-POINT pointer = {0, 0};  // on the screen; guarded by the dispatcher's lock
+// Guarded by the dispatcher's lock.
+POINT pointer = {0, 0};    // on the screen
+HWND menuInput = nullptr;  // the open menu that gets all input
 
 bool IsButtonDown(UINT message) {
     return message == WM_LBUTTONDOWN || message == WM_RBUTTONDOWN || message == WM_MBUTTONDOWN;
@@ -41,6 +45,13 @@ bool MovePoint(const DispatcherGuard& guard, Window& from, Window& to, POINT* po
     point->x += fromOffset.x - toOffset.x;
     point->y += fromOffset.y - toOffset.y;
     return true;
+}
+
+// An open menu gets what is meant for any window.
+Window* MenuTarget(const DispatcherGuard& guard, POINT screen, POINT* point) {
+    Window* menu = FindWindowState(guard, menuInput);
+    if (menu != nullptr) *point = {screen.x - menu->bounds.left, screen.y - menu->bounds.top};
+    return menu;
 }
 
 // Who gets a mouse message for this window: the capture, else the first enabled window outwards.
@@ -87,6 +98,16 @@ LPARAM Pack(POINT point) {
     return MAKELPARAM(static_cast<WORD>(point.x), static_cast<WORD>(point.y));
 }
 
+// The thread's focus. The display may give a top-level window its keys before the thread has moved its focus there:
+// they aren't for the window that had it until then.
+HWND KeyTarget(const DispatcherGuard& guard, const MessageQueue& queue, const Window& window) {
+    Window* const focus = FindWindowState(guard, queue.focus);
+    if (focus == nullptr) return window.handle;
+    if (!window.TopLevel() || RootOf(guard, *focus) == &window) return focus->handle;
+    const Window* const last = FindWindowState(guard, window.lastFocus);
+    return last != nullptr ? last->handle : window.handle;
+}
+
 void SetKey(MessageQueue& queue, UINT key, bool down) {
     uint8_t& state = queue.keys[key % kVirtualKeys];
     if (down && (state & kKeyDown) == 0) state ^= kKeyToggled;
@@ -105,10 +126,13 @@ void QueueMouse(HWND handle, UINT message, WPARAM keys, POINT point, const POINT
     DispatcherGuard guard(DispatcherLock());
     Window* window = FindWindowState(guard, handle);
     if (window == nullptr) return;
-    window = MouseTarget(guard, *window, BelongsToPress(message, keys), &point);
+    const POINT place = screen != nullptr ? *screen : ToScreen(guard, *window, point);
+    Window* const menu = MenuTarget(guard, place, &point);
+    window = menu != nullptr ? menu : MouseTarget(guard, *window, BelongsToPress(message, keys), &point);
     MessageQueue* queue = window != nullptr ? FindQueue(guard, window->thread) : nullptr;
     if (queue == nullptr || window->destroying) return;
-    pointer = screen != nullptr ? *screen : ToScreen(guard, *window, point);
+    pointer = place;
+    NoteHover(guard, window->handle, time);
     QueuedMessage queued;
     queued.message.hwnd = window->handle;
     queued.message.message = CountClick(*queue, *window, message, point, time);
@@ -128,14 +152,16 @@ void QueueMouse(HWND handle, UINT message, WPARAM keys, POINT point, const POINT
 
 void QueueKey(HWND handle, const KeyStroke& stroke) {
     DispatcherGuard guard(DispatcherLock());
-    const Window* window = FindWindowState(guard, handle);
+    const Window* const menu = FindWindowState(guard, menuInput);
+    const Window* window = menu != nullptr ? menu : FindWindowState(guard, handle);
     MessageQueue* queue = window != nullptr ? FindQueue(guard, window->thread) : nullptr;
     if (queue == nullptr) return;
-    const HWND target = FindWindowState(guard, queue->focus) != nullptr ? queue->focus : handle;
+    const HWND target = menu != nullptr ? menu->handle : KeyTarget(guard, *queue, *window);
     QueuedMessage queued;
     queued.text = stroke.down ? stroke.text : 0;
     queued.message.hwnd = target;
-    const UINT system = stroke.altDown && stroke.virtualKey != VK_CONTROL ? WM_SYSKEYDOWN - WM_KEYDOWN : 0;
+    const bool isSystem = (stroke.altDown && stroke.virtualKey != VK_CONTROL) || stroke.virtualKey == VK_F10;
+    const UINT system = isSystem ? WM_SYSKEYDOWN - WM_KEYDOWN : 0;
     queued.message.message = (stroke.down ? WM_KEYDOWN : WM_KEYUP) + system;
     queued.message.wParam = stroke.virtualKey;
     queued.message.lParam = kRepeatOnce | (stroke.altDown ? kAltHeld : 0) | (stroke.down ? 0 : kGoesUp | kWasDown);
@@ -143,6 +169,25 @@ void QueueKey(HWND handle, const KeyStroke& stroke) {
     queued.message.pt = pointer;
     if (queue->input.size() < kMaxPosted) queue->input.push_back(queued);
     NoteInput(guard, *queue, QS_KEY);
+}
+
+bool BeginMenuInput(HWND menu) {
+    DispatcherGuard guard(DispatcherLock());
+    if (FindWindowState(guard, menuInput) != nullptr) return false;
+    menuInput = menu;
+    return true;
+}
+
+bool EndMenuInput(HWND menu) {
+    DispatcherGuard guard(DispatcherLock());
+    const bool had = menuInput == menu;
+    if (had) menuInput = nullptr;
+    return had;
+}
+
+bool AnyMenuHasInput() {
+    DispatcherGuard guard(DispatcherLock());
+    return FindWindowState(guard, menuInput) != nullptr;
 }
 
 void NoteTaken(MessageQueue& queue, const QueuedMessage& taken) {
@@ -196,8 +241,13 @@ TDKP_API SHORT GetKeyState(INT virtualKey) {
 
 TDKP_API BOOL GetCursorPos(POINT* point) {
     if (point == nullptr) return FALSE;
-    DispatcherGuard guard(DispatcherLock());
-    *point = tdkp::pointer;
+    bool isOpen = false;
+    {
+        DispatcherGuard guard(DispatcherLock());
+        *point = tdkp::pointer;
+        isOpen = tdkp::AnyWindow(guard);
+    }
+    if (isOpen) tdkp::DisplayUse()->GetPointer(point);
     return TRUE;
 }
 

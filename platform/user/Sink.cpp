@@ -1,9 +1,11 @@
 #include "platform/user/Sink.h"
 
 #include "platform/kernel/Immortal.h"
+#include "platform/user/DroppedFiles.h"
 #include "platform/user/Focus.h"
 #include "platform/user/Input.h"
 #include "platform/user/MessageQueue.h"
+#include "platform/user/MouseLeave.h"
 #include "platform/user/Paint.h"
 #include "platform/user/Picture.h"
 #include "platform/user/SentCalls.h"
@@ -46,6 +48,14 @@ public:
     void OnFocus(WindowId window, bool gained) override {
         const HWND handle = HandleOf(window);
         PostWork(ThreadOf(handle), [handle, gained] { gained ? Activate(handle) : Deactivate(handle); });
+    }
+
+    void OnPointerLeft(WindowId window, uint32_t time) override { NoteLeave(HandleOf(window), time); }
+
+    bool AcceptsFiles(WindowId window, POINT screen) override { return tdkp::AcceptsFiles(HandleOf(window), screen); }
+
+    void OnFilesDropped(WindowId window, POINT screen, std::vector<std::string> paths) override {
+        DropFiles(HandleOf(window), screen, std::move(paths));
     }
 
     void OnCloseRequest(WindowId window) override { PostMessageA(HandleOf(window), WM_CLOSE, 0, 0); }

@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "platform/user/DialogWindow.h"
+#include "platform/user/DroppedFiles.h"
 #include "platform/user/Input.h"
 #include "platform/user/Picture.h"
 #include "platform/user/SentCalls.h"
@@ -142,6 +143,11 @@ TDKP_API void TdkpFeedKey(HWND window, BOOL down, UINT virtualKey, UINT characte
 
 TDKP_API void TdkpFeedClose(HWND window) {
     tdkp::TheSink().OnCloseRequest(tdkp::IdOf(window));
+}
+
+TDKP_API BOOL TdkpFeedFiles(HWND window, int x, int y, const char* const* paths, int count) {
+    POINT place = {x, y};
+    return ClientToScreen(window, &place) && tdkp::DropFiles(window, place, {paths, paths + count});
 }
 
 TDKP_API uint32_t TdkpDispatchMessages() {

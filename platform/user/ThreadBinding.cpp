@@ -1,5 +1,6 @@
 #include "platform/user/ThreadBinding.h"
 
+#include "platform/user/ExecutionState.h"
 #include "platform/user/MessageQueue.h"
 #include "platform/user/Picture.h"
 #include "platform/user/SentCalls.h"
@@ -65,6 +66,7 @@ void ForgetThread(uint32_t thread) {
         EndQueue(guard, thread);
     }
     for (const HWND window : windows) ForgetWindowTree(window);
+    ForgetExecutionState(thread);
 }
 
 }  // namespace tdkp

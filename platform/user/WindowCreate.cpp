@@ -4,6 +4,8 @@
 #include "platform/user/ClassTable.h"
 #include "platform/user/ClientEdge.h"
 #include "platform/user/DisplayUse.h"
+#include "platform/user/ExecutionState.h"
+#include "platform/user/MenuWindow.h"
 #include "platform/user/MessageQueue.h"
 #include "platform/user/SentCalls.h"
 #include "platform/user/WindowDestroy.h"
@@ -76,6 +78,7 @@ WindowId MakeOnDisplay(Display& display, const Window& window) {
     info.topLevel = window.TopLevel();
     info.resizable = !info.topLevel || (window.style & WS_THICKFRAME) != 0;
     info.framed = (window.style & (WS_CAPTION | WS_THICKFRAME)) != 0;
+    info.menu = window.windowClass->builtIn && window.windowClass->name == kMenuClass;
     info.owner = window.owner != nullptr ? IdOf(window.owner) : 0;
     info.className = window.windowClass->name;
     info.title = window.title;
@@ -147,6 +150,7 @@ HWND MakeWindow(CREATESTRUCTA* create) {
         return nullptr;
     }
     window->handle = handle;
+    TellExecutionState(*display);
     if (window->TopLevel() && (window->exStyle & WS_EX_TOPMOST) != 0) display->SetAlwaysOnTop(IdOf(handle), true);
     DispatcherGuard guard(DispatcherLock());
     InsertWindow(guard, std::move(window));

@@ -1,6 +1,7 @@
-// Looking for a window by class and title.
+// Looking for a window by class and title, or by a place.
 #include <strings.h>
 
+#include "platform/user/DisplayUse.h"
 #include "platform/user/WindowTable.h"
 
 namespace tdkp {
@@ -37,4 +38,18 @@ TDKP_API HWND FindWindowExA(HWND parent, HWND after, LPCSTR className, LPCSTR ti
         if (handle == after) passed = true;
     }
     return nullptr;
+}
+
+TDKP_API HWND WindowFromPoint(POINT point) {
+    using namespace tdkp;
+    {
+        const DispatcherGuard guard(DispatcherLock());
+        if (!AnyWindow(guard)) return nullptr;
+    }
+    const HWND outermost = HandleOf(DisplayUse()->WindowAt(point));
+    POINT inside = point;
+    if (outermost == nullptr || !ScreenToClient(outermost, &inside)) return nullptr;
+    const DispatcherGuard guard(DispatcherLock());
+    Window* state = FindWindowState(guard, outermost);
+    return state != nullptr ? WindowAt(guard, *state, &inside) : nullptr;
 }

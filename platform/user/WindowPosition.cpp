@@ -201,9 +201,10 @@ bool PositionOnOwner(HWND window, HWND after, RECT place, UINT flags) {
         place.right = place.left + width;
         place.bottom = place.top + height;
     }
-    if ((flags & SWP_NOZORDER) == 0) ReorderOnOwner(window, after);
     if ((flags & (SWP_NOSIZE | SWP_NOMOVE)) != (SWP_NOSIZE | SWP_NOMOVE))
         PlaceOnOwner(window, place, (flags & SWP_NOREDRAW) == 0);
+    // At its new place, where it may meet others.
+    if ((flags & SWP_NOZORDER) == 0) ReorderOnOwner(window, after);
     const bool activate = (flags & (SWP_NOACTIVATE | SWP_NOZORDER)) == 0;
     if ((flags & SWP_HIDEWINDOW) != 0)
         ShowOnOwner(window, false, false);

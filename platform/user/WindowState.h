@@ -75,6 +75,7 @@ struct Window {
 
     // Input.
     uint32_t cursor = 0;              // shape on the display, 0: hidden
+    bool wantsLeave = false;          // WM_MOUSELEAVE, once
     HWND lastFocus = nullptr;         // of a root: had the focus when the root lost it
     RECT displayRect = {0, 0, 0, 0};  // of a top level: what the display reported last
     bool displayRectPending = false;

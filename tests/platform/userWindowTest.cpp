@@ -1,5 +1,6 @@
 // Windows: classes, words, the tree, creation and destruction, and who may touch them.
 #include <gtest/gtest.h>
+#include <tdkplatform.h>
 #include <windows.h>
 
 #include <atomic>
@@ -120,4 +121,19 @@ TEST(UserWindows, CaptureAndFocusFollowTheirWindows) {
     EXPECT_EQ(GetFocus(), parent);
     DestroyWindow(parent);
     EXPECT_EQ(GetFocus(), nullptr);
+}
+
+// The display may be ahead of the thread, as while a dialog opens.
+TEST(UserWindows, AKeyIsForTheTopLevelWindowThatTheDisplayGaveItTo) {
+    TestClass windows;
+    const HWND former = windows.Make(WS_POPUP | WS_VISIBLE, nullptr, 100, 100);
+    const HWND next = windows.Make(WS_POPUP | WS_VISIBLE, nullptr, 100, 100);
+    SetFocus(former);
+    ServeMessages();
+    windows.Take({});
+    for (const HWND window : {next, former}) TdkpFeedKey(window, TRUE, VK_ESCAPE, 0);
+    ServeMessages();
+    EXPECT_EQ(GetFocus(), former);
+    EXPECT_EQ(PairsOf(windows.Take({WM_KEYDOWN})), (Pairs{{next, WM_KEYDOWN}, {former, WM_KEYDOWN}}));
+    for (const HWND window : {next, former}) DestroyWindow(window);
 }

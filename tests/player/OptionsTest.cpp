@@ -18,7 +18,7 @@ std::optional<Options> Parse(std::vector<const char*> arguments) {
 TEST(Options, TakeWhatIsGivenAndLeaveTheRestToTheUser) {
     const std::optional<Options> plain = Parse({});
     ASSERT_TRUE(plain);
-    EXPECT_TRUE(plain->File.empty());
+    EXPECT_TRUE(plain->Files.empty());
     EXPECT_FALSE(plain->Picture.FrameRate || plain->Picture.Effects || plain->Picture.Randomize || plain->Duration);
     EXPECT_FALSE(plain->Size || plain->Volume || plain->Device);
     EXPECT_EQ(plain->Output, "auto");
@@ -28,7 +28,7 @@ TEST(Options, TakeWhatIsGivenAndLeaveTheRestToTheUser) {
                "ON",         "--randomize", "off",    "--snapshot", "b.png",     "--at",       "7.5",
                "--snapshot", "a.png",       "--at",   "2",          "song.flac", "--headless", "--no-audio"});
     ASSERT_TRUE(full);
-    EXPECT_EQ(full->File, "song.flac");
+    EXPECT_EQ(full->Files, std::vector<std::string>{"song.flac"});
     EXPECT_EQ(full->Plugin, "bars");
     EXPECT_EQ(full->Size->Text(), "320x240");
     EXPECT_EQ(full->Picture.FrameRate, 25u);
@@ -43,7 +43,7 @@ TEST(Options, TakeWhatIsGivenAndLeaveTheRestToTheUser) {
 TEST(Options, SwitchesStandAloneOrTakeAValue) {
     const std::optional<Options> alone = Parse({"--effects", "song.flac", "--randomize"});
     ASSERT_TRUE(alone);
-    EXPECT_EQ(alone->File, "song.flac");
+    EXPECT_EQ(alone->Files, std::vector<std::string>{"song.flac"});
     EXPECT_EQ(alone->Picture.Effects, true);
     EXPECT_EQ(alone->Picture.Randomize, true);
     EXPECT_EQ(Parse({"--effects=off"})->Picture.Effects, false);
@@ -52,7 +52,6 @@ TEST(Options, SwitchesStandAloneOrTakeAValue) {
 
 TEST(Options, RefuseWhatMakesNoSenseInOneLine) {
     const char* const cases[] = {"--nonsense",
-                                 "a.wav b.wav",
                                  "--fps 9",
                                  "--fps 31",
                                  "--fps fast",

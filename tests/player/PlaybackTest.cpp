@@ -22,13 +22,14 @@ constexpr PcmFormat kFormat = {48000, 2};
 // Audio that carries its own time: the two channels of each frame hold its number.
 class CountingDecoder final : public Decoder {
 public:
-    explicit CountingDecoder(uint64_t frames) : frames_(frames) {}
-    PcmFormat Format() const override { return kFormat; }
+    explicit CountingDecoder(uint64_t frames, uint32_t first = 0, PcmFormat format = kFormat)
+        : frames_(frames), first_(first), format_(format) {}
+    PcmFormat Format() const override { return format_; }
     uint64_t TotalFrames() const override { return frames_; }
     size_t Read(int16_t* samples, size_t frames) override {
         const size_t count = std::min<uint64_t>(frames, frames_ - next_);
         for (size_t i = 0; i < count; ++i, ++next_) {
-            const auto number = static_cast<uint32_t>(next_);
+            const auto number = static_cast<uint32_t>(next_ + first_);
             std::memcpy(samples + 2 * i, &number, sizeof(number));
         }
         return count;
@@ -41,6 +42,8 @@ public:
 private:
     uint64_t frames_;
     uint64_t next_ = 0;
+    uint32_t first_;
+    PcmFormat format_;
 };
 
 // Notes for each delivery which frame is heard by its delay.
@@ -127,7 +130,7 @@ TEST_F(PlaybackTest, EachDeliveryTellsWhatIsHeardThen) {
     EXPECT_EQ(hook_->Format.BitsPerSample, 16);
     EXPECT_GT(hook_->FirstFrames.back(), 2.03 * kFormat.Rate) << "ahead of the listener";
     EXPECT_NEAR(playback_->Pump().Played(), 2.0, 0.001);
-    EXPECT_NEAR(playback_->Pump().Position(), 2.0, 0.001);
+    EXPECT_NEAR(playback_->Pump().Where().Position, 2.0, 0.001);
 }
 
 TEST_F(PlaybackTest, PauseLosesNothing) {
@@ -139,7 +142,7 @@ TEST_F(PlaybackTest, PauseLosesNothing) {
     TdkpAdvanceClock(5000);
     EXPECT_EQ(DeliverAhead(), AudioPump::State::kIdle);
     EXPECT_EQ(hook_->FirstFrames.size(), before);
-    EXPECT_NEAR(playback_->Pump().Position(), 0.5, 0.001);
+    EXPECT_NEAR(playback_->Pump().Where().Position, 0.5, 0.001);
     playback_->Play();
     PlayFor(500);
     for (size_t i = 1; i < hook_->FirstFrames.size(); ++i)
@@ -151,12 +154,12 @@ TEST_F(PlaybackTest, SeekGoesOnFromTheNewPlaceAtOnce) {
     playback_->Play();
     PlayFor(1000);
     playback_->SeekBy(5.0);
-    EXPECT_NEAR(playback_->Pump().Position(), 6.0, 0.001);
+    EXPECT_NEAR(playback_->Pump().Where().Position, 6.0, 0.001);
     EXPECT_NEAR(playback_->Pump().Played(), 1.0, 0.001);
     shift_ = 5000;
     PlayFor(1000);
     playback_->SeekBy(-100.0);
-    EXPECT_EQ(playback_->Pump().Position(), 0.0);
+    EXPECT_EQ(playback_->Pump().Where().Position, 0.0);
     shift_ = -2000;
     PlayFor(300);
     playback_->SeekBy(100.0);
@@ -221,6 +224,73 @@ TEST(Gain, GoesWithoutAStepToWhatWasAskedFor) {
     apply(gain);
     EXPECT_EQ(samples.front(), INT16_MAX);
     EXPECT_EQ(samples.back(), INT16_MIN);
+}
+
+// The second piece carries on with the numbers of the first, so that a gap or a cut shows.
+TEST_F(PlaybackTest, ThePieceThatFollowsInTheSameFormatComesWithoutAGap) {
+    constexpr uint32_t kFirst = kFormat.Rate + 123;  // ends within a block
+    playback_.emplace(*context_, std::make_unique<CountingDecoder>(kFirst), OutputRequest{kSilentName, {}, false},
+                      false);
+    playback_->SetNext({std::make_unique<CountingDecoder>(kFormat.Rate, kFirst), 7});
+    playback_->Play();
+    PlayFor(900);
+    TdkpAdvanceClock(20);
+    now_ += 20;
+    EXPECT_EQ(DeliverAhead(), AudioPump::State::kNextPiece);
+    EXPECT_FALSE(playback_->Pump().HasNext());
+    HeardPlace place = playback_->Pump().Where();
+    EXPECT_EQ(place.Piece, 0u) << "what goes out isn't heard yet";
+    EXPECT_NEAR(place.UntilNext, 0.08 + 123.0 / kFormat.Rate, 0.002);
+    PlayFor(200);
+    place = playback_->Pump().Where();
+    EXPECT_EQ(place.Piece, 7u);
+    EXPECT_FALSE(place.IsLeaving());
+    EXPECT_NEAR(place.Position, 0.12 - 123.0 / kFormat.Rate, 0.001);
+    EXPECT_EQ(place.Length, 1.0);
+    EXPECT_EQ(hook_->Formats, 1);
+    for (size_t i = 1; i < hook_->FirstFrames.size(); ++i)
+        ASSERT_EQ(hook_->FirstFrames[i] - hook_->FirstFrames[i - 1], hook_->Format.BlockSize / kFormat.FrameBytes());
+    EXPECT_EQ(PlayFor(880 + 3), AudioPump::State::kEnded);
+    EXPECT_FALSE(playback_->GoOn());
+}
+
+TEST_F(PlaybackTest, APieceInAnotherFormatIsHeardWhenTheLastFrameOfTheFirstHasBeen) {
+    constexpr PcmFormat kOther = {24000, 1};
+    Load(1.0);
+    playback_->SetNext({std::make_unique<CountingDecoder>(kOther.Rate, 0, kOther), 1});
+    playback_->Play();
+    IUnknown* const before = context_->Player().GetPlaybackEngine();
+    EXPECT_EQ(PlayFor(999), AudioPump::State::kDraining);
+    EXPECT_FALSE(playback_->Pump().HasEnded());
+    EXPECT_EQ(PlayFor(1), AudioPump::State::kEnded);
+    ASSERT_TRUE(playback_->Pump().HasEnded());
+    ASSERT_TRUE(playback_->GoOn());
+    auto* const engine = static_cast<ITKPlaybackEngine*>(context_->Player().GetPlaybackEngine());
+    EXPECT_NE(engine, before);
+    EXPECT_EQ(engine->GetState(), kEngineStatePlaying);
+    EXPECT_EQ(playback_->Pump().Where().Piece, 1u);
+    DeliverAhead();
+    EXPECT_EQ(hook_->Format.SamplesPerSecond, kOther.Rate);
+    EXPECT_EQ(hook_->Format.Channels, kOther.Channels);
+    TdkpAdvanceClock(100);
+    EXPECT_NEAR(playback_->Pump().Played(), 1.1, 0.001);
+    EXPECT_NEAR(playback_->Pump().Where().Position, 0.1, 0.001);
+}
+
+TEST_F(PlaybackTest, AnotherPieceBeginsAtOncePausedOrNot) {
+    Load(10.0);
+    playback_->Play();
+    PlayFor(500);
+    playback_->Pause();
+    playback_->Begin({std::make_unique<CountingDecoder>(kFormat.Rate, 500000), 3});
+    EXPECT_EQ(playback_->Pump().Where().Piece, 3u);
+    EXPECT_EQ(playback_->Pump().Where().Position, 0.0);
+    const size_t delivered = hook_->FirstFrames.size();
+    EXPECT_EQ(DeliverAhead(), AudioPump::State::kIdle);
+    playback_->Play();
+    DeliverAhead();
+    EXPECT_EQ(hook_->FirstFrames.at(delivered), 500000u);
+    EXPECT_NEAR(playback_->Pump().Played(), 0.5, 0.001);
 }
 
 TEST_F(PlaybackTest, LoopBeginsAgain) {

@@ -45,7 +45,8 @@ TEST_F(PlayerRun, SaysInOneLineWhatIsWrong) {
     const std::string letter = folder_.Write("letter.mp3", "Dear reader, this is no music.");
     const std::string picture = folder_.File("a.png");
     ExpectError(ExitCode::kUsage, Run({"--nonsense"}));
-    for (const std::string& file : {folder_.File("missing.wav"), folder_.File("."), std::string("/dev/null")})
+    fs::create_directory(folder_.File("nothing"));
+    for (const std::string& file : {folder_.File("missing.wav"), folder_.File("nothing"), std::string("/dev/null")})
         ExpectError(ExitCode::kFileUnreadable, Run({file}));
     for (const std::string& file : {letter, folder_.Write("empty.wav", "")})
         ExpectError(ExitCode::kUnknownFormat, Run({file}));
@@ -54,6 +55,7 @@ TEST_F(PlayerRun, SaysInOneLineWhatIsWrong) {
     ExpectError(ExitCode::kUsage, Run({"--headless", "--snapshot", picture, "--at", "5.5", song_}));
     ExpectError(ExitCode::kCannotWrite,
                 Run({"--headless", "--snapshot", folder_.File("no/a.png"), "--at", "0.1", song_}));
+    ExpectError(ExitCode::kUsage, Run({"--render", folder_.File("two.y4m"), song_, song_}));
     ExpectError(ExitCode::kCannotWrite, Run({"--make-demo", folder_.File("no/demo.wav")}));
     EXPECT_FALSE(fs::exists(picture));
     EXPECT_EQ(Run({"--help"}).Code, 0);

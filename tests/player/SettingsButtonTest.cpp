@@ -56,7 +56,7 @@ protected:
         static const BOOL used = TdkpUseMemoryDisplay(640, 480, 32);
         return used;
     }
-    SettingsButtonTest() { button_->Place(window_.StripPlace()); }
+    SettingsButtonTest() { strip_.Place(window_.StripPlace()); }
 
     void Click(int x, int y) {
         TdkpFeedMouse(window_.Handle(), WM_LBUTTONDOWN, MK_LBUTTON, x, y);
@@ -72,16 +72,19 @@ protected:
 
     const BOOL isMemory_ = UseMemory();
     const ComPtr<Component> component_ = MakeCom<Component>();
-    PlayerWindow window_{{300, 100}, nullptr, ToolStrip::kHeight};
-    std::unique_ptr<SettingsButton> button_ = std::make_unique<SettingsButton>(*component_, window_.Handle());
+    PlayerWindow window_{{300, 100}, nullptr, TransportStrip::kHeight};
+    TransportStrip strip_{window_.Handle(), nullptr};
+    std::unique_ptr<SettingsButton> button_ = std::make_unique<SettingsButton>(*component_, window_.Handle(), strip_);
 };
 
 TEST_F(SettingsButtonTest, APressOpensTheDialogOfThisWindow) {
     EXPECT_EQ(PixelsOf(kGreen), 16u * 16u);
-    Click(30, 50);    // above the strip
-    Click(290, 110);  // in the strip, beside the button
+    const RECT place = StripLayout::For(300, 0, 0).Settings;
+    const int x = (place.left + place.right) / 2, y = (place.top + place.bottom) / 2;
+    Click(x, y);                     // above the strip
+    Click(place.left - 2, 100 + y);  // in the strip, beside the button
     EXPECT_EQ(component_->Presses, 0);
-    Click(30, 114);
+    Click(x, 100 + y);
     EXPECT_EQ(component_->Presses, 1);
     EXPECT_EQ(component_->Parent, static_cast<uint32_t>(reinterpret_cast<uintptr_t>(window_.Handle())));
     EXPECT_EQ(GetFocus(), window_.Handle()) << "the player keeps its keys";

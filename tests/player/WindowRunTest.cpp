@@ -4,8 +4,11 @@
 #include <functional>
 #include <optional>
 #include <thread>
+#include <tuple>
 
+#include "player/TransportStrip.h"
 #include "tests/player/PlayerRun.h"
+#include "tests/x11/DropSource.h"
 #include "tests/x11/ForeignClient.h"
 #include "tests/x11/XServer.h"
 
@@ -15,10 +18,11 @@ namespace {
 namespace fs = std::filesystem;
 using std::chrono::milliseconds;
 
-constexpr uint32_t kDown = 0xFF54, kAlt = 0xFFE9, kEscape = 0xFF1B;
+constexpr uint32_t kDown = 0xFF54, kAlt = 0xFFE9, kEscape = 0xFF1B, kSpace = ' ';
 constexpr char kDialogTitle[] = "Visualization Settings";
-constexpr ScreenColor kFace = {192, 192, 192};
-constexpr milliseconds kPatience{5000};
+constexpr ScreenColor kFace = {192, 192, 192}, kSelected = {0, 0, 128};
+constexpr milliseconds kPatience{20000};
+constexpr int kWidth = 300, kHeight = 200;
 
 class WindowRun : public PlayerRun {
 protected:
@@ -40,9 +44,33 @@ protected:
     }
 
     void Play(std::vector<std::string> arguments, const std::string& program = Stage() + "/tdkplay") {
-        arguments.insert(arguments.end(), {"--window", "--no-audio", "--loop", "--size", "300x200", song_});
+        const std::string size = std::to_string(kWidth) + "x" + std::to_string(kHeight);
+        arguments.insert(arguments.end(), {"--window", "--no-audio", "--loop", "--size", size});
+        arguments.insert(arguments.begin(), song_);
         player_ = Start(arguments, program);
-        ASSERT_TRUE(WaitUntil([this] { return FindWindow("song.wav") != 0; }, kPatience));
+        ASSERT_TRUE(Shows("song.wav - "));
+        ASSERT_TRUE(WaitUntil([this] { return FindStrip() != 0; }, kPatience));
+        window_ = FindWindow("song.wav - ");
+        std::tie(left_, top_) = person_->CornerOf(FindStrip());
+    }
+    bool Shows(const std::string& title) {
+        return WaitUntil([&] { return FindWindow(title) != 0; }, kPatience);
+    }
+    // The strip, once it stands where it belongs.
+    xcb_window_t FindStrip() {
+        for (const xcb_window_t child : person_->ChildrenOf(FindWindow("song.wav")))
+            if (person_->SizeOf(child) == std::pair(kWidth, TransportStrip::kHeight)) return child;
+        return 0;
+    }
+    void Click(int x, int y, int button = 1) {
+        person_->MoveMouse(x, y);
+        person_->Button(button, true);
+        person_->Button(button, false);
+    }
+    // In a strip of this width, where neither time nor label move the others.
+    void Click(StripPart part) {
+        const RECT place = StripLayout::For(kWidth, 0, 0).PlaceOf(part);
+        Click(left_ + (place.left + place.right) / 2, top_ + (place.top + place.bottom) / 2);
     }
     static bool WaitUntil(const std::function<bool()>& done, milliseconds limit) {
         const auto end = std::chrono::steady_clock::now() + limit;
@@ -66,6 +94,8 @@ protected:
     std::optional<XServer> server_;
     std::optional<ForeignClient> person_;
     pid_t player_ = 0;
+    xcb_window_t window_ = 0;
+    int left_ = 0, top_ = 0;  // of the strip, on the screen
 };
 
 TEST_F(WindowRun, PluginsComeAndGoWhileItPlays) {
@@ -74,16 +104,14 @@ TEST_F(WindowRun, PluginsComeAndGoWhileItPlays) {
     for (const char* file : {"tdkplay", "libtdkplatform.so", "tdkviz.so"})
         fs::copy(Stage() + "/" + file, copy + "/" + file);
     const auto put = [&](const std::string& file) { fs::copy(Stage() + "/Visualizations/" + file, plugins + file); };
-    const auto shows = [this](const std::string& name) {
-        return WaitUntil([&] { return FindWindow(" - " + name + " - ") != 0; }, milliseconds(1000));
-    };
+    const auto shows = [this](const std::string& name) { return Shows(" - " + name + " - "); };
     put("Flow.tkv");
     put("SpectrumBars.tkv");
     Play({"--viz", "Spectrum Bars"}, copy + "/tdkplay");
     EXPECT_TRUE(shows("Spectrum Bars"));
 
     put("Oscilloscope.tkv");
-    std::this_thread::sleep_for(milliseconds(800));
+    std::this_thread::sleep_for(milliseconds(2000));  // nothing of it is seen from outside
     Press(kDown);
     EXPECT_TRUE(shows("Oscilloscope"));
     fs::remove(plugins + "Oscilloscope.tkv");
@@ -101,7 +129,6 @@ TEST_F(WindowRun, PluginsComeAndGoWhileItPlays) {
 }
 
 TEST_F(WindowRun, APluginDroppedIntoTheUsersFolderIsShown) {
-    constexpr milliseconds kBusyMachine{20000};
     const std::string own = dataHome_ + "/tdkviz/Visualizations";
     fs::create_directories(own);
     Play({"--viz", "Flow"});
@@ -111,16 +138,88 @@ TEST_F(WindowRun, APluginDroppedIntoTheUsersFolderIsShown) {
             Press(kDown);
             return WaitUntil([this] { return FindWindow(" - Glow - ") != 0; }, milliseconds(200));
         },
-        kBusyMachine));
+        kPatience));
     fs::remove(own + "/Glow.tkv");
-    EXPECT_TRUE(WaitUntil([this] { return FindWindow(" - Glow - ") == 0; }, kBusyMachine));
+    EXPECT_TRUE(WaitUntil([this] { return FindWindow(" - Glow - ") == 0; }, kPatience));
+}
+
+TEST_F(WindowRun, StripKeysAndMenuWork) {
+    const std::string other = folder_.File("other.wav");
+    ASSERT_TRUE(WriteSines(other, SF_FORMAT_WAV | SF_FORMAT_PCM_16, 48000, 1, 5.0));
+    Play({other, "--viz", "Spectrum Bars"});
+    Click(StripPart::kPlay);
+    ASSERT_TRUE(Shows("Spectrum Bars - Volume 100 % (paused)"));
+    Press('n');
+    EXPECT_TRUE(Shows("other.wav - "));
+    Click(StripPart::kPrevious);  // paused at its start, so not that again
+    EXPECT_TRUE(Shows("song.wav - "));
+    Click(StripPart::kNext);
+    EXPECT_TRUE(Shows("other.wav - "));
+    Press('b');
+    EXPECT_TRUE(Shows("song.wav - "));
+    person_->MoveMouse(left_ + kWidth / 2, top_ - kHeight / 2);
+    person_->Button(5, true);
+    person_->Button(5, false);
+    EXPECT_TRUE(Shows("Volume 95 %"));
+
+    const std::vector<xcb_window_t> before = person_->ChildrenOf(person_->Root());
+    const int x = left_ + 10, y = top_ - kHeight + 10;
+    Click(x, y, 3);
+    EXPECT_TRUE(WaitUntil([&] { return person_->ChildrenOf(person_->Root()).size() > before.size(); }, kPatience));
+    person_->MoveMouse(x + 20, y + 12);  // the first plug-in
+    ASSERT_TRUE(WaitUntil([&] { return person_->ColorAt(x + 4, y + 12).DistanceTo(kSelected) == 0; }, kPatience));
+    Click(x + 20, y + 12);
+    EXPECT_TRUE(Shows(PluginNames().at(0) + " - Volume 95 % (paused)"));
+    Press(kSpace);
+    EXPECT_TRUE(WaitUntil([&] { return FindWindow("(paused)") == 0; }, kPatience));
+}
+
+TEST_F(WindowRun, WhatIsDroppedPlaysAtOnce) {
+    fs::create_directory(folder_.File("album"));
+    fs::copy(song_, folder_.File("album/2 b.wav"));
+    fs::copy(song_, folder_.File("album/1 a.wav"));
+    Play({});
+    Click(StripPart::kPlay);
+    ASSERT_TRUE(Shows("(paused)"));
+    DropSource source(display_, window_);
+    source.Enter({"text/uri-list"});
+    ASSERT_TRUE(source.Position(left_ + kWidth / 2, top_ - kHeight / 2));
+    EXPECT_TRUE(source.Drop("file://" + folder_.File("album") + "\r\n"));
+    ASSERT_TRUE(Shows("1 a.wav - "));
+    EXPECT_EQ(FindWindow("(paused)"), 0u);
+    Press('n');
+    EXPECT_TRUE(Shows("2 b.wav - "));
+}
+
+TEST_F(WindowRun, FullScreenIsADoubleClickAwayAndTheStripComesWithTheMouse) {
+    Play({});
+    const auto strip = [this] {
+        for (const xcb_window_t child : person_->ChildrenOf(window_))
+            if (person_->SizeOf(child) == std::pair(XServer::kWidth, TransportStrip::kHeight)) return child;
+        return xcb_window_t{0};
+    };
+    const auto isFull = [this] { return person_->SizeOf(window_) == std::pair(XServer::kWidth, XServer::kHeight); };
+    const int x = left_ + kWidth / 2, y = top_ - kHeight / 2;
+    Click(x, y);
+    Click(x, y);
+    ASSERT_TRUE(WaitUntil(isFull, kPatience));
+    EXPECT_TRUE(WaitUntil([&] { return strip() == 0; }, kPatience));
+    for (int i = 1; i <= 3; ++i) person_->MoveMouse(x + i, y);
+    ASSERT_TRUE(WaitUntil([&] { return strip() != 0; }, kPatience));
+    EXPECT_EQ(person_->CornerOf(strip()), std::pair(0, XServer::kHeight - TransportStrip::kHeight));
+    EXPECT_EQ(person_->ChildrenOf(window_).back(), strip()) << "above the picture";
+    EXPECT_TRUE(WaitUntil([&] { return strip() == 0; }, kPatience));
+    Press(kEscape);
+    EXPECT_TRUE(WaitUntil([&] { return FindStrip() != 0; }, kPatience));
+    Press('t');
+    EXPECT_TRUE(WaitUntil([&] { return FindStrip() == 0; }, kPatience));
 }
 
 TEST_F(WindowRun, TheButtonOpensTheSettingsAndShowsTheSwitch) {
     Play({});
-    const auto [left, top] = person_->CornerOf(FindWindow("song.wav"));
-    // In the button of the strip.
-    const auto picture = [this, x = left + 9, y = top + 206] {
+    const RECT button = StripLayout::For(kWidth, 0, 0).Settings;
+    const auto picture = [this, x = left_ + static_cast<int>(button.left) + StripLayout::kPadding,
+                          y = top_ + static_cast<int>(button.top + button.bottom) / 2 - 8] {
         std::vector<int> colors;
         for (int i = 0; i < 16; ++i) {
             const ScreenColor color = person_->ColorAt(x + i, y + 8);
@@ -140,10 +239,9 @@ TEST_F(WindowRun, TheButtonOpensTheSettingsAndShowsTheSwitch) {
             kPatience));
         return seen;
     };
-    const auto useSwitch = [&, buttonX = left + 40, buttonY = top + 214] {
-        person_->MoveMouse(buttonX, buttonY);
-        person_->Button(1, true);
-        person_->Button(1, false);
+    const auto useSwitch = [&] {
+        Click(StripPart::kSettings);
+        person_->MoveMouse(left_, top_ - 1);  // the button looks the same again when the dialog has gone
         const auto isOpen = [this] {
             const xcb_window_t dialog = FindWindow(kDialogTitle);
             if (dialog == 0 || person_->Focus() != dialog) return false;

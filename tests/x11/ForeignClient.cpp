@@ -220,8 +220,12 @@ std::pair<int, int> ForeignClient::CornerOf(xcb_window_t window) {
 }
 
 std::pair<int, int> ForeignClient::SizeOf(xcb_window_t window) {
-    const auto reply = Own(xcb_get_geometry_reply(connection_, xcb_get_geometry(connection_, window), nullptr));
-    return reply ? std::pair<int, int>(reply->width, reply->height) : std::pair(-1, -1);
+    const auto shown = xcb_get_window_attributes(connection_, window);
+    const auto place = xcb_get_geometry(connection_, window);
+    const auto attributes = Own(xcb_get_window_attributes_reply(connection_, shown, nullptr));
+    const auto geometry = Own(xcb_get_geometry_reply(connection_, place, nullptr));
+    if (!attributes || !geometry || attributes->map_state != XCB_MAP_STATE_VIEWABLE) return {0, 0};
+    return {geometry->width, geometry->height};
 }
 
 xcb_window_t ForeignClient::Focus() {

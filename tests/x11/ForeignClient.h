@@ -54,7 +54,7 @@ public:
     std::vector<xcb_window_t> ChildrenOf(xcb_window_t window);
     // Its upper left corner on the screen, as x and y.
     std::pair<int, int> CornerOf(xcb_window_t window);
-    // Width and height, without its border.
+    // Width and height; of a window that isn't there or isn't shown, 0.
     std::pair<int, int> SizeOf(xcb_window_t window);
 
     // Who has the keyboard.

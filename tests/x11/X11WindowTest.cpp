@@ -228,6 +228,11 @@ TEST_F(X11Test, FullScreenAndOnTopAreTheManagersBusiness) {
     EXPECT_EQ(host_->WaitForStateRequest(), "-_NET_WM_STATE_FULLSCREEN");
     place(HWND_TOPMOST, 50, 60, 100, 80);
     EXPECT_EQ(host_->WaitForStateRequest(), "+_NET_WM_STATE_ABOVE");
+    const auto isTopmost = [&] { return (GetWindowLongA(window.Handle(), GWL_EXSTYLE) & LONG{WS_EX_TOPMOST}) != 0; };
+    EXPECT_TRUE(isTopmost());
+    place(HWND_NOTOPMOST, 50, 60, 100, 80);
+    EXPECT_EQ(host_->WaitForStateRequest(), "-_NET_WM_STATE_ABOVE");
+    EXPECT_FALSE(isTopmost());
 }
 
 TEST_F(X11Test, TellsThatTheManagerMadeAnIconOfIt) {

@@ -33,9 +33,21 @@ constexpr NamedAtom kAtoms[] = {
     {"_NET_WM_WINDOW_TYPE", &X11Atoms::netWmWindowType},
     {"_NET_WM_WINDOW_TYPE_NORMAL", &X11Atoms::netWmWindowTypeNormal},
     {"_NET_WM_WINDOW_TYPE_DIALOG", &X11Atoms::netWmWindowTypeDialog},
+    {"_NET_WM_WINDOW_TYPE_POPUP_MENU", &X11Atoms::netWmWindowTypePopupMenu},
     {"_NET_SUPPORTING_WM_CHECK", &X11Atoms::netSupportingWmCheck},
     {"_NET_ACTIVE_WINDOW", &X11Atoms::netActiveWindow},
     {"_MOTIF_WM_HINTS", &X11Atoms::motifWmHints},
+    {"XdndAware", &X11Atoms::xdndAware},
+    {"XdndEnter", &X11Atoms::xdndEnter},
+    {"XdndPosition", &X11Atoms::xdndPosition},
+    {"XdndStatus", &X11Atoms::xdndStatus},
+    {"XdndLeave", &X11Atoms::xdndLeave},
+    {"XdndDrop", &X11Atoms::xdndDrop},
+    {"XdndFinished", &X11Atoms::xdndFinished},
+    {"XdndSelection", &X11Atoms::xdndSelection},
+    {"XdndTypeList", &X11Atoms::xdndTypeList},
+    {"XdndActionCopy", &X11Atoms::xdndActionCopy},
+    {"text/uri-list", &X11Atoms::uriList},
 };
 
 // Room for the request around the pixels, and as much as one request should hold up the others.

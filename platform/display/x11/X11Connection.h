@@ -16,7 +16,9 @@ namespace tdkp {
 struct X11Atoms {
     xcb_atom_t wmProtocols, wmDeleteWindow, wmState, utf8String, netWmName, netWmPid, netWmPing, netWmState,
         netWmStateFullScreen, netWmStateAbove, netWmWindowType, netWmWindowTypeNormal, netWmWindowTypeDialog,
-        netSupportingWmCheck, netActiveWindow, motifWmHints;
+        netWmWindowTypePopupMenu, netSupportingWmCheck, netActiveWindow, motifWmHints, xdndAware, xdndEnter,
+        xdndPosition, xdndStatus, xdndLeave, xdndDrop, xdndFinished, xdndSelection, xdndTypeList, xdndActionCopy,
+        uriList;
 };
 
 // Requests that fail are not an error here: a foreign window may vanish at any moment. Any thread.

@@ -1,22 +1,25 @@
 #include "platform/display/x11/X11Display.h"
 
+#include <windows.h>
+
 #include <algorithm>
 #include <limits>
 
 #include "platform/display/x11/X11Hints.h"
 #include "platform/display/x11/X11Reply.h"
+#include "platform/display/x11/X11ScreenSaver.h"
 
 namespace tdkp {
 namespace {
 
 constexpr uint32_t kWindowEvents = XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY |
                                    XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE |
-                                   XCB_EVENT_MASK_POINTER_MOTION;
+                                   XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_LEAVE_WINDOW;
 // Keys go to the outermost window; which of its children they are for is not the server's business.
 constexpr uint32_t kOutermostEvents =
     XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_KEY_RELEASE | XCB_EVENT_MASK_FOCUS_CHANGE;
-constexpr uint16_t kCaptureEvents =
-    XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE | XCB_EVENT_MASK_POINTER_MOTION;
+constexpr uint16_t kCaptureEvents = XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE |
+                                    XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_LEAVE_WINDOW;
 
 // The protocol's coordinates have 16 bits, and no window is without area.
 int16_t Coordinate(int value) {
@@ -237,10 +240,77 @@ void X11Display::SetCapture(WindowId id, bool on) {
     connection_->Flush();
 }
 
+bool X11Display::GrabInput(WindowId id) {
+    const TerminationDeferral deferral;
+    constexpr uint8_t kAllEventsHere = 0;
+    xcb_connection_t* const connection = connection_->Get();
+    // The arrow, also where the window below hides the pointer.
+    const xcb_cursor_t arrow = cursors_.Get(static_cast<uint32_t>(reinterpret_cast<uintptr_t>(IDC_ARROW)));
+    const auto pointerCookie = xcb_grab_pointer(connection, kAllEventsHere, id, kCaptureEvents, XCB_GRAB_MODE_ASYNC,
+                                                XCB_GRAB_MODE_ASYNC, XCB_WINDOW_NONE, arrow, XCB_CURRENT_TIME);
+    const auto keyboardCookie =
+        xcb_grab_keyboard(connection, kAllEventsHere, id, XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+    xcb_generic_error_t* errors[2] = {};
+    const auto pointer = X11Reply(xcb_grab_pointer_reply(connection, pointerCookie, &errors[0]));
+    const auto keyboard = X11Reply(xcb_grab_keyboard_reply(connection, keyboardCookie, &errors[1]));
+    for (xcb_generic_error_t* error : errors) X11Reply(error);
+    return pointer && pointer->status == XCB_GRAB_STATUS_SUCCESS && keyboard &&
+           keyboard->status == XCB_GRAB_STATUS_SUCCESS;
+}
+
+void X11Display::ReleaseInput() {
+    const TerminationDeferral deferral;
+    xcb_ungrab_pointer(connection_->Get(), XCB_CURRENT_TIME);
+    xcb_ungrab_keyboard(connection_->Get(), XCB_CURRENT_TIME);
+    connection_->Flush();
+}
+
 void X11Display::SetCursorShape(WindowId id, uint32_t shape) {
     const TerminationDeferral deferral;
     const xcb_cursor_t cursor = cursors_.Get(shape);
     xcb_change_window_attributes(connection_->Get(), id, XCB_CW_CURSOR, &cursor);
+    connection_->Flush();
+}
+
+bool X11Display::GetPointer(POINT* point) const {
+    const TerminationDeferral deferral;
+    xcb_connection_t* const connection = connection_->Get();
+    const auto cookie = xcb_query_pointer(connection, connection_->Screen().root);
+    xcb_generic_error_t* error = nullptr;
+    const auto reply = X11Reply(xcb_query_pointer_reply(connection, cookie, &error));
+    const auto errorOwner = X11Reply(error);
+    if (!reply) return false;
+    *point = {reply->root_x, reply->root_y};
+    return true;
+}
+
+WindowId X11Display::WindowAt(POINT point) const {
+    const TerminationDeferral deferral;
+    xcb_connection_t* const connection = connection_->Get();
+    const xcb_window_t root = connection_->Screen().root;
+    xcb_window_t window = root;
+    // Inwards through the frames of the window manager.
+    while (window != 0 && !windows_.Has(window)) {
+        const auto cookie =
+            xcb_translate_coordinates(connection, root, window, Coordinate(point.x), Coordinate(point.y));
+        xcb_generic_error_t* error = nullptr;
+        const auto reply = X11Reply(xcb_translate_coordinates_reply(connection, cookie, &error));
+        const auto errorOwner = X11Reply(error);
+        window = reply ? reply->child : 0;
+    }
+    return window;
+}
+
+void X11Display::KeepAwake(bool on) {
+    const TerminationDeferral deferral;
+    // The server counts each client's requests, and drops them with the connection.
+    if (keepsAwake_.exchange(on) != on) SuspendX11ScreenSaver(connection_->Get(), on);
+    connection_->Flush();
+}
+
+void X11Display::WakeUp() {
+    const TerminationDeferral deferral;
+    xcb_force_screen_saver(connection_->Get(), XCB_SCREEN_SAVER_RESET);
     connection_->Flush();
 }
 

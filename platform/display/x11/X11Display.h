@@ -1,6 +1,7 @@
 // Windows on an X server. Any thread may call any operation but the destructor.
 #pragma once
 
+#include <atomic>
 #include <memory>
 
 #include "platform/display/Display.h"
@@ -29,7 +30,14 @@ public:
     void SetAlwaysOnTop(WindowId window, bool on) override;
     void SetFocus(WindowId window) override;
     void SetCapture(WindowId window, bool on) override;
+    bool GrabInput(WindowId window) override;
+    void ReleaseInput() override;
     void SetCursorShape(WindowId window, uint32_t shape) override;
+
+    bool GetPointer(POINT* point) const override;
+    WindowId WindowAt(POINT point) const override;
+    void KeepAwake(bool on) override;
+    void WakeUp() override;
 
     bool IsForeign(WindowId window) const override;
     bool GetScreenRect(WindowId window, RECT* rect) const override;
@@ -47,6 +55,7 @@ private:
     const std::shared_ptr<X11Connection> connection_;
     X11Windows windows_;
     X11Cursors cursors_;
+    std::atomic<bool> keepsAwake_{false};
     X11EventReader reader_;  // uses the others from its own thread, so it goes first
 };
 

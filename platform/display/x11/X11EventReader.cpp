@@ -55,7 +55,8 @@ X11EventReader::X11EventReader(std::shared_ptr<X11Connection> connection, X11Win
     : connection_(std::move(connection)),
       windows_(windows),
       sink_(sink),
-      screenSize_(PackSize(connection_->Screen().width_in_pixels, connection_->Screen().height_in_pixels)) {
+      screenSize_(PackSize(connection_->Screen().width_in_pixels, connection_->Screen().height_in_pixels)),
+      drops_(*connection_, sink) {
     const uint32_t rootEvents = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(connection_->Get(), connection_->Screen().root, XCB_CW_EVENT_MASK, &rootEvents);
     connection_->Flush();
@@ -104,6 +105,8 @@ void X11EventReader::Handle(const xcb_generic_event_t& event) {
             return OnKey(As<xcb_key_press_event_t>(event), true);
         case XCB_KEY_RELEASE:
             return OnKey(As<xcb_key_release_event_t>(event), false);
+        case XCB_LEAVE_NOTIFY:
+            return OnLeave(As<xcb_leave_notify_event_t>(event));
         case XCB_FOCUS_IN:
             return OnFocus(As<xcb_focus_in_event_t>(event), true);
         case XCB_FOCUS_OUT:
@@ -123,6 +126,8 @@ void X11EventReader::Handle(const xcb_generic_event_t& event) {
             return OnDestroy(As<xcb_destroy_notify_event_t>(event).window);
         case XCB_CLIENT_MESSAGE:
             return OnClientMessage(As<xcb_client_message_event_t>(event));
+        case XCB_SELECTION_NOTIFY:
+            return drops_.OnSelection(As<xcb_selection_notify_event_t>(event));
         case 0:
             return;  // the error of a request that came too late
         default:
@@ -152,6 +157,13 @@ void X11EventReader::OnKey(const xcb_key_press_event_t& event, bool down) {
     const X11Key key = keyboard_->Translate(event.detail, event.state);
     if (key.virtualKey != 0 || key.text != 0)
         sink_.OnKey(event.event, down, key.virtualKey, key.text, key.altDown, event.time);
+}
+
+void X11EventReader::OnLeave(const xcb_leave_notify_event_t& event) {
+    constexpr uint16_t kButtonsDown = XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3;
+    // A window keeps the mouse as long as a button is held down; that it has left is told again then.
+    if (event.mode == XCB_NOTIFY_MODE_NORMAL && (event.state & kButtonsDown) != 0) return;
+    sink_.OnPointerLeft(event.event, event.time);
 }
 
 void X11EventReader::OnFocus(const xcb_focus_in_event_t& event, bool gained) {
@@ -230,7 +242,8 @@ void X11EventReader::OnDestroy(xcb_window_t id) {
 
 void X11EventReader::OnClientMessage(const xcb_client_message_event_t& event) {
     const X11Atoms& atoms = connection_->Atoms();
-    if (event.type != atoms.wmProtocols || event.format != 32 || !windows_.Has(event.window)) return;
+    if (event.format != 32 || !windows_.Has(event.window) || drops_.OnMessage(event)) return;
+    if (event.type != atoms.wmProtocols) return;
     if (event.data.data32[0] == atoms.wmDeleteWindow) {
         sink_.OnCloseRequest(event.window);
     } else if (event.data.data32[0] == atoms.netWmPing) {

@@ -9,6 +9,7 @@
 
 #include "platform/display/Display.h"
 #include "platform/display/x11/X11Connection.h"
+#include "platform/display/x11/X11DropTarget.h"
 #include "platform/display/x11/X11Keyboard.h"
 #include "platform/display/x11/X11Windows.h"
 
@@ -34,6 +35,7 @@ private:
     void OnButton(const xcb_button_press_event_t& event, bool down);
     void OnMotion(const xcb_motion_notify_event_t& event);
     void OnKey(const xcb_key_press_event_t& event, bool down);
+    void OnLeave(const xcb_leave_notify_event_t& event);
     void OnFocus(const xcb_focus_in_event_t& event, bool gained);
     void OnExpose(const xcb_expose_event_t& event);
     void OnConfigure(const xcb_configure_notify_event_t& event, bool byManager, uint32_t sequence);
@@ -51,6 +53,7 @@ private:
 
     // The thread's own.
     std::unique_ptr<X11Keyboard> keyboard_;
+    X11DropTarget drops_;
 
     std::thread thread_;
 };

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "platform/display/x11/X11DropTarget.h"
 #include "platform/display/x11/X11Reply.h"
 
 namespace tdkp {
@@ -126,9 +127,11 @@ void WriteX11Identity(const X11Connection& connection, xcb_window_t window, cons
     SetWords(connection, window, XCB_ATOM_WM_HINTS, XCB_ATOM_WM_HINTS, &input, sizeof input / sizeof(uint32_t));
 
     const xcb_window_t owner = info.owner != 0 ? ManagedWindowOf(connection, info.owner) : 0;
-    const xcb_atom_t kind = owner != 0 ? atoms.netWmWindowTypeDialog : atoms.netWmWindowTypeNormal;
+    const xcb_atom_t ofManaged = owner != 0 ? atoms.netWmWindowTypeDialog : atoms.netWmWindowTypeNormal;
+    const xcb_atom_t kind = info.menu ? atoms.netWmWindowTypePopupMenu : ofManaged;
     SetWords(connection, window, atoms.netWmWindowType, XCB_ATOM_ATOM, &kind, 1);
     if (owner != 0) SetWords(connection, window, XCB_ATOM_WM_TRANSIENT_FOR, XCB_ATOM_WINDOW, &owner, 1);
+    if (!info.menu) SetWords(connection, window, atoms.xdndAware, XCB_ATOM_ATOM, &kX11DropVersion, 1);
     if (!info.framed) {
         const MotifHints noFrame;
         SetWords(connection, window, atoms.motifWmHints, atoms.motifWmHints, &noFrame,
