@@ -31,7 +31,7 @@ public:
         kDraining,   // the decoder is at its end, the device still plays
         kEnded,      // everything has been heard
         kMoved,      // the device has become another one; told once
-        kNoDevice,   // the device has failed
+        kRest,       // the output has begun to rest, or has stopped; told once
     };
     struct Step {
         State Result;
@@ -79,6 +79,7 @@ private:
     Gain gain_;
     bool running_ = false;
     bool formatTold_ = false;
+    bool rests_ = false;  // as it was told
     bool atEnd_ = false;
     uint64_t nextFrame_ = 0;  // in the piece
     uint64_t delivered_ = 0;  // frames in all

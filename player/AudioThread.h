@@ -21,8 +21,8 @@ public:
     // What the pump came to since the last call that the host's thread should know of.
     struct News {
         bool Ended;
-        bool DeviceLost;
         bool DeviceMoved;
+        bool RestChanged;
     };
     News TakeNews();
 
@@ -36,8 +36,8 @@ private:
     const Event& news_;
     std::atomic<bool> quit_ = false;
     std::atomic<bool> ended_ = false;
-    std::atomic<bool> lost_ = false;
     std::atomic<bool> moved_ = false;
+    std::atomic<bool> restChanged_ = false;
     HANDLE thread_ = nullptr;
 };
 

@@ -19,10 +19,20 @@ constexpr double kNever = std::numeric_limits<double>::infinity();
 constexpr double kTimeTolerance = 0.002;
 
 constexpr int kVolumeStep = 5;  // percent
+constexpr char kCaptureTitle[] = "What you hear";
 
 // The add-on tells that a plug-in goes before the view leaves it, so the view is looked at for a while.
 constexpr int kLooks = 20;
 constexpr DWORD kLookInterval = 50;  // milliseconds
+
+std::string TitleOf(const Capture& capture) {
+    const std::string device = capture.Title();
+    return device.empty() ? kCaptureTitle : std::string(kCaptureTitle) + " - " + device;
+}
+
+std::string OffsetText(int milliseconds) {
+    return std::string("Pictures ") + (milliseconds > 0 ? "+" : "") + std::to_string(milliseconds) + " ms";
+}
 
 }  // namespace
 
@@ -42,6 +52,7 @@ LiveRun::LiveRun(const Options& options, Session& session, Interrupt& interrupt,
         std::make_unique<View>(session.Manager(), window_.Handle(), size, session.Plugins(), session.ChosenPlugin());
     if (options.Device) keeper_.Note(&PlayerSettings::Device, *options.Device);
     keeper_.Note(&PlayerSettings::Volume, std::optional(session.Sound().Volume()));
+    keeper_.Note(&PlayerSettings::Offsets, session.Sound().Offsets());
     NoteSize(size);
     session.Manager().AddListReceiver(pluginWatch_.Get());
     interrupt_.Report(&news_);
@@ -77,16 +88,17 @@ void LiveRun::Run() {
         ServeNews();
         FollowPlugins();
         ServeMoments();
+        if (note_.Pass()) ShowState();
         if (interrupt_.IsRequested()) done_ = true;
     }
 }
 
 // Paused and with nothing to store, nothing but a message, an interrupt or a plug-in ends the wait.
 void LiveRun::Wait() {
-    DWORD limit = std::min(keeper_.UntilStoring(), UntilLook());
+    DWORD limit = std::min({keeper_.UntilStoring(), UntilLook(), note_.Left()});
     const double moment = NextMoment();
     if (moment != kNever && session_.Sound().IsPlaying()) {
-        const double left = std::max(moment - session_.Sound().Pump().Played(), 0.0);
+        const double left = std::max(moment - session_.Sound().Played(), 0.0);
         limit = std::min(limit, static_cast<DWORD>(std::ceil(left * 1000.0)));
     }
     const HANDLE news = news_.Handle();
@@ -101,8 +113,9 @@ void LiveRun::ServeMessages() {
 
 void LiveRun::ServeNews() {
     const AudioThread::News news = audioThread_->TakeNews();
-    if (news.DeviceLost) session_.Sound().OnDeviceLost();
     if (news.DeviceMoved) session_.Sound().OnDeviceMoved();
+    if (news.RestChanged) session_.Sound().OnRestChanged();
+    if (news.DeviceMoved || news.RestChanged) ShowState();
     if (!news.Ended) return;
     if (nextSnapshot_ < options_.Snapshots.size())
         throw PlayerError(ExitCode::kUsage,
@@ -134,7 +147,7 @@ double LiveRun::NextMoment() const {
 }
 
 void LiveRun::ServeMoments() {
-    const double now = session_.Sound().Pump().Played() + kTimeTolerance;
+    const double now = session_.Sound().Played() + kTimeTolerance;
     for (; nextSnapshot_ < options_.Snapshots.size() && options_.Snapshots[nextSnapshot_].At <= now; ++nextSnapshot_) {
         WritePng(ReadWindow(window_.Handle()), options_.Snapshots[nextSnapshot_].Path);
         if (nextSnapshot_ + 1 == options_.Snapshots.size() && !options_.Duration) done_ = true;
@@ -160,6 +173,7 @@ void LiveRun::OnPluginKey(int direction) {
 }
 
 void LiveRun::OnVolumeKey(int direction) {
+    if (session_.Sound().Captured()) return;
     session_.Sound().SetVolume(session_.Sound().Volume() + direction * kVolumeStep);
     keeper_.Note(&PlayerSettings::Volume, std::optional(session_.Sound().Volume()));
     ShowState();
@@ -167,6 +181,14 @@ void LiveRun::OnVolumeKey(int direction) {
 
 void LiveRun::OnSettingsKey() {
     if (button_) button_->Press();
+}
+
+void LiveRun::OnOffsetKey(int milliseconds) {
+    Playback& sound = session_.Sound();
+    sound.SetOffset(sound.Offset() + milliseconds);
+    keeper_.Note(&PlayerSettings::Offsets, sound.Offsets());
+    note_.Show(OffsetText(sound.Offset()));
+    ShowState();
 }
 
 void LiveRun::OnSize(PictureSize size, bool visible) {
@@ -187,15 +209,24 @@ void LiveRun::NoteSize(PictureSize size) {
     if (!window_.IsFullScreen() && size.IsWithinBounds()) keeper_.Note(&PlayerSettings::Size, std::optional(size));
 }
 
+std::string LiveRun::Heard() const {
+    if (const Capture* const capture = session_.Sound().Captured()) return TitleOf(*capture);
+    return options_.File.empty() ? kDemoTitle : std::filesystem::path(options_.File).filename().string();
+}
+
 void LiveRun::ShowState() {
-    const std::string file =
-        options_.File.empty() ? kDemoTitle : std::filesystem::path(options_.File).filename().string();
     const PluginInfo& plugin = view_->Plugin();
     const std::string name = plugin.Name.empty() ? "No plug-in" : plugin.Name;
-    const std::string volume = "Volume " + std::to_string(session_.Sound().Volume()) + " %";
-    const std::string paused = session_.Sound().IsPlaying() ? "" : " (paused)";
-    window_.SetTitle(file + " - " + name + " - " + volume + paused);
-    if (button_) button_->SetText(name + " - " + volume + paused);
+    const Playback& sound = session_.Sound();
+    std::string state = note_.Text();
+    if (state.empty() && !sound.Captured()) state = "Volume " + std::to_string(sound.Volume()) + " %";
+    if (!state.empty()) state = " - " + state;
+    if (!sound.IsPlaying())
+        state += " (paused)";
+    else if (sound.IsResting())
+        state += " (silence)";
+    window_.SetTitle(Heard() + " - " + name + state);
+    if (button_) button_->SetText(name + state);
     if (!plugin.Path.empty()) keeper_.Note(&PlayerSettings::Plugin, plugin.File());
 }
 

@@ -6,6 +6,7 @@
 
 #include "player/AudioThread.h"
 #include "player/Interrupt.h"
+#include "player/PassingNote.h"
 #include "player/PlayerWindow.h"
 #include "player/PluginWatch.h"
 #include "player/Session.h"
@@ -30,6 +31,7 @@ private:
     void OnPluginKey(int direction) override;
     void OnVolumeKey(int direction) override;
     void OnSettingsKey() override;
+    void OnOffsetKey(int milliseconds) override;
     void OnSize(PictureSize size, bool visible) override;
     void OnCloseRequest() override { done_ = true; }
 
@@ -42,6 +44,7 @@ private:
     double NextMoment() const;
     PictureSize StartingSize() const;
     void NoteSize(PictureSize size);
+    std::string Heard() const;
     void ShowState();
 
     const Options& options_;
@@ -58,6 +61,7 @@ private:
     int looksLeft_ = 1;   // at the plug-ins; the first one is for what came before the watch
     DWORD lookedAt_ = 0;  // by GetTickCount
     bool isHidden_ = false;
+    PassingNote note_;
     std::unique_ptr<AudioThread> audioThread_;
     size_t nextSnapshot_ = 0;
     bool done_ = false;

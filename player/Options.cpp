@@ -24,8 +24,10 @@ constexpr double kLongestTime = 24.0 * 3600.0;
 
 constexpr char kFooter[] =
     "Keys: Space pauses, Left and Right go 5 seconds, Up and Down change the plug-in, + and - the volume,\n"
-    "S opens the settings, F fills the screen, Escape goes back or quits.\n"
-    "A run in a window remembers its size, volume, plug-in and device for the next one; options win over that.\n"
+    "[ and ] shift the pictures against the sound (with Shift: more), S opens the settings, F fills the screen,\n"
+    "Escape goes back or quits.\n"
+    "A run in a window remembers its size, volume, plug-in, device and each device's offset for the next one;\n"
+    "options win over that.\n"
     "Exit codes: 0 done, 2 usage, 3 file can't be read, 4 unknown format, 5 unknown plug-in, 6 no plug-ins,\n"
     "7 no display, 8 add-on can't be loaded, 9 picture can't be written, 10 sound output doesn't open,\n"
     "11 stored settings can't be read or cleared, 12 no ffmpeg, 13 ffmpeg failed, 130 rendering interrupted.";
@@ -36,6 +38,7 @@ constexpr char kDefaultDevice[] = "default";
 struct RawOptions {
     std::string Size;
     std::string Device;
+    std::string Capture;
     std::vector<std::string> Pictures;
     std::vector<double> Times;
     bool NoAudio = false;
@@ -77,7 +80,7 @@ void CheckRendering(const CLI::App& app, const Options& options) {
             if (app.count(option) != 0) throw UsageError(std::string(option) + " needs --render");
         return;
     }
-    for (const char* option : {"--snapshot", "--window", "--loop"})
+    for (const char* option : {"--snapshot", "--window", "--loop", "--offset"})
         if (app.count(option) != 0) throw UsageError(std::string("--render excludes ") + option);
     if (!RenderTarget::FromPath(options.Render))
         throw UsageError("--render: \"" + options.Render + "\" is no .mp4, .mkv, .y4m and no folder with / at its end");
@@ -91,6 +94,25 @@ void DeclareRendering(CLI::App& app, Options& options, const std::map<std::strin
         ->transform(CLI::CheckedTransformer(onOff, CLI::ignore_case))
         ->type_name("[on|off]");
     app.add_flag("--json", options.Json, "Rendering: progress as lines of JSON");
+}
+
+void CheckListening(const CLI::App& app) {
+    if (app.count("--capture") == 0) return;
+    for (const char* option :
+         {"FILE", "--render", "--snapshot", "--output", "--no-audio", "--device", "--volume", "--loop"})
+        if (app.count(option) != 0) throw UsageError(std::string("--capture excludes ") + option);
+}
+
+void DeclareListening(CLI::App& app, Options& options, RawOptions& raw) {
+    app.add_option("--capture", raw.Capture,
+                   "Show what the system plays instead of a file, or what this output or input has")
+        ->type_name("[DEVICE]")
+        ->expected(0, 1);
+    app.add_option("--offset", options.Offset,
+                   "Milliseconds that the pictures come later for this device, -500 to 2000")
+        ->check(CLI::Range(kSmallestOffset, kLargestOffset))
+        ->type_name("MS");
+    app.add_flag("--devices", options.Devices, "List the sound devices: output or input, name, description");
 }
 
 void Declare(CLI::App& app, Options& options, RawOptions& raw) {
@@ -134,6 +156,7 @@ void Declare(CLI::App& app, Options& options, RawOptions& raw) {
         ->type_name("NAME");
     app.add_option("--volume", options.Volume, "How loud, 0 to 100 percent; the pictures don't change")
         ->check(CLI::Range(0, kFullVolume));
+    DeclareListening(app, options, raw);
     auto* print = app.add_flag("--settings", options.PrintSettings, "Print all settings that are stored");
     app.add_flag("--reset-settings", options.ResetSettings, "Clear all settings that are stored")->excludes(print);
     app.add_option("--make-demo", options.MakeDemo, "Write the player's own piece to this file (WAV)")
@@ -176,6 +199,8 @@ std::optional<Options> Options::Parse(int argc, const char* const* argv) {
     if (!raw.Size.empty()) options.Size = ParseSize(raw.Size);
     PairSnapshots(raw, options);
     CheckRendering(app, options);
+    CheckListening(app);
+    if (app.count("--capture") != 0) options.Capture = raw.Capture == kDefaultDevice ? "" : raw.Capture;
     if (raw.NoAudio) options.Output = kSilentName;
     if (!raw.Device.empty()) options.Device = raw.Device == kDefaultDevice ? "" : raw.Device;
     if (options.Device && options.Output == kSilentName) throw UsageError("--device: this output has no devices");

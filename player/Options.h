@@ -25,6 +25,7 @@ struct SnapshotRequest {
 struct Options {
     std::string File;  // empty: the project's own piece
     bool List = false;
+    bool Devices = false;
     std::string MakeDemo;  // the file to write the project's own piece to
     bool PrintSettings = false;
     bool ResetSettings = false;
@@ -41,8 +42,10 @@ struct Options {
     bool Loop = false;
     std::optional<double> Duration;  // seconds
     std::string Output = "auto";
-    std::optional<std::string> Device;  // as the sound server names it; empty: the server's choice
-    std::optional<int> Volume;          // percent
+    std::optional<std::string> Device;   // as the sound server names it; empty: the server's choice
+    std::optional<int> Volume;           // percent
+    std::optional<int> Offset;           // milliseconds that the pictures come later
+    std::optional<std::string> Capture;  // show what this device plays or records; empty: the default output
 
     PictureSize SizeOrUsual() const { return Size.value_or(PictureSize{}); }
 

@@ -10,6 +10,15 @@ std::string TextOf(const SettingsKey& key, const char* name) {
     return value ? value->Text().value_or("") : "";
 }
 
+DeviceOffsets OffsetsOf(const SettingsKey& key) {
+    const std::string prefix = kOffsetValues;
+    DeviceOffsets offsets;
+    for (const StoredValue& value : key.Values())
+        if (const auto number = value.Number(); number && value.Name.starts_with(prefix))
+            offsets.Set(value.Name.substr(prefix.size()), static_cast<int>(*number));
+    return offsets;
+}
+
 }  // namespace
 
 PlayerSettings PlayerSettings::Load() {
@@ -22,6 +31,7 @@ PlayerSettings PlayerSettings::Load() {
     if (percent && *percent <= kFullVolume) settings.Volume = static_cast<int>(*percent);
     settings.Plugin = TextOf(key, kPluginValue);
     settings.Device = TextOf(key, kDeviceValue);
+    settings.Offsets = OffsetsOf(key);
     return settings;
 }
 
@@ -31,6 +41,9 @@ void PlayerSettings::StoreChanges(const PlayerSettings& before) const {
     if (Volume && Volume != before.Volume) key.SetNumber(kVolumeValue, static_cast<uint32_t>(*Volume));
     if (Plugin != before.Plugin) key.SetText(kPluginValue, Plugin);
     if (Device != before.Device) key.SetText(kDeviceValue, Device);
+    for (const auto& [device, milliseconds] : Offsets.All())
+        if (!device.empty() && milliseconds != before.Offsets.Of(device))
+            key.SetNumber((kOffsetValues + device).c_str(), static_cast<uint32_t>(milliseconds));
 }
 
 }  // namespace tdkplay

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "player/DeviceOffsets.h"
 #include "player/PictureSize.h"
 
 namespace tdkplay {
@@ -14,6 +15,8 @@ inline constexpr char kSizeValue[] = "WindowSize";  // text, "640x480"
 inline constexpr char kVolumeValue[] = "Volume";    // number, 0 to 100
 inline constexpr char kPluginValue[] = "Plugin";    // text, the file's name
 inline constexpr char kDeviceValue[] = "Device";    // text, as the sound server names it
+// With a device's name behind it: a number, milliseconds, which may be below 0.
+inline constexpr char kOffsetValues[] = "Offset:";
 
 inline constexpr int kFullVolume = 100;  // percent
 
@@ -22,6 +25,7 @@ struct PlayerSettings {
     std::optional<int> Volume;  // percent
     std::string Plugin;         // empty: none
     std::string Device;         // empty: the sound server's choice
+    DeviceOffsets Offsets;
 
     // What is stored; a value that makes no sense counts as missing. Throws PlayerError with kNoSettings.
     static PlayerSettings Load();

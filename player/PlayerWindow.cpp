@@ -11,6 +11,8 @@ constexpr char kClassName[] = "tdkplay";
 constexpr DWORD kWindowedStyle = WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN;
 constexpr DWORD kFullScreenStyle = WS_POPUP | WS_CLIPCHILDREN;
 constexpr double kSeekSeconds = 5.0;
+constexpr int kOffsetStep = 10;       // milliseconds
+constexpr int kLargeOffsetStep = 50;  // with Shift
 
 void RegisterWindowClass(WNDPROC procedure) {
     WNDCLASSA windowClass = {};
@@ -20,6 +22,10 @@ void RegisterWindowClass(WNDPROC procedure) {
     windowClass.hbrBackground = static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH));
     windowClass.lpszClassName = kClassName;
     RegisterClassA(&windowClass);  // fails if it is registered already
+}
+
+int OffsetStep() {
+    return GetKeyState(VK_SHIFT) < 0 ? kLargeOffsetStep : kOffsetStep;
 }
 
 }  // namespace
@@ -104,6 +110,12 @@ bool PlayerWindow::OnKeyDown(WPARAM key) {
         case VK_OEM_MINUS:
         case VK_SUBTRACT:
             events_->OnVolumeKey(-1);
+            return true;
+        case VK_OEM_4:  // [
+            events_->OnOffsetKey(-OffsetStep());
+            return true;
+        case VK_OEM_6:  // ]
+            events_->OnOffsetKey(OffsetStep());
             return true;
         case 'S':
         case VK_F2:

@@ -18,6 +18,7 @@ public:
     virtual void OnPluginKey(int direction) = 0;
     virtual void OnVolumeKey(int direction) = 0;
     virtual void OnSettingsKey() = 0;
+    virtual void OnOffsetKey(int milliseconds) = 0;  // relative
     // There is this much room for the picture now; not visible means minimised.
     virtual void OnSize(PictureSize size, bool visible) = 0;
     virtual void OnCloseRequest() = 0;

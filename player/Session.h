@@ -15,19 +15,18 @@ namespace tdkplay {
 
 class Session {
 public:
-    // What the options leave open is as remembered. Throws PlayerError with kNoAddOn, kNoPlugins, kUnknownPlugin or
-    // kNoSound.
+    // What the options leave open is as remembered; a run that captures needs no decoder. Throws PlayerError with
+    // kNoAddOn, kNoPlugins, kUnknownPlugin or kNoSound.
     Session(const Options& options, std::unique_ptr<Decoder> decoder, const std::string& outputKind,
             const PlayerSettings& remembered = {})
         : addOn_(OwnFolder(), *context_),
           plugins_(ListPlugins(addOn_.Manager())),
           chosenPlugin_(options.Plugin.empty() ? FindPluginFile(plugins_, remembered.Plugin)
                                                : FindPlugin(plugins_, options.Plugin)),
-          playback_(
-              *context_, std::move(decoder),
-              {outputKind, options.Device.value_or(remembered.Device), options.Device && !options.Device->empty()},
-              options.Loop) {
+          playback_(MakePlayback(options, std::move(decoder), outputKind, remembered)) {
         playback_.SetVolume(options.Volume.value_or(remembered.Volume.value_or(kFullVolume)));
+        playback_.SetOffsets(remembered.Offsets);
+        if (options.Offset) playback_.SetOffset(*options.Offset);
         addOn_.Configure(options.Picture);
         addOn_.AnnounceTrack();
     }
@@ -39,6 +38,14 @@ public:
     Playback& Sound() { return playback_; }
 
 private:
+    Playback MakePlayback(const Options& options, std::unique_ptr<Decoder> decoder, const std::string& outputKind,
+                          const PlayerSettings& remembered) {
+        if (options.Capture) return Playback(*context_, *options.Capture);
+        const bool mustHaveDevice = options.Device && !options.Device->empty();
+        return Playback(*context_, std::move(decoder),
+                        {outputKind, options.Device.value_or(remembered.Device), mustHaveDevice}, options.Loop);
+    }
+
     const ComPtr<HostContext> context_ = MakeCom<HostContext>();
     AddOn addOn_;
     const std::vector<PluginInfo> plugins_;

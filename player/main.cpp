@@ -12,6 +12,7 @@
 #include <optional>
 
 #include "player/DemoPiece.h"
+#include "player/DeviceList.h"
 #include "player/ExitCode.h"
 #include "player/Interrupt.h"
 #include "player/LiveRun.h"
@@ -41,7 +42,8 @@ enum class Mode {
 Mode ChooseMode(const Options& options) {
     if (options.Headless) return options.Snapshots.empty() ? Mode::kInvisible : Mode::kSnapshots;
     if (std::strcmp(TdkpDisplayName(), "x11") == 0) return Mode::kWindow;
-    if (options.Window) throw PlayerError(ExitCode::kNoDisplay, "there is no display to show a window on");
+    if (options.Window || options.Capture)
+        throw PlayerError(ExitCode::kNoDisplay, "there is no display to show a window on");
     return options.Snapshots.empty() ? Mode::kAllPictures : Mode::kSnapshots;
 }
 
@@ -108,11 +110,13 @@ void TakeAllPictures(const Options& options, std::unique_ptr<Decoder> decoder, I
 void Run(const Options& options) {
     if (!options.MakeDemo.empty()) return WriteDemoPiece(options.MakeDemo);
     if (options.List) return List();
+    if (options.Devices) return PrintDevices();
     if (options.PrintSettings) return PrintStoredSettings();
     if (options.ResetSettings) return ResetStoredSettings();
 
-    std::unique_ptr<Decoder> decoder = OpenDecoder(options.File);
-    RequireSnapshotsWithin(options, *decoder);
+    std::unique_ptr<Decoder> decoder;
+    if (!options.Capture) decoder = OpenDecoder(options.File);
+    if (decoder) RequireSnapshotsWithin(options, *decoder);
     Interrupt interrupt;
     if (!options.Render.empty()) return RenderRun::Render(options, std::move(decoder), interrupt);
     const Mode mode = ChooseMode(options);
