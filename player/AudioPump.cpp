@@ -96,6 +96,11 @@ AudioPump::Step AudioPump::DeliverBlock() {
     return {State::kDelivered, 0};
 }
 
+bool AudioPump::IsResting() {
+    const std::lock_guard lock(mutex_);
+    return rests_;
+}
+
 AudioPump::Step AudioPump::Finish() {
     if (output_->IsDrained()) return {State::kEnded, INFINITE};
     return {State::kDraining, output_->WaitForDrain()};

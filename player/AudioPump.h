@@ -53,6 +53,8 @@ public:
     void Close();
 
     Step DeliverBlock();
+    // As it was last told.
+    bool IsResting();
 
     // What is heard now: the place in the piece, and the time heard since the beginning, in seconds.
     double Position();

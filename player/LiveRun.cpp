@@ -217,7 +217,7 @@ std::string LiveRun::Heard() const {
 void LiveRun::ShowState() {
     const PluginInfo& plugin = view_->Plugin();
     const std::string name = plugin.Name.empty() ? "No plug-in" : plugin.Name;
-    const Playback& sound = session_.Sound();
+    Playback& sound = session_.Sound();
     std::string state = note_.Text();
     if (state.empty() && !sound.Captured()) state = "Volume " + std::to_string(sound.Volume()) + " %";
     if (!state.empty()) state = " - " + state;

@@ -44,7 +44,7 @@ void Playback::PutEngine() {
     engine_ = MakeCom<Engine>(output_->LargestLatency() + kBlockSeconds + kLargestOffset * kMillisecond,
                               SmallestDelay(pump_.Format()));
     if (playing_) engine_->SetState(kEngineStatePlaying);
-    engine_->SetVisualize(watched_ && !output_->IsResting());
+    engine_->SetVisualize(watched_ && !pump_.IsResting());
     ApplyOffset();
     pump_.SetOutput(output_, engine_);
     context_.Player().SetEngine(engine_);
@@ -95,7 +95,7 @@ void Playback::SetWatched(bool watched) {
 }
 
 void Playback::ApplyVisibility() {
-    engine_->SetVisualize(watched_ && !output_->IsResting());
+    engine_->SetVisualize(watched_ && !pump_.IsResting());
     context_.Player().RepeatState();
 }
 

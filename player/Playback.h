@@ -42,7 +42,7 @@ public:
     // With nobody watching, the add-on rests and the audio goes out in larger pieces.
     void SetWatched(bool watched);
     // Nothing sounds: the add-on rests.
-    bool IsResting() const { return output_->IsResting(); }
+    bool IsResting() { return pump_.IsResting(); }
 
     // What the devices don't tell of their latency, and the milliseconds for the one in use. A change is seen in the
     // next frames.

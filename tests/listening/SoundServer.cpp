@@ -113,8 +113,9 @@ void SoundServer::Unplug(const std::string& name) const {
 
 void SoundServer::PlayTone(int hertz, const std::string& output) {
     std::string second;
+    const double amplitude = hertz * hertz / 5000.0;
     for (int i = 0; i < kRate; ++i) {
-        const auto sample = static_cast<int16_t>(std::lround(4.0 * hertz * std::sin(2.0 * M_PI * hertz * i / kRate)));
+        const auto sample = static_cast<int16_t>(std::lround(amplitude * std::sin(2.0 * M_PI * hertz * i / kRate)));
         for (int channel = 0; channel < 2; ++channel)
             second.append(reinterpret_cast<const char*>(&sample), sizeof(sample));
     }

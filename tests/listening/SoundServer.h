@@ -33,7 +33,7 @@ public:
     void Plug(const std::string& name);
     void Unplug(const std::string& name) const;
 
-    // Another program plays a tone to this output until StopTones, the louder the higher it is. When the default
+    // Another program plays a tone to this output until StopTones, by far the louder the higher it is. When the default
     // changes the server may take it along.
     void PlayTone(int hertz, const std::string& output);
     void StopTones();
