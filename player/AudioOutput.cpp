@@ -3,6 +3,7 @@
 #include "player/ExitCode.h"
 #include "player/PulseOutput.h"
 #include "player/SilentOutput.h"
+#include "player/SteadyOutput.h"
 
 namespace tdkplay {
 namespace {
@@ -24,6 +25,17 @@ constexpr OutputKind kKinds[] = {
     {kSilentName, false, OpenSilent},
 };
 
+// Null if nothing opens. `onlyDevices` passes over what makes no sound.
+std::unique_ptr<AudioOutput> OpenFirst(const OutputRequest& request, const PcmFormat& format, HANDLE wake,
+                                       bool onlyDevices) {
+    for (const OutputKind& kind : kKinds) {
+        if (request.Kind != kAutomaticOutput && request.Kind != kind.Name) continue;
+        if (onlyDevices && !kind.HasDevices) continue;
+        if (std::unique_ptr<AudioOutput> output = kind.Open(request, format, wake)) return output;
+    }
+    return nullptr;
+}
+
 }  // namespace
 
 std::vector<std::string> OutputNames() {
@@ -33,15 +45,15 @@ std::vector<std::string> OutputNames() {
 }
 
 std::unique_ptr<AudioOutput> OpenOutput(const OutputRequest& request, const PcmFormat& format, HANDLE wake) {
-    const bool isAutomatic = request.Kind == kAutomaticOutput;
-    for (const OutputKind& kind : kKinds) {
-        if (!isAutomatic && request.Kind != kind.Name) continue;
-        if (request.MustHaveDevice && isAutomatic && !kind.HasDevices) continue;
-        if (std::unique_ptr<AudioOutput> output = kind.Open(request, format, wake)) return output;
-    }
-    if (request.MustHaveDevice)
+    std::unique_ptr<AudioOutput> first = OpenFirst(request, format, wake, request.MustHaveDevice);
+    if (!first && request.MustHaveDevice)
         throw PlayerError(ExitCode::kNoSound, "there is no sound server for the device \"" + request.Device + "\"");
-    throw PlayerError(ExitCode::kNoSound, "the sound output \"" + request.Kind + "\" doesn't open");
+    if (!first) throw PlayerError(ExitCode::kNoSound, "the sound output \"" + request.Kind + "\" doesn't open");
+    if (request.Kind == kSilentName) return first;
+    OutputRequest again = request;
+    again.MustHaveDevice = false;
+    return std::make_unique<SteadyOutput>(
+        std::move(first), [=] { return OpenFirst(again, format, wake, true); }, format, wake);
 }
 
 }  // namespace tdkplay

@@ -24,17 +24,19 @@ public:
     virtual ~AudioOutput() = default;
 
     virtual const char* Name() const = 0;
+    // The device as the sound server names it; empty if there is none.
+    virtual std::string DeviceName() { return {}; }
     // Sample frames that can be written now.
     virtual size_t Room() = 0;
     // A limit for the wait until it is worth filling it again, in milliseconds; INFINITE if the wake event tells.
     virtual uint32_t WaitForRoom() = 0;
     // At most Room() frames, interleaved.
     virtual void Write(const int16_t* samples, size_t frames) = 0;
-    // Seconds from the end of what was written to what is heard now.
+    // Seconds from the end of what was written to what is heard now; below 0 if that is past already.
     virtual double Latency() = 0;
-    // kUsualLead at first. What is ahead by more stays and is heard.
+    // kUsualLead at first, kHiddenLead at most. What is ahead by more stays and is heard.
     virtual void SetLead(double seconds) = 0;
-    // The largest Latency() to expect, with either lead.
+    // The largest Latency() to expect, with any lead.
     virtual double LargestLatency() const = 0;
     // Paused, it keeps what it holds and costs nothing.
     virtual void SetPaused(bool paused) = 0;
@@ -48,6 +50,8 @@ public:
     // The device is gone, or has become another one since the last call.
     virtual bool HasFailed() { return false; }
     virtual bool TakeMoved() { return false; }
+    // Nothing sounds, and there is no room until something does.
+    virtual bool IsResting() { return false; }
 };
 
 inline constexpr char kAutomaticOutput[] = "auto";
@@ -62,8 +66,9 @@ struct OutputRequest {
 std::vector<std::string> OutputNames();
 
 // Opens the output of this kind, which passes over the device if it has none to choose from; "auto" takes the first
-// that opens. `wake` is an event that the output sets when there is room again or something has happened to the device;
-// it must outlive the output. Throws PlayerError with kNoSound if what was asked for doesn't open.
+// that opens. From then on it never fails: without a device it is silent until there is one. `wake` is an event that
+// the output sets when there is room again or something has happened to the device; it must outlive the output. Throws
+// PlayerError with kNoSound if what was asked for doesn't open.
 std::unique_ptr<AudioOutput> OpenOutput(const OutputRequest& request, const PcmFormat& format, HANDLE wake);
 
 }  // namespace tdkplay

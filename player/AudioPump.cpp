@@ -129,12 +129,16 @@ void AudioPump::Close() {
 
 AudioPump::Step AudioPump::DeliverBlock() {
     const std::lock_guard lock(mutex_);
-    if (output_->HasFailed()) return {State::kNoDevice, INFINITE};
     if (output_->TakeMoved()) return {State::kMoved, 0};
     if (std::exchange(hasBegunNext_, false)) return {State::kNextPiece, 0};
     if (!running_) return {State::kIdle, INFINITE};
     if (atEnd_ && !GoOn(0)) return Finish();
-    if (output_->Room() < blockFrames_) return {State::kFull, output_->WaitForRoom()};
+    const size_t room = output_->Room();
+    if (const bool rests = output_->IsResting(); rests != rests_) {
+        rests_ = rests;
+        return {State::kRest, 0};
+    }
+    if (room < blockFrames_) return {State::kFull, output_->WaitForRoom()};
     if (!formatTold_) AnnounceFormat();
 
     const size_t frames = Decode();
@@ -151,6 +155,11 @@ AudioPump::Step AudioPump::DeliverBlock() {
     output_->Write(block_.data(), frames);
     delivered_ += frames;
     return {State::kDelivered, 0};
+}
+
+bool AudioPump::IsResting() {
+    const std::lock_guard lock(mutex_);
+    return rests_;
 }
 
 AudioPump::Step AudioPump::Finish() {

@@ -51,7 +51,7 @@ public:
         kEnded,      // everything has been heard
         kNextPiece,  // the piece that was put next has begun to go out; told once
         kMoved,      // the device has become another one; told once
-        kNoDevice,   // the device has failed
+        kRest,       // the output has begun to rest, or has stopped; told once
     };
     struct Step {
         State Result;
@@ -81,6 +81,8 @@ public:
     void Close();
 
     Step DeliverBlock();
+    // As it was last told.
+    bool IsResting();
 
     HeardPlace Where();
     // Everything has been heard, and nothing goes on by itself.
@@ -115,6 +117,7 @@ private:
     Gain gain_;
     bool running_ = false;
     bool formatTold_ = false;
+    bool rests_ = false;  // as it was told
     bool atEnd_ = false;
     bool hasBegunNext_ = false;
     Timeline timeline_;

@@ -13,7 +13,7 @@ AudioThread::~AudioThread() {
 }
 
 AudioThread::News AudioThread::TakeNews() {
-    return {ended_.exchange(false), lost_.exchange(false), moved_.exchange(false), next_.exchange(false)};
+    return {ended_.exchange(false), moved_.exchange(false), next_.exchange(false), restChanged_.exchange(false)};
 }
 
 DWORD WINAPI AudioThread::Entry(LPVOID self) {
@@ -25,9 +25,9 @@ void AudioThread::Run() {
     while (!quit_) {
         const AudioPump::Step step = pump_.DeliverBlock();
         if (step.Result == AudioPump::State::kEnded) Tell(ended_);
-        if (step.Result == AudioPump::State::kNoDevice) Tell(lost_);
         if (step.Result == AudioPump::State::kMoved) Tell(moved_);
         if (step.Result == AudioPump::State::kNextPiece) Tell(next_);
+        if (step.Result == AudioPump::State::kRest) Tell(restChanged_);
         if (step.Wait != 0) WaitForSingleObject(wake_.Handle(), step.Wait);
     }
 }

@@ -21,9 +21,9 @@ public:
     // What the pump came to since the last call that the host's thread should know of.
     struct News {
         bool Ended;
-        bool DeviceLost;
         bool DeviceMoved;
         bool NextPiece;
+        bool RestChanged;
     };
     News TakeNews();
 
@@ -37,9 +37,9 @@ private:
     const Event& news_;
     std::atomic<bool> quit_ = false;
     std::atomic<bool> ended_ = false;
-    std::atomic<bool> lost_ = false;
     std::atomic<bool> moved_ = false;
     std::atomic<bool> next_ = false;
+    std::atomic<bool> restChanged_ = false;
     HANDLE thread_ = nullptr;
 };
 

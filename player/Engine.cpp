@@ -9,20 +9,23 @@
 namespace tdkplay {
 namespace {
 
-uint32_t ToMilliseconds(double seconds) {
-    return static_cast<uint32_t>(std::lround(std::clamp(seconds, 0.0, 3600.0) * 1000.0));
+int ToMilliseconds(double seconds) {
+    return static_cast<int>(std::lround(std::clamp(seconds, -3600.0, 3600.0) * 1000.0));
 }
 
 }  // namespace
 
-Engine::Engine(double largestDelay) : largestDelay_(ToMilliseconds(largestDelay)), preferences_(MakeCom<Values>()) {
+Engine::Engine(double largestDelay, double smallestDelay)
+    : largestDelay_(ToMilliseconds(largestDelay)),
+      smallestDelay_(ToMilliseconds(smallestDelay)),
+      preferences_(MakeCom<Values>()) {
     const std::string seconds =
         std::to_string(largestDelay_ / 1000) + "." + std::to_string(1000 + largestDelay_ % 1000).substr(1);
     preferences_->SetTextValue(kPreferenceAudioSyncFactor, Buffer::FromText(seconds).Get());
 }
 
 void Engine::SetDelay(double seconds) {
-    delay_ = std::min(ToMilliseconds(seconds), largestDelay_);
+    delay_ = ToMilliseconds(seconds);
 }
 
 HRESULT Engine::QueryInterface(const GUID& id, void** out) {
@@ -39,13 +42,13 @@ HRESULT Engine::GetPreferences(IKVAValues** values) {
 
 HRESULT Engine::GetConfiguredDelay(uint32_t* milliseconds) {
     if (!milliseconds) return E_INVALIDARG;
-    *milliseconds = largestDelay_;
+    *milliseconds = static_cast<uint32_t>(largestDelay_);
     return S_OK;
 }
 
 HRESULT Engine::GetCurrentDelay(uint32_t* milliseconds) {
     if (!milliseconds) return E_INVALIDARG;
-    *milliseconds = delay_;
+    *milliseconds = static_cast<uint32_t>(std::clamp(delay_ + offset_, smallestDelay_, largestDelay_));
     return S_OK;
 }
 

@@ -15,8 +15,8 @@ inline constexpr uint32_t kEngineStateStopped = 0;
 
 class Engine final : public ComObject<ITKPlaybackEngine, IKVAAudioDelay> {
 public:
-    // `largestDelay` in seconds: the most that SetDelay will be given.
-    explicit Engine(double largestDelay);
+    // In seconds: the most and the least that it tells, with the offset.
+    explicit Engine(double largestDelay, double smallestDelay = 0.0);
 
     // [any]
     void SetState(uint32_t state) { state_ = state; }
@@ -24,6 +24,8 @@ public:
     void SetVisualize(bool visualize) { visualize_ = visualize; }
     // Before each delivery: seconds from the end of this delivery to what is heard now.
     void SetDelay(double seconds);
+    // Milliseconds that the pictures come later than the delay alone makes them. From the next delivery on. [any]
+    void SetOffset(int milliseconds) { offset_ = milliseconds; }
 
     HRESULT QueryInterface(const GUID& id, void** out) override;
     uint32_t GetState() override { return state_; }
@@ -33,11 +35,13 @@ public:
     HRESULT GetCurrentDelay(uint32_t* milliseconds) override;
 
 private:
-    const uint32_t largestDelay_;  // milliseconds
+    const int largestDelay_;  // milliseconds
+    const int smallestDelay_;
     const ComPtr<Values> preferences_;
     std::atomic<uint32_t> state_ = kEngineStateStopped;
     std::atomic<bool> visualize_ = true;
-    std::atomic<uint32_t> delay_ = 0;  // milliseconds
+    std::atomic<int> delay_ = 0;  // milliseconds
+    std::atomic<int> offset_ = 0;
 };
 
 }  // namespace tdkplay

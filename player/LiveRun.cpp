@@ -17,10 +17,20 @@ constexpr double kNever = std::numeric_limits<double>::infinity();
 constexpr double kTimeTolerance = 0.002;
 
 constexpr int kVolumeStep = 5;  // percent
+constexpr char kCaptureTitle[] = "What you hear";
 
 // The add-on tells that a plug-in goes before the view leaves it, so the view is looked at for a while.
 constexpr int kLooks = 20;
 constexpr DWORD kLookInterval = 50;  // milliseconds
+
+std::string TitleOf(const Capture& capture) {
+    const std::string device = capture.Title();
+    return device.empty() ? kCaptureTitle : std::string(kCaptureTitle) + " - " + device;
+}
+
+std::string OffsetText(int milliseconds) {
+    return std::string("Pictures ") + (milliseconds > 0 ? "+" : "") + std::to_string(milliseconds) + " ms";
+}
 
 }  // namespace
 
@@ -45,6 +55,7 @@ LiveRun::LiveRun(const Options& options, Session& session, Jukebox& jukebox, Int
     if (keeper.Settings().OnTop.value_or(session.Manager().GetAlwaysOnTop() != 0)) window_.SetOnTop(true);
     if (options.Device) keeper_.Note(&PlayerSettings::Device, *options.Device);
     keeper_.Note(&PlayerSettings::Volume, std::optional(session.Sound().Volume()));
+    keeper_.Note(&PlayerSettings::Offsets, session.Sound().Offsets());
     NoteSize(size);
     session.Manager().AddListReceiver(pluginWatch_.Get());
     interrupt_.Report(&news_);
@@ -86,6 +97,7 @@ void LiveRun::Serve() {
     FollowPlugins();
     FollowPieces();
     ServeMoments();
+    if (note_.Pass()) ShowState();
     if (UntilProgress() == 0) ShowProgress();
     if (interrupt_.IsRequested()) done_ = true;
     if (done_) EndMenu();
@@ -93,11 +105,11 @@ void LiveRun::Serve() {
 
 // Paused and with nothing to store, nothing but a message, an interrupt or a plug-in ends the wait.
 void LiveRun::Wait() {
-    DWORD limit = std::min({keeper_.UntilStoring(), UntilLook(), UntilProgress()});
+    DWORD limit = std::min({keeper_.UntilStoring(), UntilLook(), UntilProgress(), note_.Left()});
     double left = kNever;
     if (session_.Sound().IsPlaying()) {
         const double moment = NextMoment();
-        if (moment != kNever) left = std::max(moment - session_.Sound().Pump().Played(), 0.0);
+        if (moment != kNever) left = std::max(moment - session_.Sound().Played(), 0.0);
         if (pieceChanges_) left = std::min(left, session_.Sound().Pump().Where().UntilNext);
     }
     if (left != kNever) limit = std::min(limit, static_cast<DWORD>(std::ceil(left * 1000.0)));
@@ -113,12 +125,13 @@ void LiveRun::ServeMessages() {
 
 void LiveRun::ServeNews() {
     const AudioThread::News news = audioThread_->TakeNews();
-    if (news.DeviceLost) session_.Sound().OnDeviceLost();
     if (news.DeviceMoved) session_.Sound().OnDeviceMoved();
     if (news.NextPiece) pieceChanges_ = true;
+    if (news.RestChanged) session_.Sound().OnRestChanged();
+    if (news.DeviceMoved || news.RestChanged) ShowState();
     if (!news.Ended) return;
     pieceChanges_ = true;
-    if (jukebox_.OnEnd(session_.Sound())) return;
+    if (PlaysPieces() && jukebox_.OnEnd(session_.Sound())) return;
     if (nextSnapshot_ < options_.Snapshots.size())
         throw PlayerError(ExitCode::kUsage,
                           options_.Snapshots[nextSnapshot_].Path + ": the piece ended before its time");
@@ -149,7 +162,7 @@ double LiveRun::NextMoment() const {
 }
 
 void LiveRun::ServeMoments() {
-    const double now = session_.Sound().Pump().Played() + kTimeTolerance;
+    const double now = session_.Sound().Played() + kTimeTolerance;
     for (; nextSnapshot_ < options_.Snapshots.size() && options_.Snapshots[nextSnapshot_].At <= now; ++nextSnapshot_) {
         WritePng(ReadWindow(window_.Handle()), options_.Snapshots[nextSnapshot_].Path);
         if (nextSnapshot_ + 1 == options_.Snapshots.size() && !options_.Duration) done_ = true;
@@ -166,7 +179,7 @@ void LiveRun::OnPauseKey() {
 }
 
 void LiveRun::OnSeekKey(double seconds) {
-    session_.Sound().SeekBy(seconds);
+    if (PlaysPieces()) session_.Sound().SeekBy(seconds);
 }
 
 void LiveRun::OnPluginKey(int direction) {
@@ -180,6 +193,14 @@ void LiveRun::OnVolumeKey(int direction) {
 
 void LiveRun::OnSettingsKey() {
     if (button_) button_->Press();
+}
+
+void LiveRun::OnOffsetKey(int milliseconds) {
+    Playback& sound = session_.Sound();
+    sound.SetOffset(sound.Offset() + milliseconds);
+    keeper_.Note(&PlayerSettings::Offsets, sound.Offsets());
+    note_.Show(OffsetText(sound.Offset()));
+    ShowState();
 }
 
 void LiveRun::OnSize(PictureSize size, bool visible) {
@@ -203,12 +224,24 @@ void LiveRun::NoteSize(PictureSize size) {
         keeper_.Note(&PlayerSettings::Size, std::optional(size));
 }
 
+std::string LiveRun::Heard() const {
+    const Capture* const capture = session_.Sound().Captured();
+    return capture ? TitleOf(*capture) : jukebox_.Heard().Title;
+}
+
+std::string LiveRun::StateText() {
+    Playback& sound = session_.Sound();
+    std::string text = note_.Text();
+    if (text.empty() && PlaysPieces()) text = "Volume " + std::to_string(sound.Volume()) + " %";
+    if (!text.empty()) text = " - " + text;
+    if (!sound.IsPlaying()) return text + " (paused)";
+    return sound.IsResting() ? text + " (silence)" : text;
+}
+
 void LiveRun::ShowState() {
     const PluginInfo& plugin = view_->Plugin();
     const std::string name = plugin.Name.empty() ? "No plug-in" : plugin.Name;
-    const std::string volume = "Volume " + std::to_string(session_.Sound().Volume()) + " %";
-    const std::string paused = session_.Sound().IsPlaying() ? "" : " (paused)";
-    window_.SetTitle(jukebox_.Heard().Title + " - " + name + " - " + volume + paused);
+    window_.SetTitle(Heard() + " - " + name + StateText());
     ShowProgress();
     KeepScreenAwake();
     if (!plugin.Path.empty()) keeper_.Note(&PlayerSettings::Plugin, plugin.File());

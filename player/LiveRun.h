@@ -8,6 +8,7 @@
 #include "player/AudioThread.h"
 #include "player/Interrupt.h"
 #include "player/Jukebox.h"
+#include "player/PassingNote.h"
 #include "player/PictureClicks.h"
 #include "player/PlayerMenu.h"
 #include "player/PlayerWindow.h"
@@ -37,6 +38,7 @@ private:
     void OnPluginKey(int direction) override;
     void OnVolumeKey(int direction) override;
     void OnSettingsKey() override;
+    void OnOffsetKey(int milliseconds) override;
     void OnSize(PictureSize size, bool visible) override;
     void OnCloseRequest() override { done_ = true; }
     void OnTrackKey(int direction) override;
@@ -64,6 +66,11 @@ private:
     PictureSize StartingSize() const;
     void NoteSize(PictureSize size);
     void SetVolume(int percent);
+    // Otherwise it captures: there is no list, no place in a piece, and no volume.
+    bool PlaysPieces() const { return !session_.Sound().Captured(); }
+    // What the title says of the sound.
+    std::string Heard() const;
+    std::string StateText();
     void ShowState();
     // The strip alone, whose time runs.
     void ShowProgress();
@@ -97,6 +104,7 @@ private:
     bool isHidden_ = false;
     bool pieceChanges_ = true;   // another piece is on its way to the listener, or may be
     DWORD progressShownAt_ = 0;  // by GetTickCount
+    PassingNote note_;
     std::unique_ptr<AudioThread> audioThread_;
     ScreenAwake screen_;
     size_t nextSnapshot_ = 0;

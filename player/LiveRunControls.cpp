@@ -12,23 +12,24 @@ constexpr UINT kMenuInterval = 100;       // milliseconds, between looks at the 
 }  // namespace
 
 void LiveRun::OnTrackKey(int direction) {
+    if (!PlaysPieces()) return;
     jukebox_.Step(direction, session_.Sound());
     OnPieceChange();
 }
 
 // They play at once, whatever played before.
 void LiveRun::OnFiles(const std::vector<std::string>& paths) {
-    if (!jukebox_.Replace(paths, session_.Sound())) return;
+    if (!PlaysPieces() || !jukebox_.Replace(paths, session_.Sound())) return;
     session_.Sound().Play();
     OnPieceChange();
 }
 
 void LiveRun::OnStartKey() {
-    session_.Sound().Seek(0.0);
-    ShowProgress();
+    OnSeekBar(0.0);
 }
 
 void LiveRun::OnSeekBar(double seconds) {
+    if (!PlaysPieces()) return;
     session_.Sound().Seek(seconds);
     ShowProgress();
 }
@@ -38,6 +39,7 @@ void LiveRun::OnVolumeBar(int percent) {
 }
 
 void LiveRun::SetVolume(int percent) {
+    if (!PlaysPieces()) return;
     session_.Sound().SetVolume(percent);
     keeper_.Note(&PlayerSettings::Volume, std::optional(session_.Sound().Volume()));
     ShowState();
@@ -50,7 +52,7 @@ void LiveRun::OnStripMoved() {
 }
 
 void LiveRun::FollowPieces() {
-    if (!pieceChanges_) return;
+    if (!pieceChanges_ || !PlaysPieces()) return;
     if (jukebox_.Follow(session_.Sound())) OnPieceChange();
     pieceChanges_ = session_.Sound().Pump().Where().IsLeaving();
 }
@@ -65,8 +67,9 @@ void LiveRun::ShowProgress() {
     progressShownAt_ = GetTickCount();
     if (!strip_ || !strip_->IsShown()) return;
     const HeardPlace place = session_.Sound().Pump().Where();
-    strip_->SetState({jukebox_.Heard().Title, view_->Plugin().Name, session_.Sound().IsPlaying(),
-                      session_.Sound().Volume(), place.Position, place.Length});
+    const std::string& detail = note_.Text().empty() ? view_->Plugin().Name : note_.Text();
+    strip_->SetState(
+        {Heard(), detail, session_.Sound().IsPlaying(), session_.Sound().Volume(), place.Position, place.Length});
 }
 
 // Only a strip that is seen, and shows a time that runs, costs anything.

@@ -25,10 +25,12 @@ constexpr double kLongestTime = 24.0 * 3600.0;
 
 constexpr char kFooter[] =
     "Keys: Space pauses, Left and Right go 5 seconds, Home to the start, N and B (or Page Down and Page Up) to the\n"
-    "next piece and the one before; Up and Down change the plug-in, + and - the volume; S opens the settings, M or a\n"
-    "right click the menu, T hides the strip below the picture, F, F11 or a double click fill the screen, Escape goes\n"
-    "back or quits. The wheel changes the volume. Files and folders that are dropped on the window play at once.\n"
-    "A run in a window remembers its size, volume, plug-in and device for the next one; options win over that.\n"
+    "next piece and the one before; Up and Down change the plug-in, + and - the volume; [ and ] shift the pictures\n"
+    "against the sound (with Shift: more); S opens the settings, M or a right click the menu, T hides the strip below\n"
+    "the picture, F, F11 or a double click fill the screen, Escape goes back or quits. The wheel changes the volume.\n"
+    "Files and folders that are dropped on the window play at once.\n"
+    "A run in a window remembers its size, volume, plug-in, device and each device's offset for the next one;\n"
+    "options win over that.\n"
     "Exit codes: 0 done, 2 usage, 3 file can't be read, 4 unknown format, 5 unknown plug-in, 6 no plug-ins,\n"
     "7 no display, 8 add-on can't be loaded, 9 picture can't be written, 10 sound output doesn't open,\n"
     "11 stored settings can't be read or cleared, 12 no ffmpeg, 13 ffmpeg failed,\n"
@@ -42,6 +44,7 @@ struct RawOptions {
     std::vector<std::string> Plugins;
     std::optional<size_t> Views;
     std::string Device;
+    std::string Capture;
     std::vector<std::string> Pictures;
     std::vector<double> Times;
     bool NoAudio = false;
@@ -99,9 +102,10 @@ void CheckRendering(const CLI::App& app, const Options& options) {
         if (options.Seed && !isSheet) throw UsageError("--seed needs --render or --sheet");
         if (options.Json && options.Check.empty()) throw UsageError("--json needs --render or --check");
     }
-    if (isSheet) Exclude(app, "--sheet", {"--render", "--snapshot", "--window", "--loop", "--shuffle", "--views"});
+    if (isSheet)
+        Exclude(app, "--sheet", {"--render", "--snapshot", "--window", "--loop", "--shuffle", "--views", "--offset"});
     if (options.Render.empty()) return;
-    Exclude(app, "--render", {"--snapshot", "--window", "--loop", "--shuffle"});
+    Exclude(app, "--render", {"--snapshot", "--window", "--loop", "--shuffle", "--offset"});
     if (!RenderTarget::FromPath(options.Render))
         throw UsageError("--render: \"" + options.Render + "\" is no .mp4, .mkv, .y4m and no folder with / at its end");
 }
@@ -128,6 +132,25 @@ void DeclareChecking(CLI::App& app, Options& options) {
     app.add_option("--check-only", options.Checking.Only)->group("")->needs("--check");
     app.add_option("--check-inside", options.Checking.Inside)->group("")->needs("--check");
     app.add_option("--check-effort", options.Checking.Effort)->group("")->needs("--check");
+}
+
+void CheckListening(const CLI::App& app) {
+    if (app.count("--capture") == 0) return;
+    Exclude(app, "--capture",
+            {"FILES", "--render", "--sheet", "--snapshot", "--output", "--no-audio", "--device", "--volume", "--loop",
+             "--shuffle"});
+}
+
+void DeclareListening(CLI::App& app, Options& options, RawOptions& raw) {
+    app.add_option("--capture", raw.Capture,
+                   "Show what the system plays instead of a file, or what this output or input has")
+        ->type_name("[DEVICE]")
+        ->expected(0, 1);
+    app.add_option("--offset", options.Offset,
+                   "Milliseconds that the pictures come later for this device, -500 to 2000")
+        ->check(CLI::Range(kSmallestOffset, kLargestOffset))
+        ->type_name("MS");
+    app.add_flag("--devices", options.Devices, "List the sound devices: output or input, name, description");
 }
 
 void Declare(CLI::App& app, Options& options, RawOptions& raw) {
@@ -180,6 +203,7 @@ void Declare(CLI::App& app, Options& options, RawOptions& raw) {
         ->type_name("NAME");
     app.add_option("--volume", options.Volume, "How loud, 0 to 100 percent; the pictures don't change")
         ->check(CLI::Range(0, kFullVolume));
+    DeclareListening(app, options, raw);
     auto* print = app.add_flag("--settings", options.PrintSettings, "Print all settings that are stored");
     app.add_flag("--reset-settings", options.ResetSettings, "Clear all settings that are stored")->excludes(print);
     app.add_option("--make-demo", options.MakeDemo, "Write the player's own piece to this file (WAV)")
@@ -230,6 +254,8 @@ std::optional<Options> Options::Parse(int argc, const char* const* argv) {
     PairSnapshots(raw, options);
     CheckRendering(app, options);
     TakePlugins(raw, options);
+    CheckListening(app);
+    if (app.count("--capture") != 0) options.Capture = raw.Capture == kDefaultDevice ? "" : raw.Capture;
     if (raw.NoAudio) options.Output = kSilentName;
     if (!raw.Device.empty()) options.Device = raw.Device == kDefaultDevice ? "" : raw.Device;
     if (options.Device && options.Output == kSilentName) throw UsageError("--device: this output has no devices");

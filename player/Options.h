@@ -33,6 +33,7 @@ struct Options {
     std::vector<std::string> Files;  // audio files, folders and lists; none: the project's own piece
     bool Shuffle = false;
     bool List = false;
+    bool Devices = false;
     std::string MakeDemo;  // the file to write the project's own piece to
     bool PrintSettings = false;
     bool ResetSettings = false;
@@ -54,8 +55,10 @@ struct Options {
     bool Loop = false;
     std::optional<double> Duration;  // seconds
     std::string Output = "auto";
-    std::optional<std::string> Device;  // as the sound server names it; empty: the server's choice
-    std::optional<int> Volume;          // percent
+    std::optional<std::string> Device;   // as the sound server names it; empty: the server's choice
+    std::optional<int> Volume;           // percent
+    std::optional<int> Offset;           // milliseconds that the pictures come later
+    std::optional<std::string> Capture;  // show what this device plays or records; empty: the default output
 
     // What --viz says.
     std::vector<std::string> NamedPlugins() const;

@@ -1,11 +1,26 @@
 #include "player/Playback.h"
 
-#include <algorithm>
+#include <tdkviz/analysis_frame.h>
 
+#include <algorithm>
+#include <utility>
+
+#include "player/CaptureDecoder.h"
 #include "player/ExitCode.h"
 #include "player/SilentOutput.h"
 
 namespace tdkplay {
+namespace {
+
+constexpr double kMillisecond = 0.001;
+
+// A frame's samples begin where the delay points to: with less, they would run beyond what was delivered. The delay is
+// told in whole milliseconds.
+double SmallestDelay(const PcmFormat& format) {
+    return static_cast<double>(kWaveformSamples) / format.Rate + kMillisecond;
+}
+
+}  // namespace
 
 Playback::Playback(HostContext& context, std::unique_ptr<Decoder> decoder, const OutputRequest& output, bool loop)
     : context_(context),
@@ -15,15 +30,25 @@ Playback::Playback(HostContext& context, std::unique_ptr<Decoder> decoder, const
     PutEngine();
 }
 
+Playback::Playback(HostContext& context, const std::string& captureDevice)
+    : context_(context),
+      capture_(std::make_shared<Capture>(captureDevice, wake_.Handle())),
+      pump_(std::make_unique<CaptureDecoder>(capture_), context.Hooks(), false),
+      output_(capture_) {
+    PutEngine();
+}
+
 Playback::~Playback() {
     Stop();
 }
 
 void Playback::PutEngine(Source source) {
     // The delay is measured from the end of a delivery, which comes on top of what the device holds.
-    engine_ = MakeCom<Engine>(output_->LargestLatency() + kBlockSeconds);
+    engine_ = MakeCom<Engine>(output_->LargestLatency() + kBlockSeconds + kLargestOffset * kMillisecond,
+                              SmallestDelay(pump_.Format()));
     if (playing_) engine_->SetState(kEngineStatePlaying);
-    engine_->SetVisualize(watched_);
+    engine_->SetVisualize(watched_ && !pump_.IsResting());
+    ApplyOffset();
     pump_.SetOutput(output_, engine_, std::move(source));
     context_.Player().SetEngine(engine_);
     wake_.Set();
@@ -37,11 +62,15 @@ void Playback::Play() {
     context_.Player().SetState(kEngineStatePlaying);
 }
 
-// What is on its way to the listener stays where it is, in the device and in the hooks, and is heard later.
+// What is on its way to the listener stays where it is, in the device and in the hooks, and is heard later. What is
+// captured goes on without us; all that can be held is the picture.
 void Playback::Pause() {
     playing_ = false;
     pump_.SetRunning(false);
-    context_.Player().SetState(kEngineStatePaused);
+    if (capture_)
+        context_.Player().SetStateUntold(kEngineStatePaused);
+    else
+        context_.Player().SetState(kEngineStatePaused);
 }
 
 void Playback::SeekBy(double seconds) {
@@ -61,7 +90,6 @@ void Playback::Begin(Source source) {
         return wake_.Set();
     }
     output_ = OpenOutputFor(format);
-    if (!watched_) output_->SetLead(kHiddenLead);
     PutEngine(std::move(source));
 }
 
@@ -100,19 +128,42 @@ void Playback::SetVolume(int percent) {
 void Playback::SetWatched(bool watched) {
     if (watched == watched_) return;
     watched_ = watched;
-    output_->SetLead(watched ? kUsualLead : kHiddenLead);
-    engine_->SetVisualize(watched);
+    ApplyOffset();
+    ApplyVisibility();
+}
+
+void Playback::ApplyVisibility() {
+    engine_->SetVisualize(watched_ && !pump_.IsResting());
     context_.Player().RepeatState();
+}
+
+void Playback::SetOffsets(DeviceOffsets offsets) {
+    offsets_ = std::move(offsets);
+    ApplyOffset();
+}
+
+void Playback::SetOffset(int milliseconds) {
+    offsets_.Set(DeviceName(), milliseconds);
+    ApplyOffset();
+}
+
+// Pictures that come earlier need audio that much further ahead.
+void Playback::ApplyOffset() {
+    const int offset = Offset();
+    engine_->SetOffset(offset);
+    output_->SetLead(watched_ ? kUsualLead + std::max(-offset, 0) * kMillisecond : kHiddenLead);
+}
+
+double Playback::Played() {
+    return capture_ ? capture_->Elapsed() : pump_.Played();
 }
 
 void Playback::OnDeviceMoved() {
     PutEngine();
 }
 
-void Playback::OnDeviceLost() {
-    output_ = std::make_shared<SilentOutput>(pump_.Format());
-    if (!watched_) output_->SetLead(kHiddenLead);
-    PutEngine();
+void Playback::OnRestChanged() {
+    ApplyVisibility();
 }
 
 }  // namespace tdkplay

@@ -45,6 +45,10 @@ void PlayerObject::SetState(uint32_t state) {
     TellState(oldState, state);
 }
 
+void PlayerObject::SetStateUntold(uint32_t state) {
+    if (const ComPtr<Engine> engine = CurrentEngine()) engine->SetState(state);
+}
+
 void PlayerObject::RepeatState() {
     if (const ComPtr<Engine> engine = CurrentEngine()) TellState(engine->GetState(), engine->GetState());
 }

@@ -16,6 +16,9 @@ public:
     void SetEngine(ComPtr<Engine> engine);
     // Changes the state of the engine in place and tells all observers. [host]
     void SetState(uint32_t state);
+    // Changes the state of the engine in place and tells nobody: frames are drawn in state 3 alone, so out of it the
+    // last one stays, while a change that is told clears it. [host]
+    void SetStateUntold(uint32_t state);
     // Tells all observers the state that is in force, since something else that they look at has changed. [host]
     void RepeatState();
 

@@ -10,6 +10,15 @@ std::string TextOf(const SettingsKey& key, const char* name) {
     return value ? value->Text().value_or("") : "";
 }
 
+DeviceOffsets OffsetsOf(const SettingsKey& key) {
+    const std::string prefix = kOffsetValues;
+    DeviceOffsets offsets;
+    for (const StoredValue& value : key.Values())
+        if (const auto number = value.Number(); number && value.Name.starts_with(prefix))
+            offsets.Set(value.Name.substr(prefix.size()), static_cast<int>(*number));
+    return offsets;
+}
+
 }  // namespace
 
 PlayerSettings PlayerSettings::Load() {
@@ -24,6 +33,7 @@ PlayerSettings PlayerSettings::Load() {
     if (const auto flag = onTop ? onTop->Number() : std::nullopt) settings.OnTop = *flag != 0;
     settings.Plugin = TextOf(key, kPluginValue);
     settings.Device = TextOf(key, kDeviceValue);
+    settings.Offsets = OffsetsOf(key);
     return settings;
 }
 
@@ -34,6 +44,9 @@ void PlayerSettings::StoreChanges(const PlayerSettings& before) const {
     if (OnTop && OnTop != before.OnTop) key.SetNumber(kOnTopValue, *OnTop ? 1 : 0);
     if (Plugin != before.Plugin) key.SetText(kPluginValue, Plugin);
     if (Device != before.Device) key.SetText(kDeviceValue, Device);
+    for (const auto& [device, milliseconds] : Offsets.All())
+        if (!device.empty() && milliseconds != before.Offsets.Of(device))
+            key.SetNumber((kOffsetValues + device).c_str(), static_cast<uint32_t>(milliseconds));
 }
 
 }  // namespace tdkplay

@@ -4,17 +4,21 @@
 #include <optional>
 #include <string>
 
+#include "player/DeviceOffsets.h"
 #include "player/PictureSize.h"
 
 namespace tdkplay {
 
 // The key below HKEY_CURRENT_USER, and the values in it.
 inline constexpr char kPlayerKey[] = "Software\\Corvane\\Tunedeck\\1.0\\Player";
+
 inline constexpr char kSizeValue[] = "WindowSize";    // text, "640x480"
 inline constexpr char kVolumeValue[] = "Volume";      // number, 0 to 100
 inline constexpr char kPluginValue[] = "Plugin";      // text, the file's name
 inline constexpr char kDeviceValue[] = "Device";      // text, as the sound server names it
 inline constexpr char kOnTopValue[] = "AlwaysOnTop";  // number, 0 or 1
+// With a device's name behind it: a number, milliseconds, which may be below 0.
+inline constexpr char kOffsetValues[] = "Offset:";
 
 inline constexpr int kFullVolume = 100;  // percent
 
@@ -24,6 +28,7 @@ struct PlayerSettings {
     std::string Plugin;         // empty: none
     std::string Device;         // empty: the sound server's choice
     std::optional<bool> OnTop;  // the window stays above others
+    DeviceOffsets Offsets;
 
     // What is stored; a value that makes no sense counts as missing. Throws PlayerError with kNoSettings.
     static PlayerSettings Load();

@@ -17,7 +17,9 @@ constexpr int kMenuCorner = 16;  // pixels
 // What WM_CONTEXTMENU says instead of a place, and what is none of its places.
 constexpr LPARAM kFromKeyboard = -1;
 constexpr LPARAM kFromPointer = 0;
-constexpr int kClickReach = 4;  // pixels between the clicks of a double click
+constexpr int kClickReach = 4;        // pixels between the clicks of a double click
+constexpr int kOffsetStep = 10;       // milliseconds
+constexpr int kLargeOffsetStep = 50;  // with Shift
 
 void RegisterWindowClass(WNDPROC procedure) {
     WNDCLASSA windowClass = {};
@@ -28,6 +30,10 @@ void RegisterWindowClass(WNDPROC procedure) {
     windowClass.hbrBackground = static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH));
     windowClass.lpszClassName = kClassName;
     RegisterClassA(&windowClass);  // fails if it is registered already
+}
+
+int OffsetStep() {
+    return GetKeyState(VK_SHIFT) < 0 ? kLargeOffsetStep : kOffsetStep;
 }
 
 }  // namespace
@@ -167,6 +173,12 @@ bool PlayerWindow::OnKeyDown(WPARAM key) {
         case VK_OEM_MINUS:
         case VK_SUBTRACT:
             events_->OnVolumeKey(-1);
+            return true;
+        case VK_OEM_4:  // [
+            events_->OnOffsetKey(-OffsetStep());
+            return true;
+        case VK_OEM_6:  // ]
+            events_->OnOffsetKey(OffsetStep());
             return true;
         case 'S':
         case VK_F2:

@@ -31,6 +31,7 @@ public:
     virtual void OnTick() = 0;
     // The strip has come, gone or moved by itself.
     virtual void OnStripMoved() = 0;
+    virtual void OnOffsetKey(int milliseconds) = 0;  // relative
     // There is this much room for the picture now; not visible means minimised.
     virtual void OnSize(PictureSize size, bool visible) = 0;
     virtual void OnCloseRequest() = 0;

@@ -1,25 +1,24 @@
 #include "player/PulseOutput.h"
 
-#include "player/PulseSinks.h"
+#include "player/ExitCode.h"
+#include "player/PulseDevices.h"
 
 namespace tdkplay {
 namespace {
 
-constexpr char kClientName[] = "tdkplay";
 // The server asks for more whenever this part of the lead has been heard.
 constexpr double kRequestPart = 0.25;
 constexpr double kMicroseconds = 1e6;
 
-class LoopLock {
-public:
-    explicit LoopLock(pa_threaded_mainloop* loop) : loop_(loop) { pa_threaded_mainloop_lock(loop_); }
-    ~LoopLock() { pa_threaded_mainloop_unlock(loop_); }
-    LoopLock(const LoopLock&) = delete;
-    LoopLock& operator=(const LoopLock&) = delete;
-
-private:
-    pa_threaded_mainloop* loop_;
-};
+// The device to ask for, empty for the server's own choice.
+std::string ChooseDevice(const OutputRequest& request, const std::vector<PulseDevice>& devices) {
+    if (request.Device.empty()) return {};
+    const std::optional<PulseDevice> device = FindPulseDevice(devices, request.Device);
+    if (device && device->IsOutput) return request.Device;
+    if (!request.MustHaveDevice) return {};
+    throw PlayerError(ExitCode::kNoSound,
+                      "no sound device \"" + request.Device + "\"; there are: " + PulseDeviceNames(devices, false));
+}
 
 }  // namespace
 
@@ -32,44 +31,39 @@ std::unique_ptr<AudioOutput> PulseOutput::Open(const OutputRequest& request, con
 PulseOutput::PulseOutput(const PcmFormat& format, HANDLE wake) : format_(format), wake_(wake) {}
 
 PulseOutput::~PulseOutput() {
-    if (!mainLoop_) return;
-    pa_threaded_mainloop_stop(mainLoop_);
-    if (stream_) {
-        pa_stream_disconnect(stream_);
-        pa_stream_unref(stream_);
-    }
-    if (context_) {
-        pa_context_disconnect(context_);
-        pa_context_unref(context_);
-    }
-    pa_threaded_mainloop_free(mainLoop_);
+    if (connection_) connection_->Stop();
+    if (!stream_) return;
+    pa_stream_set_state_callback(stream_, nullptr, nullptr);
+    pa_stream_disconnect(stream_);
+    pa_stream_unref(stream_);
 }
 
 bool PulseOutput::Connect(const OutputRequest& request) {
-    mainLoop_ = pa_threaded_mainloop_new();
-    if (!mainLoop_ || pa_threaded_mainloop_start(mainLoop_) < 0) return false;
-    const LoopLock lock(mainLoop_);
-    if (!ConnectContext()) return false;
-    ready_ = ConnectStream(ChooseSink(mainLoop_, context_, request));
+    connection_ = PulseConnection::Open();
+    if (!connection_) return false;
+    const PulseConnection::Lock lock(*connection_);
+    const std::vector<PulseDevice> devices = ListPulseDevices(*connection_);
+    if (!ConnectStream(ChooseDevice(request, devices))) return false;
+    const std::optional<PulseDevice> usual = FindPulseDevice(devices, {});
+    Watch(request.Device, usual ? usual->Name : "");
+    ready_ = connection_->IsGood();
     return ready_;
 }
 
-bool PulseOutput::ConnectContext() {
-    context_ = pa_context_new(pa_threaded_mainloop_get_api(mainLoop_), kClientName);
-    if (!context_) return false;
-    pa_context_set_state_callback(context_, OnContextState, this);
-    if (pa_context_connect(context_, nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr) < 0) return false;
-    while (PA_CONTEXT_IS_GOOD(pa_context_get_state(context_))) {
-        if (pa_context_get_state(context_) == PA_CONTEXT_READY) return true;
-        pa_threaded_mainloop_wait(mainLoop_);
-    }
-    return false;
+void PulseOutput::Watch(const std::string& chosen, const std::string& defaultOutput) {
+    watch_.emplace(*connection_, chosen, defaultOutput,
+                   PulseDeviceWatch::Events{[this] { Fail(); },
+                                            [this, chosen](const std::string& former, const std::string& now) {
+                                                // One that the user has put somewhere else stays there.
+                                                if (CurrentDevice() == former && former != chosen) MoveTo(now);
+                                            },
+                                            [this, chosen] { MoveTo(chosen); }});
 }
 
 bool PulseOutput::ConnectStream(const std::string& device) {
     const pa_sample_spec spec = {PA_SAMPLE_S16NE, format_.Rate, static_cast<uint8_t>(format_.Channels)};
     if (!pa_sample_spec_valid(&spec)) return false;
-    stream_ = pa_stream_new(context_, "Music", &spec, nullptr);
+    stream_ = pa_stream_new(connection_->Context(), "Music", &spec, nullptr);
     if (!stream_) return false;
     pa_stream_set_state_callback(stream_, OnStreamState, this);
     pa_stream_set_write_callback(stream_, OnRoom, this);
@@ -82,7 +76,7 @@ bool PulseOutput::ConnectStream(const std::string& device) {
     if (pa_stream_connect_playback(stream_, sink, &buffering, flags, nullptr, nullptr) < 0) return false;
     while (PA_STREAM_IS_GOOD(pa_stream_get_state(stream_))) {
         if (pa_stream_get_state(stream_) == PA_STREAM_READY) return true;
-        pa_threaded_mainloop_wait(mainLoop_);
+        connection_->Wait();
     }
     return false;
 }
@@ -102,19 +96,35 @@ pa_buffer_attr PulseOutput::Buffering(double lead) const {
     return buffering;
 }
 
+std::string PulseOutput::DeviceName() {
+    const PulseConnection::Lock lock(*connection_);
+    return CurrentDevice();
+}
+
+std::string PulseOutput::CurrentDevice() const {
+    const char* const name = pa_stream_get_device_name(stream_);
+    return name ? name : "";
+}
+
+void PulseOutput::MoveTo(const std::string& device) {
+    if (CurrentDevice() == device) return;
+    PulseConnection::Forget(pa_context_move_sink_input_by_name(connection_->Context(), pa_stream_get_index(stream_),
+                                                               device.c_str(), nullptr, nullptr));
+}
+
 size_t PulseOutput::Room() {
-    const LoopLock lock(mainLoop_);
+    const PulseConnection::Lock lock(*connection_);
     const size_t bytes = pa_stream_writable_size(stream_);
     return bytes == static_cast<size_t>(-1) ? 0 : bytes / format_.FrameBytes();
 }
 
 void PulseOutput::Write(const int16_t* samples, size_t frames) {
-    const LoopLock lock(mainLoop_);
+    const PulseConnection::Lock lock(*connection_);
     pa_stream_write(stream_, samples, frames * format_.FrameBytes(), nullptr, 0, PA_SEEK_RELATIVE);
 }
 
 double PulseOutput::Latency() {
-    const LoopLock lock(mainLoop_);
+    const PulseConnection::Lock lock(*connection_);
     pa_usec_t latency = 0;
     int isNegative = 0;
     if (pa_stream_get_latency(stream_, &latency, &isNegative) < 0 || isNegative) return 0.0;
@@ -122,48 +132,37 @@ double PulseOutput::Latency() {
 }
 
 void PulseOutput::SetLead(double seconds) {
-    const LoopLock lock(mainLoop_);
+    const PulseConnection::Lock lock(*connection_);
     const pa_buffer_attr buffering = Buffering(seconds);
-    Forget(pa_stream_set_buffer_attr(stream_, &buffering, nullptr, nullptr));
+    PulseConnection::Forget(pa_stream_set_buffer_attr(stream_, &buffering, nullptr, nullptr));
 }
 
 void PulseOutput::SetPaused(bool paused) {
-    const LoopLock lock(mainLoop_);
-    Forget(pa_stream_cork(stream_, paused ? 1 : 0, nullptr, nullptr));
+    const PulseConnection::Lock lock(*connection_);
+    PulseConnection::Forget(pa_stream_cork(stream_, paused ? 1 : 0, nullptr, nullptr));
 }
 
 void PulseOutput::Flush() {
-    const LoopLock lock(mainLoop_);
+    const PulseConnection::Lock lock(*connection_);
     drained_ = false;
-    Forget(pa_stream_flush(stream_, nullptr, nullptr));
+    PulseConnection::Forget(pa_stream_flush(stream_, nullptr, nullptr));
 }
 
 void PulseOutput::BeginDrain() {
-    const LoopLock lock(mainLoop_);
+    const PulseConnection::Lock lock(*connection_);
     drained_ = false;
-    Forget(pa_stream_drain(stream_, OnDrained, this));
+    PulseConnection::Forget(pa_stream_drain(stream_, OnDrained, this));
 }
 
-void PulseOutput::Forget(pa_operation* operation) {
-    if (operation) pa_operation_unref(operation);
-}
-
-void PulseOutput::OnContextState(pa_context* context, void* self) {
-    auto* output = static_cast<PulseOutput*>(self);
-    if (!PA_CONTEXT_IS_GOOD(pa_context_get_state(context)) && output->ready_) {
-        output->failed_ = true;
-        SetEvent(output->wake_);
-    }
-    pa_threaded_mainloop_signal(output->mainLoop_, 0);
+void PulseOutput::Fail() {
+    failed_ = true;
+    SetEvent(wake_);
 }
 
 void PulseOutput::OnStreamState(pa_stream* stream, void* self) {
     auto* output = static_cast<PulseOutput*>(self);
-    if (!PA_STREAM_IS_GOOD(pa_stream_get_state(stream)) && output->ready_) {
-        output->failed_ = true;
-        SetEvent(output->wake_);
-    }
-    pa_threaded_mainloop_signal(output->mainLoop_, 0);
+    if (!PA_STREAM_IS_GOOD(pa_stream_get_state(stream)) && output->ready_) output->Fail();
+    output->connection_->Signal();
 }
 
 void PulseOutput::OnRoom(pa_stream*, size_t, void* self) {

@@ -2,16 +2,20 @@
 // measure, down to the loudspeaker.
 #pragma once
 
-#include <pulse/pulseaudio.h>
-
 #include <atomic>
+#include <memory>
+#include <optional>
+#include <string>
 
 #include "player/AudioOutput.h"
+#include "player/PulseDeviceWatch.h"
 
 namespace tdkplay {
 
 inline constexpr char kPulseName[] = "pulse";
 
+// Without a chosen device it goes where the default goes, and while the chosen one isn't there, too: the server moves
+// the stream, or this object asks it to.
 class PulseOutput final : public AudioOutput {
 public:
     // Null if there is no server, or it doesn't take the format. Never starts a server. Throws PlayerError with
@@ -20,6 +24,7 @@ public:
     ~PulseOutput() override;
 
     const char* Name() const override { return kPulseName; }
+    std::string DeviceName() override;
     size_t Room() override;
     uint32_t WaitForRoom() override { return INFINITE; }
     void Write(const int16_t* samples, size_t frames) override;
@@ -40,13 +45,14 @@ private:
 
     PulseOutput(const PcmFormat& format, HANDLE wake);
     bool Connect(const OutputRequest& request);
-    bool ConnectContext();
+    void Watch(const std::string& chosen, const std::string& defaultOutput);
     bool ConnectStream(const std::string& device);
     pa_buffer_attr Buffering(double lead) const;
-    // A reply is not waited for: the server carries requests out in order.
-    static void Forget(pa_operation* operation);
+    // With the lock held, as those below.
+    std::string CurrentDevice() const;
+    void MoveTo(const std::string& device);
+    void Fail();
 
-    static void OnContextState(pa_context* context, void* self);
     static void OnStreamState(pa_stream* stream, void* self);
     static void OnRoom(pa_stream* stream, size_t bytes, void* self);
     static void OnMoved(pa_stream* stream, void* self);
@@ -59,9 +65,9 @@ private:
     std::atomic<bool> moved_ = false;
     std::atomic<bool> drained_ = false;
 
-    // Used under the lock of the main loop, whose thread calls the functions above.
-    pa_threaded_mainloop* mainLoop_ = nullptr;
-    pa_context* context_ = nullptr;
+    // Used under the connection's lock, whose thread calls the functions above.
+    std::unique_ptr<PulseConnection> connection_;
+    std::optional<PulseDeviceWatch> watch_;
     pa_stream* stream_ = nullptr;
 };
 

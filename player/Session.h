@@ -15,18 +15,17 @@ namespace tdkplay {
 
 class Session {
 public:
-    // What the options leave open is as remembered. Throws PlayerError with kNoAddOn, kNoPlugins, kUnknownPlugin or
-    // kNoSound.
+    // What the options leave open is as remembered; a run that captures needs no decoder. Throws PlayerError with
+    // kNoAddOn, kNoPlugins, kUnknownPlugin or kNoSound.
     Session(const Options& options, std::unique_ptr<Decoder> decoder, const std::string& outputKind,
             const PlayerSettings& remembered = {})
         : addOn_(OwnFolder(), *context_),
           plugins_(ListPlugins(addOn_.Manager())),
           shownPlugins_(ChoosePlugins(options, remembered)),
-          playback_(
-              *context_, std::move(decoder),
-              {outputKind, options.Device.value_or(remembered.Device), options.Device && !options.Device->empty()},
-              options.Loop) {
+          playback_(MakePlayback(options, std::move(decoder), outputKind, remembered)) {
         playback_.SetVolume(options.Volume.value_or(remembered.Volume.value_or(kFullVolume)));
+        playback_.SetOffsets(remembered.Offsets);
+        if (options.Offset) playback_.SetOffset(*options.Offset);
         addOn_.Configure(options.Picture);
         addOn_.AnnounceTrack();
     }
@@ -46,6 +45,13 @@ private:
         for (const std::string& name : options.MorePlugins) chosen.push_back(FindPlugin(plugins_, name));
         FillUp(chosen, options.Views, plugins_.size());
         return chosen;
+    }
+    Playback MakePlayback(const Options& options, std::unique_ptr<Decoder> decoder, const std::string& outputKind,
+                          const PlayerSettings& remembered) {
+        if (options.Capture) return Playback(*context_, *options.Capture);
+        const bool mustHaveDevice = options.Device && !options.Device->empty();
+        return Playback(*context_, std::move(decoder),
+                        {outputKind, options.Device.value_or(remembered.Device), mustHaveDevice}, options.Loop);
     }
 
     const ComPtr<HostContext> context_ = MakeCom<HostContext>();

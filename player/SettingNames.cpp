@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdio>
+#include <string_view>
 
 #include "player/PlayerSettings.h"
 
@@ -38,6 +39,7 @@ constexpr SettingName kPlayerNames[] = {
     {kVolumeValue, "Volume", Count, " %"},
     {kPluginValue, "Plug-in", nullptr, ""},
     {kDeviceValue, "Sound device", nullptr, ""},
+    {kOffsetValues, "Pictures later than sound", Signed, " ms"},
 };
 
 constexpr SettingName kAddOnNames[] = {
@@ -70,6 +72,11 @@ std::span<const SettingName> PlayerSettingNames() {
 
 std::span<const SettingName> AddOnSettingNames() {
     return kAddOnNames;
+}
+
+bool IsNameOf(const SettingName& setting, const StoredValue& value) {
+    const std::string_view name = setting.Value;
+    return name.ends_with(':') ? value.Name.starts_with(name) : value.Name == name;
 }
 
 std::string Readable(const SettingName& setting, const StoredValue& value) {

@@ -9,7 +9,7 @@
 namespace tdkplay {
 
 struct SettingName {
-    const char* Value;  // in the registry
+    const char* Value;  // in the registry; with a colon at its end, how the names of several values begin
     const char* Name;
     std::string (*Read)(uint32_t number);  // null for a text
     const char* Unit;                      // as it follows the value
@@ -18,6 +18,8 @@ struct SettingName {
 // In the order in which they are best read.
 std::span<const SettingName> PlayerSettingNames();
 std::span<const SettingName> AddOnSettingNames();
+
+bool IsNameOf(const SettingName& setting, const StoredValue& value);
 
 // The stored value with its unit; as it is stored if it isn't of the right type.
 std::string Readable(const SettingName& setting, const StoredValue& value);

@@ -28,14 +28,8 @@ void PrintLine(const std::string& name, const std::string& registryName, const s
     std::printf("  %-30s %-22s %s\n", name.c_str(), registryName.c_str(), value.c_str());
 }
 
-const StoredValue* FindIn(const std::vector<StoredValue>& values, const char* name) {
-    const auto found =
-        std::find_if(values.begin(), values.end(), [name](const StoredValue& value) { return value.Name == name; });
-    return found == values.end() ? nullptr : &*found;
-}
-
-bool IsIn(std::span<const SettingName> names, const std::string& value) {
-    return std::any_of(names.begin(), names.end(), [&value](const SettingName& name) { return name.Value == value; });
+bool IsIn(std::span<const SettingName> names, const StoredValue& value) {
+    return std::any_of(names.begin(), names.end(), [&value](const SettingName& name) { return IsNameOf(name, value); });
 }
 
 // The values that have a name, in the names' order, then the others. Gives the number of lines.
@@ -44,10 +38,10 @@ int PrintValues(const char* heading, const char* path, std::span<const SettingNa
     if (values.empty()) return 0;
     PrintHeading(heading, path);
     for (const SettingName& name : names)
-        if (const StoredValue* const value = FindIn(values, name.Value))
-            PrintLine(name.Name, name.Value, Readable(name, *value));
+        for (const StoredValue& value : values)
+            if (IsNameOf(name, value)) PrintLine(name.Name, value.Name, Readable(name, value));
     for (const StoredValue& value : values)
-        if (!IsIn(names, value.Name)) PrintLine("", value.Name, Readable(value));
+        if (!IsIn(names, value)) PrintLine("", value.Name, Readable(value));
     return static_cast<int>(values.size());
 }
 
@@ -55,8 +49,8 @@ void PrintPlugin(const std::string& file) {
     const std::vector<StoredValue> values = SettingsKey::OpenToRead(kAddOnKey + ("\\" + file)).Values();
     std::printf("  %s%s\n", file.c_str(), values.empty() ? ": not described" : "");
     for (const SettingName& name : kCacheNames)
-        if (const StoredValue* const value = FindIn(values, name.Value))
-            PrintLine(std::string("  ") + name.Name, name.Value, Readable(name, *value));
+        for (const StoredValue& value : values)
+            if (IsNameOf(name, value)) PrintLine(std::string("  ") + name.Name, name.Value, Readable(name, value));
 }
 
 int PrintPlugins() {

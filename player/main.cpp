@@ -12,6 +12,7 @@
 #include <optional>
 
 #include "player/DemoPiece.h"
+#include "player/DeviceList.h"
 #include "player/ExitCode.h"
 #include "player/Interrupt.h"
 #include "player/Jukebox.h"
@@ -45,7 +46,8 @@ enum class Mode {
 Mode ChooseMode(const Options& options) {
     if (options.Headless) return options.Snapshots.empty() ? Mode::kInvisible : Mode::kSnapshots;
     if (std::strcmp(TdkpDisplayName(), "x11") == 0) return Mode::kWindow;
-    if (options.Window) throw PlayerError(ExitCode::kNoDisplay, "there is no display to show a window on");
+    if (options.Window || options.Capture)
+        throw PlayerError(ExitCode::kNoDisplay, "there is no display to show a window on");
     return options.Snapshots.empty() ? Mode::kAllPictures : Mode::kSnapshots;
 }
 
@@ -113,6 +115,7 @@ void Run(const Options& options) {
     if (!options.MakeDemo.empty()) return WriteDemoPiece(options.MakeDemo);
     const PluginFolders pluginFolders(options.NamedPlugins());
     if (options.List) return List();
+    if (options.Devices) return PrintDevices();
     if (options.PrintSettings) return PrintStoredSettings();
     if (options.ResetSettings) return ResetStoredSettings();
 
@@ -120,8 +123,9 @@ void Run(const Options& options) {
     if ((!options.Render.empty() || !options.Sheet.empty()) && jukebox.Size() > 1)
         throw PlayerError(ExitCode::kUsage, std::string(options.Render.empty() ? "--sheet" : "--render") +
                                                 " takes one piece, not " + std::to_string(jukebox.Size()));
-    std::unique_ptr<Decoder> decoder = jukebox.OpenFirst();
-    RequireSnapshotsWithin(options, *decoder);
+    std::unique_ptr<Decoder> decoder;
+    if (!options.Capture) decoder = jukebox.OpenFirst();
+    if (decoder) RequireSnapshotsWithin(options, *decoder);
     Interrupt interrupt;
     if (!options.Render.empty()) return RenderRun::Render(options, jukebox.Heard().Path, std::move(decoder), interrupt);
     if (!options.Sheet.empty()) return DrawSheet(options, jukebox.Heard().Title, std::move(decoder), interrupt);

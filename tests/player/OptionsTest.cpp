@@ -50,6 +50,14 @@ TEST(Options, SwitchesStandAloneOrTakeAValue) {
     EXPECT_EQ(Parse({"--randomize", "Off", "a.wav"})->Picture.Randomize, false);
 }
 
+TEST(Options, CaptureWhatIsNamedOrTheDefault) {
+    EXPECT_FALSE(Parse({})->Capture);
+    EXPECT_EQ(Parse({"--capture"})->Capture, "");
+    EXPECT_EQ(Parse({"--capture", "default"})->Capture, "");
+    EXPECT_EQ(Parse({"--capture", "headset", "--offset", "-500"})->Capture, "headset");
+    EXPECT_EQ(Parse({"--offset", "-500"})->Offset, -500);
+}
+
 TEST(Options, RefuseWhatMakesNoSenseInOneLine) {
     const char* const cases[] = {"--nonsense",
                                  "--fps 9",
@@ -74,6 +82,14 @@ TEST(Options, RefuseWhatMakesNoSenseInOneLine) {
                                  "--volume -1",
                                  "--device a --no-audio",
                                  "--settings --reset-settings",
+                                 "a.wav --capture",
+                                 "--capture one two",
+                                 "--capture --render a.mp4",
+                                 "--capture --snapshot a.png --at 1",
+                                 "--capture --device a",
+                                 "--offset 2001",
+                                 "--offset -501",
+                                 "--render a.mp4 --offset 5",
                                  "--render a.avi",
                                  "--render a.mp4 --loop",
                                  "--render a.mp4 --snapshot a.png --at 1",

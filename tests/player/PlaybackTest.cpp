@@ -206,6 +206,25 @@ TEST_F(PlaybackTest, TheVolumeIsForTheListenerAlone) {
         ASSERT_EQ(hook_->FirstFrames[i] - hook_->FirstFrames[i - 1], hook_->Format.BlockSize / kFormat.FrameBytes());
 }
 
+TEST_F(PlaybackTest, AnOffsetShiftsThePicturesAtOnceAsFarAsThereIsAudio) {
+    Load(20.0);
+    playback_->Play();
+    PlayFor(500);
+    // Before the first pictures that come earlier, that much more has to be ahead.
+    for (const int offset : {300, 1000, -200, 0}) {
+        playback_->SetOffset(offset);
+        for (int step = 0; step < 5; ++step, now_ += 50) {
+            TdkpAdvanceClock(50);
+            DeliverAhead();
+        }
+        shift_ = -offset;
+        PlayFor(500);
+    }
+    playback_->SetOffset(5000);
+    EXPECT_EQ(playback_->Offset(), kLargestOffset);
+    EXPECT_EQ(hook_->Formats, 1) << "the ring is long enough from the start";
+}
+
 TEST(Gain, GoesWithoutAStepToWhatWasAskedFor) {
     std::vector<int16_t> samples(2 * 1000);
     const auto apply = [&samples](Gain& gain) {
@@ -306,16 +325,17 @@ TEST_F(PlaybackTest, LoopBeginsAgain) {
     EXPECT_EQ(std::count(block->FirstFrames.begin(), block->FirstFrames.end(), 0u), 5);
 }
 
-TEST_F(PlaybackTest, ALostDeviceIsAnotherEngineThatGoesOnPlaying) {
+TEST_F(PlaybackTest, AnotherDeviceIsAnotherEngineThatGoesOnPlaying) {
     Load(10.0);
     playback_->Play();
     PlayFor(500);
     IUnknown* const before = context_->Player().GetPlaybackEngine();
-    playback_->OnDeviceLost();
+    playback_->OnDeviceMoved();
     auto* const after = static_cast<ITKPlaybackEngine*>(context_->Player().GetPlaybackEngine());
     EXPECT_NE(before, after);
     EXPECT_EQ(after->GetState(), kEngineStatePlaying);
     const size_t delivered = hook_->FirstFrames.size();
+    TdkpAdvanceClock(50);
     EXPECT_EQ(DeliverAhead(), AudioPump::State::kFull);
     EXPECT_GT(hook_->FirstFrames.size(), delivered);
     EXPECT_EQ(hook_->Formats, 2) << "for the new engine's delay";

@@ -49,6 +49,16 @@ TEST(Engine, TellsItsDelaysInWholeMilliseconds) {
     EXPECT_NE(engine->QueryEngineFlag(kEngineFlagVisualize), 0u);
     EXPECT_EQ(engine->QueryEngineFlag(99), 0u);
 
+    const auto late = MakeCom<Engine>(0.2, 0.012);
+    const std::tuple<double, int, uint32_t> shifted[] = {{0.1, 50, 150},  {0.1, -50, 50}, {0.1, -99, 12},
+                                                         {-0.04, 70, 30}, {-0.04, 0, 12}, {0.1, 500, 200}};
+    for (const auto& [seconds, offset, expected] : shifted) {
+        late->SetDelay(seconds);
+        late->SetOffset(offset);
+        late->GetCurrentDelay(&milliseconds);
+        EXPECT_EQ(milliseconds, expected) << seconds << " and " << offset;
+    }
+
     ComPtr<IKVAValues> preferences;
     ComPtr<IKVABuffer> text;
     ASSERT_EQ(engine->GetPreferences(preferences.Receive()), S_OK);
