@@ -97,7 +97,7 @@ void LiveRun::Serve() {
     FollowPlugins();
     FollowPieces();
     ServeMoments();
-    if (note_.Pass()) ShowState();
+    if (note_.Pass()) ShowNote();
     if (UntilProgress() == 0) ShowProgress();
     if (interrupt_.IsRequested()) done_ = true;
     if (done_) EndMenu();
@@ -200,6 +200,11 @@ void LiveRun::OnOffsetKey(int milliseconds) {
     sound.SetOffset(sound.Offset() + milliseconds);
     keeper_.Note(&PlayerSettings::Offsets, sound.Offsets());
     note_.Show(OffsetText(sound.Offset()));
+    ShowNote();
+}
+
+void LiveRun::ShowNote() {
+    if (strip_) strip_->SetNotice(note_.Text());
     ShowState();
 }
 

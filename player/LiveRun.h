@@ -72,6 +72,7 @@ private:
     std::string Heard() const;
     std::string StateText();
     void ShowState();
+    void ShowNote();
     // The strip alone, whose time runs.
     void ShowProgress();
     DWORD UntilProgress() const;

@@ -67,9 +67,8 @@ void LiveRun::ShowProgress() {
     progressShownAt_ = GetTickCount();
     if (!strip_ || !strip_->IsShown()) return;
     const HeardPlace place = session_.Sound().Pump().Where();
-    const std::string& detail = note_.Text().empty() ? view_->Plugin().Name : note_.Text();
-    strip_->SetState(
-        {Heard(), detail, session_.Sound().IsPlaying(), session_.Sound().Volume(), place.Position, place.Length});
+    strip_->SetState({Heard(), view_->Plugin().Name, session_.Sound().IsPlaying(), session_.Sound().Volume(),
+                      place.Position, place.Length});
 }
 
 // Only a strip that is seen, and shows a time that runs, costs anything.
