@@ -36,6 +36,14 @@ std::unique_ptr<AudioOutput> OpenFirst(const OutputRequest& request, const PcmFo
     return nullptr;
 }
 
+std::unique_ptr<AudioOutput> MakeSteady(std::unique_ptr<AudioOutput> first, OutputRequest request,
+                                        const PcmFormat& format, HANDLE wake) {
+    if (request.Kind == kSilentName) return first;
+    request.MustHaveDevice = false;
+    return std::make_unique<SteadyOutput>(
+        std::move(first), [=] { return OpenFirst(request, format, wake, true); }, format, wake);
+}
+
 }  // namespace
 
 std::vector<std::string> OutputNames() {
@@ -49,11 +57,14 @@ std::unique_ptr<AudioOutput> OpenOutput(const OutputRequest& request, const PcmF
     if (!first && request.MustHaveDevice)
         throw PlayerError(ExitCode::kNoSound, "there is no sound server for the device \"" + request.Device + "\"");
     if (!first) throw PlayerError(ExitCode::kNoSound, "the sound output \"" + request.Kind + "\" doesn't open");
-    if (request.Kind == kSilentName) return first;
-    OutputRequest again = request;
-    again.MustHaveDevice = false;
-    return std::make_unique<SteadyOutput>(
-        std::move(first), [=] { return OpenFirst(again, format, wake, true); }, format, wake);
+    return MakeSteady(std::move(first), request, format, wake);
+}
+
+std::unique_ptr<AudioOutput> ReopenOutput(OutputRequest request, const PcmFormat& format, HANDLE wake) {
+    request.MustHaveDevice = false;
+    std::unique_ptr<AudioOutput> first = OpenFirst(request, format, wake, false);
+    if (!first) first = OpenSilent(request, format, wake);
+    return MakeSteady(std::move(first), request, format, wake);
 }
 
 }  // namespace tdkplay

@@ -70,5 +70,7 @@ std::vector<std::string> OutputNames();
 // the output sets when there is room again or something has happened to the device; it must outlive the output. Throws
 // PlayerError with kNoSound if what was asked for doesn't open.
 std::unique_ptr<AudioOutput> OpenOutput(const OutputRequest& request, const PcmFormat& format, HANDLE wake);
+// The same in the middle of a run, where nothing must fail: what doesn't open plays in silence until it does.
+std::unique_ptr<AudioOutput> ReopenOutput(OutputRequest request, const PcmFormat& format, HANDLE wake);
 
 }  // namespace tdkplay

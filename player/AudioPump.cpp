@@ -17,7 +17,8 @@ size_t BlockFrames(const PcmFormat& format) {
 
 }  // namespace
 
-AudioPump::AudioPump(std::unique_ptr<Decoder> decoder, AudioHooks& hooks, bool loop) : hooks_(hooks), loop_(loop) {
+AudioPump::AudioPump(std::unique_ptr<Decoder> decoder, AudioHooks& hooks, bool repeats)
+    : hooks_(hooks), repeats_(repeats) {
     Take({std::move(decoder), 0});
 }
 
@@ -63,6 +64,11 @@ void AudioPump::Take(Source source) {
 void AudioPump::SetNext(Source source) {
     const std::lock_guard lock(mutex_);
     next_ = std::move(source);
+}
+
+void AudioPump::SetRepeats(bool repeats) {
+    const std::lock_guard lock(mutex_);
+    repeats_ = repeats;
 }
 
 bool AudioPump::HasNext() {
@@ -119,7 +125,7 @@ void AudioPump::ForgetAhead() {
 }
 
 uint64_t AudioPump::AheadFrames() const {
-    return static_cast<uint64_t>(std::min(output_->Latency() * format_.Rate, static_cast<double>(delivered_)));
+    return static_cast<uint64_t>(std::clamp(output_->Latency() * format_.Rate, 0.0, static_cast<double>(delivered_)));
 }
 
 void AudioPump::Close() {
@@ -195,9 +201,11 @@ bool AudioPump::GoOn(size_t framesOfBlock) {
         if (next_.Audio->Format() != format_) return false;
         source_ = std::exchange(next_, {});
         hasBegunNext_ = true;
-    } else if (!loop_ || pieceFrames_ == 0 || !source_.Audio->Seek(0)) {
+    } else if (const bool isEmpty = pieceFrames_ == 0 && timeline_.Newest().From == 0;
+               !repeats_ || isEmpty || !source_.Audio->Seek(0)) {
         return false;
     }
+    timeline_.Reach(HeardFrame());
     timeline_.Add({delivered_ + framesOfBlock, 0, source_.Piece, source_.Audio->TotalFrames()});
     pieceFrames_ = 0;
     atEnd_ = false;

@@ -58,8 +58,8 @@ public:
         uint32_t Wait;  // milliseconds after which another step makes sense, INFINITE: when woken
     };
 
-    // `loop` begins a piece again that no other one follows.
-    AudioPump(std::unique_ptr<Decoder> decoder, AudioHooks& hooks, bool loop);
+    // `repeats` begins a piece again that no other one follows.
+    AudioPump(std::unique_ptr<Decoder> decoder, AudioHooks& hooks, bool repeats);
 
     PcmFormat Format();
     // Whether the output plays or not is kept. The hooks hear of the format again, for the engine's delay. With a
@@ -70,6 +70,7 @@ public:
     // The piece that follows this one without a gap, if it has the same format; else it waits for TakeNext.
     void SetNext(Source source);
     bool HasNext();
+    void SetRepeats(bool repeats);
     Source TakeNext();
     void SetRunning(bool running);
     // Percent. For the listener alone: the hooks get the full level.
@@ -103,9 +104,9 @@ private:
     double PlayedSeconds() const;
 
     AudioHooks& hooks_;
-    const bool loop_;
 
     std::mutex mutex_;  // guards what follows, and keeps calls to the hooks in order
+    bool repeats_;
     Source source_;
     Source next_;
     PcmFormat format_;

@@ -41,7 +41,7 @@ Capture::Capture(const std::string& device, HANDLE wake)
       stream_(PulseCapture::Open({device, !device.empty()}, kFormat, wake)),
       usualPiece_(kBlockSeconds),
       piece_(kBlockSeconds) {
-    if (!stream_) throw PlayerError(ExitCode::kNoSound, "there is no sound server to capture from");
+    if (!stream_) throw PlayerError(ExitCode::kNoSound, "there is no sound server, or nothing to capture on it");
 }
 
 void Capture::Fetch() {

@@ -101,13 +101,16 @@ void Jukebox::Supply(Playback& sound) {
     if (sound.Pump().HasNext()) return;
     const size_t last = given_.back();
     const std::optional<size_t> next = list_.After(last);
-    if (!next || *next == last) return;
-    if (Source source = Open(next, 1); source.Audio) sound.SetNext(std::move(source));
+    Source source;
+    if (next && *next != last) source = Open(next, 1);
+    sound.Pump().SetRepeats(order_.Loop && !source.Audio);
+    if (source.Audio) sound.SetNext(std::move(source));
 }
 
+// The audio thread may take what was supplied before GoOn does.
 bool Jukebox::OnEnd(Playback& sound) {
     Supply(sound);
-    return !sound.Pump().HasEnded() || sound.GoOn();
+    return !sound.Pump().HasEnded() || sound.GoOn() || !sound.Pump().HasEnded();
 }
 
 }  // namespace tdkplay

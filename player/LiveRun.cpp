@@ -57,6 +57,7 @@ LiveRun::LiveRun(const Options& options, Session& session, Jukebox& jukebox, Int
     keeper_.Note(&PlayerSettings::Volume, std::optional(session.Sound().Volume()));
     keeper_.Note(&PlayerSettings::Offsets, session.Sound().Offsets());
     NoteSize(size);
+    if (!PlaysPieces()) DragAcceptFiles(window_.Handle(), FALSE);
     session.Manager().AddListReceiver(pluginWatch_.Get());
     interrupt_.Report(&news_);
     stands_ = true;

@@ -103,6 +103,7 @@ private:
     int looksLeft_ = 1;   // at the plug-ins; the first one is for what came before the watch
     DWORD lookedAt_ = 0;  // by GetTickCount
     bool isHidden_ = false;
+    bool isMenuOpen_ = false;
     bool pieceChanges_ = true;   // another piece is on its way to the listener, or may be
     DWORD progressShownAt_ = 0;  // by GetTickCount
     PassingNote note_;

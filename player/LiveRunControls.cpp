@@ -73,19 +73,22 @@ void LiveRun::ShowProgress() {
 
 // Only a strip that is seen, and shows a time that runs, costs anything.
 DWORD LiveRun::UntilProgress() const {
-    if (!strip_ || !strip_->IsShown() || isHidden_ || !session_.Sound().IsPlaying()) return INFINITE;
+    if (!strip_ || !strip_->IsShown() || isHidden_ || !session_.Sound().IsPlaying() || session_.Sound().IsResting())
+        return INFINITE;
     return kProgressInterval - std::min(GetTickCount() - progressShownAt_, kProgressInterval);
 }
 
 // The menu has a message loop of its own, in which the music goes on by the timer. A run for pictures has no menu: its
 // errors could not get through that loop.
 void LiveRun::OnMenu(POINT place) {
-    if (!strip_) return;
+    if (!strip_ || isMenuOpen_) return;
+    isMenuOpen_ = true;
     view_->TurnToMouse();
     const std::vector<PluginInfo> plugins = view_->Plugins();
     SetTimer(window_.Handle(), PlayerWindow::kTickTimer, kMenuInterval, nullptr);
     const MenuChoice choice = ShowPlayerMenu(window_.Handle(), place, MenuNow());
     KillTimer(window_.Handle(), PlayerWindow::kTickTimer);
+    isMenuOpen_ = false;
     if (!done_) Choose(choice, plugins);
 }
 

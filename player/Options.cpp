@@ -34,7 +34,7 @@ constexpr char kFooter[] =
     "Exit codes: 0 done, 2 usage, 3 file can't be read, 4 unknown format, 5 unknown plug-in, 6 no plug-ins,\n"
     "7 no display, 8 add-on can't be loaded, 9 picture can't be written, 10 sound output doesn't open,\n"
     "11 stored settings can't be read or cleared, 12 no ffmpeg, 13 ffmpeg failed,\n"
-    "20 a checked plug-in has faults, 130 rendering interrupted.";
+    "20 a checked plug-in has faults, 130 interrupted.";
 // The name that stands for the sound server's own choice.
 constexpr char kDefaultDevice[] = "default";
 

@@ -6,8 +6,6 @@
 #include <utility>
 
 #include "player/CaptureDecoder.h"
-#include "player/ExitCode.h"
-#include "player/SilentOutput.h"
 
 namespace tdkplay {
 namespace {
@@ -43,9 +41,10 @@ Playback::~Playback() {
 }
 
 void Playback::PutEngine(Source source) {
+    const PcmFormat format = source.Audio ? source.Audio->Format() : pump_.Format();
     // The delay is measured from the end of a delivery, which comes on top of what the device holds.
     engine_ = MakeCom<Engine>(output_->LargestLatency() + kBlockSeconds + kLargestOffset * kMillisecond,
-                              SmallestDelay(pump_.Format()));
+                              SmallestDelay(format));
     if (playing_) engine_->SetState(kEngineStatePlaying);
     engine_->SetVisualize(watched_ && !pump_.IsResting());
     ApplyOffset();
@@ -89,16 +88,8 @@ void Playback::Begin(Source source) {
         pump_.Begin(std::move(source));
         return wake_.Set();
     }
-    output_ = OpenOutputFor(format);
+    output_ = ReopenOutput(request_, format, wake_.Handle());
     PutEngine(std::move(source));
-}
-
-std::shared_ptr<AudioOutput> Playback::OpenOutputFor(const PcmFormat& format) const {
-    try {
-        return OpenOutput(request_, format, wake_.Handle());
-    } catch (const PlayerError&) {
-        return std::make_shared<SilentOutput>(format);
-    }
 }
 
 void Playback::SetNext(Source source) {
@@ -134,7 +125,8 @@ void Playback::SetWatched(bool watched) {
 
 void Playback::ApplyVisibility() {
     engine_->SetVisualize(watched_ && !pump_.IsResting());
-    context_.Player().RepeatState();
+    // Told that it stands still, the add-on would clear a picture that is held.
+    if (playing_) context_.Player().RepeatState();
 }
 
 void Playback::SetOffsets(DeviceOffsets offsets) {

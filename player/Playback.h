@@ -69,7 +69,6 @@ private:
     void PutEngine(Source source = {});
     void ApplyOffset();
     void ApplyVisibility();
-    std::shared_ptr<AudioOutput> OpenOutputFor(const PcmFormat& format) const;
 
     HostContext& context_;
     const OutputRequest request_;

@@ -42,8 +42,8 @@ bool LiesBelow(const fs::path& path, const fs::path& folder) {
 }
 
 // Where plug-ins lie elsewhere than beside the player, by the name of the link to it.
-std::map<std::string, fs::path> OtherPlaces(const fs::path& shared, const std::vector<std::string>& plugins) {
-    std::map<std::string, fs::path> places;
+std::map<fs::path, fs::path> OtherPlaces(const fs::path& shared, const std::vector<std::string>& plugins) {
+    std::map<fs::path, fs::path> places;
     std::error_code error;
     const fs::path own = fs::canonical(UsersPluginFolder(), error);
     const bool hasOwn = !error && fs::is_directory(own, error) && !LiesBelow(own, shared);
@@ -52,7 +52,8 @@ std::map<std::string, fs::path> OtherPlaces(const fs::path& shared, const std::v
         if (!plugin.has_parent_path() || !fs::is_regular_file(plugin, error)) continue;
         const fs::path file = fs::canonical(plugin, error);
         const bool isListed = error || LiesBelow(file, shared) || (hasOwn && LiesBelow(file, own));
-        if (!isListed) places[plugin.filename()] = file;
+        // In a folder of its own: others may have the same name.
+        if (!isListed) places[fs::path(std::to_string(places.size())) / plugin.filename()] = file;
     }
     return places;
 }
@@ -61,7 +62,7 @@ std::map<std::string, fs::path> OtherPlaces(const fs::path& shared, const std::v
 
 PluginFolders::PluginFolders(const std::vector<std::string>& plugins) {
     const fs::path shared = fs::path(OwnFolder()) / kPluginFolder;
-    std::map<std::string, fs::path> places = OtherPlaces(shared, plugins);
+    std::map<fs::path, fs::path> places = OtherPlaces(shared, plugins);
     if (places.empty()) return;
     std::error_code error;
     const auto own = places.find(kOwnPlace);
@@ -71,7 +72,10 @@ PluginFolders::PluginFolders(const std::vector<std::string>& plugins) {
         program_.emplace();
         const fs::path folder = program_->File(kPluginFolder);
         fs::create_directory(folder);
-        for (const auto& [name, place] : places) fs::create_symlink(place, folder / name);
+        for (const auto& [name, place] : places) {
+            fs::create_directories((folder / name).parent_path());
+            fs::create_symlink(place, folder / name);
+        }
     } catch (const std::exception& failure) {
         std::fprintf(stderr, "tdkplay: only the plug-ins beside the player can be shown: %s\n", failure.what());
         program_.reset();

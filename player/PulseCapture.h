@@ -24,7 +24,7 @@ struct CaptureRequest {
 // Any thread may call anything.
 class PulseCapture {
 public:
-    // Records from now on. Null if there is no server, nothing to capture, or the server doesn't take the format.
+    // Begins paused. Null if there is no server, nothing to capture, or the server doesn't take the format.
     // Throws PlayerError with kNoSound if the server hasn't the device that it must have. `wake` is set when audio
     // comes or something has happened to the device, and outlives this object.
     static std::unique_ptr<PulseCapture> Open(const CaptureRequest& request, const PcmFormat& format, HANDLE wake);

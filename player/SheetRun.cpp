@@ -1,5 +1,6 @@
 #include "player/SheetRun.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>

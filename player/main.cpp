@@ -55,6 +55,12 @@ double Seconds(const Decoder& decoder) {
     return static_cast<double>(decoder.TotalFrames()) / decoder.Format().Rate;
 }
 
+void RequireOnePiece(const char* option, const Jukebox& jukebox) {
+    if (jukebox.Size() == 1) return;
+    throw PlayerError(ExitCode::kUsage,
+                      std::string(option) + " takes one piece, not " + std::to_string(jukebox.Size()));
+}
+
 void RequireSnapshotsWithin(const Options& options, const Decoder& decoder) {
     if (options.Snapshots.empty() || options.Loop || decoder.TotalFrames() == 0) return;
     if (options.Snapshots.back().At <= Seconds(decoder)) return;
@@ -64,7 +70,9 @@ void RequireSnapshotsWithin(const Options& options, const Decoder& decoder) {
     throw PlayerError(ExitCode::kUsage, message.data());
 }
 
-void List() {
+void List(const Options& options) {
+    const Interrupt interrupt;
+    const PluginFolders pluginFolders(options.NamedPlugins());
     const auto context = MakeCom<HostContext>();
     AddOn addOn(OwnFolder(), *context);
     const std::vector<PluginInfo> plugins = ListPlugins(addOn.Manager());
@@ -113,20 +121,19 @@ void TakeAllPictures(const Options& options, std::unique_ptr<Decoder> decoder, I
 
 void Run(const Options& options) {
     if (!options.MakeDemo.empty()) return WriteDemoPiece(options.MakeDemo);
-    const PluginFolders pluginFolders(options.NamedPlugins());
-    if (options.List) return List();
+    if (options.List) return List(options);
     if (options.Devices) return PrintDevices();
     if (options.PrintSettings) return PrintStoredSettings();
     if (options.ResetSettings) return ResetStoredSettings();
 
     Jukebox jukebox(options.Files, {options.Shuffle, options.Loop});
-    if ((!options.Render.empty() || !options.Sheet.empty()) && jukebox.Size() > 1)
-        throw PlayerError(ExitCode::kUsage, std::string(options.Render.empty() ? "--sheet" : "--render") +
-                                                " takes one piece, not " + std::to_string(jukebox.Size()));
+    if (!options.Render.empty()) RequireOnePiece("--render", jukebox);
+    if (!options.Sheet.empty()) RequireOnePiece("--sheet", jukebox);
     std::unique_ptr<Decoder> decoder;
     if (!options.Capture) decoder = jukebox.OpenFirst();
-    if (decoder) RequireSnapshotsWithin(options, *decoder);
+    if (decoder && jukebox.Size() == 1) RequireSnapshotsWithin(options, *decoder);
     Interrupt interrupt;
+    const PluginFolders pluginFolders(options.NamedPlugins());
     if (!options.Render.empty()) return RenderRun::Render(options, jukebox.Heard().Path, std::move(decoder), interrupt);
     if (!options.Sheet.empty()) return DrawSheet(options, jukebox.Heard().Title, std::move(decoder), interrupt);
     const Mode mode = ChooseMode(options);
@@ -140,6 +147,7 @@ void Run(const Options& options) {
             TdkpUseMemoryDisplay(options.SizeOrUsual().Width, options.SizeOrUsual().Height, kColourDepth);
             return PlayLive(options, jukebox, std::move(decoder), interrupt);
         case Mode::kSnapshots:
+            RequireOnePiece("--snapshot", jukebox);
             return TakeSnapshots(options, std::move(decoder), interrupt);
         case Mode::kAllPictures:
             return TakeAllPictures(options, std::move(decoder), interrupt);

@@ -47,6 +47,9 @@ bool MenuTracker::Take(const MSG& message) {
         case WM_KEYDOWN:
         case WM_SYSKEYDOWN:
             return OnKey(message.wParam);
+        case WM_KEYUP:
+        case WM_SYSKEYUP:
+            return OnKeyUp(message.wParam), true;
         case WM_CHAR:
             return OnCharacter(message.wParam), true;
         case WM_TIMER:
@@ -120,12 +123,23 @@ bool MenuTracker::OnKey(WPARAM key) {
         case VK_ESCAPE:
             return OnEscape(), true;
         case VK_MENU:
-        case VK_F10:
-        case VK_APPS:
             return End(), true;
+        case VK_F10:
+            if (mayCloseByF10_) End();
+            return true;
+        case VK_APPS:
+            appsIsDown_ = true;
+            return true;
         default:
             return false;  // a character comes of it
     }
+}
+
+// The release of the menu key would open the next menu, so it is what closes this one. The F10 that opened it may be
+// held.
+void MenuTracker::OnKeyUp(WPARAM key) {
+    if (key == VK_F10) mayCloseByF10_ = true;
+    if (key == VK_APPS && appsIsDown_) End();
 }
 
 // Only one menu goes.
@@ -144,7 +158,7 @@ void MenuTracker::OnCharacter(WPARAM character) {
     int first = -1;
     int matches = 0;
     for (int step = 1; step <= count; ++step) {
-        const int index = (std::max(open.selected, -1) + step) % count;
+        const int index = (open.selected + step) % count;
         const MenuItem& item = open.items[static_cast<size_t>(index)];
         if (item.Separates() || KeyOf(item) != key) continue;
         if (matches++ == 0) first = index;

@@ -55,6 +55,7 @@ private:
     void OnPress(POINT screen);
     void OnRelease(POINT screen, bool chooses);
     bool OnKey(WPARAM key);
+    void OnKeyUp(WPARAM key);
     void OnCharacter(WPARAM character);
     void OnEscape();
     void OnTimer(WPARAM timer);
@@ -71,6 +72,8 @@ private:
     POINT lastPoint_ = {0, 0};
     bool armed_ = false;           // the mouse was moved or pressed, so that a release chooses
     bool pressedOutside_ = false;  // the menu goes when that button is released, which nobody else is told
+    bool mayCloseByF10_ = GetKeyState(VK_F10) >= 0;
+    bool appsIsDown_ = false;
     bool ended_ = false;
     UINT chosen_ = 0;
 };

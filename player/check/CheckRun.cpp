@@ -34,6 +34,7 @@ std::string EarlyEnd(const ChildEnd& end) {
     const std::string words = end.LastWords.empty() ? "" : ": " + end.LastWords;
     switch (end.Way) {
         case ChildEnd::How::kHang:
+            if (end.Call.empty()) return "hangs outside of all calls";
             return "hangs: " + end.Call + " hasn't come back after " + std::to_string(static_cast<int>(kPatience)) +
                    " seconds";
         case ChildEnd::How::kExit:
@@ -62,7 +63,7 @@ CheckResult CheckRun::RunOne(const std::string& name) const {
     std::array<char, 32> effort = {};
     std::snprintf(effort.data(), effort.size(), "%g", tuning_.Effort);
     ChildProcess child({"--check", file_, "--check-inside", name, "--check-effort", effort.data()});
-    const ChildEnd end = child.Wait(kPatience);
+    const ChildEnd end = child.Wait(kPatience, interrupt_);
     const SentFindings findings(end.Findings);
     CheckResult result = {name, Verdict::kPass, "", end.Seconds, true};
     if (findings.HasEnded && end.Way != ChildEnd::How::kHang) {

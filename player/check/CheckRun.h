@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "player/ExitCode.h"
+#include "player/Interrupt.h"
 #include "player/Options.h"
 #include "player/PrivateRegistry.h"
 #include "player/check/CheckReport.h"
@@ -17,7 +18,7 @@ public:
     // `file` must be there.
     CheckRun(std::string file, CheckTuning tuning) : file_(std::move(file)), tuning_(std::move(tuning)) {}
 
-    // True if no check fails. Throws PlayerError if there can be no processes.
+    // True if no check fails. Throws PlayerError if there can be no processes, or with kInterrupted.
     bool Run(CheckReport& report);
 
 private:
@@ -25,6 +26,7 @@ private:
 
     const std::string file_;
     const CheckTuning tuning_;
+    Interrupt interrupt_;
     const PrivateRegistry registry_;  // for a plug-in that keeps something there
 };
 

@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -23,6 +24,8 @@ constexpr int kFirstFreeFile = 10;  // above all numbers that the process gets
 constexpr int kLookPause = 50;      // milliseconds
 constexpr int kEndPause = 2;
 constexpr size_t kMostLastWords = 200;
+constexpr off_t kMostErrors = 4096;    // of the error output, from its end
+constexpr double kLongestCheck = 600;  // seconds; beyond it something hangs, even if no call does
 constexpr double kNanoseconds = 1e9;
 
 [[noreturn]] void FailToStart() {
@@ -38,8 +41,10 @@ int OutOfTheWay(int file) {
 }
 
 std::string LastLine(int file) {
-    std::string text(static_cast<size_t>(lseek(file, 0, SEEK_END)), '\0');
-    const ssize_t got = pread(file, text.data(), text.size(), 0);
+    const off_t end = lseek(file, 0, SEEK_END);
+    const off_t begin = std::max<off_t>(end - kMostErrors, 0);
+    std::string text(static_cast<size_t>(end - begin), '\0');
+    const ssize_t got = pread(file, text.data(), text.size(), begin);
     text.resize(got > 0 ? static_cast<size_t>(got) : 0);
     while (!text.empty() && text.back() == '\n') text.pop_back();
     text.erase(0, text.rfind('\n') + 1);
@@ -145,15 +150,19 @@ void ChildProcess::TellEnd(ChildEnd& end) const {
     end.Address = address.data();
 }
 
-ChildEnd ChildProcess::Wait(double patience) {
+ChildEnd ChildProcess::Wait(double patience, const Interrupt& interrupt) {
     ChildEnd end;
     const auto limit = static_cast<uint64_t>(patience * kNanoseconds);
     const CallSlot* hanging = nullptr;
+    const uint64_t latest = started_ + static_cast<uint64_t>(kLongestCheck * kNanoseconds);
+    bool isLate = false;
     // The end of the pipe comes a little before the process's own, and never if the plug-in has started a process.
     while (!HasEnded(false)) {
         ReadFindings(pipe_.Number() >= 0 ? kLookPause : kEndPause, end.Findings);
         hanging = Hanging(limit);
-        if (!hanging) continue;
+        isLate = MonotonicNow() > latest;
+        if (interrupt.IsRequested()) throw PlayerError(ExitCode::kInterrupted, "interrupted");
+        if (!hanging && !isLate) continue;
         kill(child_, SIGKILL);
         HasEnded(true);
         break;
@@ -161,9 +170,9 @@ ChildEnd ChildProcess::Wait(double patience) {
     while (ReadFindings(0, end.Findings)) {
     }
     TellEnd(end);
-    if (hanging) {
+    if (hanging || isLate) {
         end.Way = ChildEnd::How::kHang;
-        end.Call = hanging->Name.data();
+        end.Call = hanging ? hanging->Name.data() : "";
     }
     end.LastWords = LastLine(errors_.Number());
     end.Seconds = static_cast<double>(MonotonicNow() - started_) / kNanoseconds;

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "player/Interrupt.h"
 #include "player/check/SharedCalls.h"
 
 namespace tdkplay::check {
@@ -36,8 +37,9 @@ public:
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
 
-    // Waits for its end, and ends it if one call into the plug-in takes longer than `patience` seconds.
-    ChildEnd Wait(double patience);
+    // Waits for its end, and ends it if one call into the plug-in takes longer than `patience` seconds, or everything
+    // much longer. Throws PlayerError with kInterrupted.
+    ChildEnd Wait(double patience, const Interrupt& interrupt);
 
 private:
     // Files are closed with the object; -1: none.

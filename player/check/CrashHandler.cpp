@@ -43,9 +43,10 @@ void OnCrash(int signal, siginfo_t* info, void* context) {
     if (signal == SIGSEGV && GuardedBuffer::OpenAt(reinterpret_cast<uintptr_t>(info->si_addr), IsWrite(context)))
         return;
     Record(signal, *info);
-    // What was done wrong happens again, and ends the process with its own signal.
+    // What was done wrong happens again, and ends the process with its own signal; a trap or what was sent doesn't.
     std::signal(signal, SIG_DFL);
-    if (info->si_code <= 0) std::raise(signal);
+    const bool comesAgain = signal == SIGSEGV || signal == SIGBUS || signal == SIGILL || signal == SIGFPE;
+    if (!comesAgain || info->si_code <= 0) std::raise(signal);
 }
 
 }  // namespace

@@ -76,6 +76,7 @@ const Fault kFaults[] = {
     {"NoTerminator", "description", "fail", "without a terminator"},
     {"WideFlag", "description", "fail", "wrote 3 bytes past the end of the byte for wantsSpectrum"},
     {"CrashInDraw", "frames", "fail", "crashed with SIGSEGV in Draw 320x240 at address 0x0", false},
+    {"Trap", "frames", "fail", "crashed with SIGTRAP in Draw 320x240"},
     {"HangInDraw", "frames", "fail", "hangs: Draw 320x240"},
     {"Throws", "frames", "fail", "threw std::runtime_error (no such colour) from Draw"},
     {"CrashAtOnePixel", "sizes", "fail", "aborted in Draw 1x1"},

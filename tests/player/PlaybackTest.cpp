@@ -323,6 +323,11 @@ TEST_F(PlaybackTest, LoopBeginsAgain) {
     }
     EXPECT_NEAR(playback_->Pump().Played(), 2.0, 0.001);
     EXPECT_EQ(std::count(block->FirstFrames.begin(), block->FirstFrames.end(), 0u), 5);
+    playback_->Seek(10.0);  // its end
+    for (int i = 0; i < 10; ++i) {
+        TdkpAdvanceClock(20);
+        EXPECT_EQ(DeliverAhead(), AudioPump::State::kFull);
+    }
 }
 
 TEST_F(PlaybackTest, AnotherDeviceIsAnotherEngineThatGoesOnPlaying) {

@@ -73,6 +73,12 @@ TEST_F(PluginFoldersRun, AFileElsewhereIsShownByItsPath) {
         EXPECT_TRUE(fs::remove(picture)) << path;
     }
     EXPECT_EQ(Listed({"--list", "--viz", file})[fs::canonical(file)], 1);
+    const std::string other = folder_.File("other/" + fs::path(file).filename().string());
+    fs::create_directory(folder_.File("other"));
+    fs::copy(file, other);
+    std::map<std::string, int> both = Listed({"--list", "--viz", file, "--viz", other});
+    EXPECT_EQ(both[fs::canonical(file)], 1);
+    EXPECT_EQ(both[fs::canonical(other)], 1) << "of the same name";
     EXPECT_EQ(Listed({"--list", "--viz", Shared("Flow.tkv")})[fs::canonical(Shared("Flow.tkv"))], 1);
     std::vector<std::string> missing = snapshot;
     missing.push_back(folder_.File("Missing.tkv"));

@@ -77,14 +77,14 @@ struct Lab {
 // 256 colours, worked out once. Static ones cost nothing per frame.
 class Palette {
 public:
-    // Even steps through these colours.
+    // Even steps through these colours, of which there is at least one.
     Palette(std::initializer_list<Color> stops) {
         const auto last = static_cast<float>(stops.size() - 1);
         for (int i = 0; i < kSize; ++i) {
             const float place = last * static_cast<float>(i) / (kSize - 1);
-            const auto from = std::min(static_cast<size_t>(place), stops.size() - 2);
+            const auto from = static_cast<size_t>(place);
             const Lab a = Lab::FromColor(stops.begin()[from]);
-            const Lab b = Lab::FromColor(stops.begin()[from + 1]);
+            const Lab b = Lab::FromColor(stops.begin()[std::min(from + 1, stops.size() - 1)]);
             const float part = place - static_cast<float>(from);
             colors_[i] = Lab{a.L + (b.L - a.L) * part, a.A + (b.A - a.A) * part, a.B + (b.B - a.B) * part}.ToColor();
         }
