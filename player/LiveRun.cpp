@@ -6,8 +6,8 @@
 #include <cmath>
 #include <limits>
 
-#include "player/ExitCode.h"
-#include "player/Snapshot.h"
+#include "player/base/ExitCode.h"
+#include "player/render/Snapshot.h"
 
 namespace tdkplay {
 namespace {

@@ -5,20 +5,20 @@
 #include <memory>
 #include <string>
 
-#include "player/AudioThread.h"
-#include "player/Interrupt.h"
-#include "player/Jukebox.h"
-#include "player/PassingNote.h"
-#include "player/PictureClicks.h"
-#include "player/PlayerMenu.h"
-#include "player/PlayerWindow.h"
-#include "player/PluginWatch.h"
-#include "player/ScreenAwake.h"
 #include "player/Session.h"
-#include "player/SettingsButton.h"
-#include "player/SettingsKeeper.h"
-#include "player/TransportStrip.h"
-#include "player/ViewGrid.h"
+#include "player/base/Interrupt.h"
+#include "player/host/PictureClicks.h"
+#include "player/host/PluginWatch.h"
+#include "player/list/Jukebox.h"
+#include "player/settings/SettingsKeeper.h"
+#include "player/sound/AudioThread.h"
+#include "player/window/PassingNote.h"
+#include "player/window/PlayerMenu.h"
+#include "player/window/PlayerWindow.h"
+#include "player/window/ScreenAwake.h"
+#include "player/window/SettingsButton.h"
+#include "player/window/TransportStrip.h"
+#include "player/window/ViewGrid.h"
 
 namespace tdkplay {
 

@@ -9,12 +9,13 @@
 #include <iostream>
 #include <map>
 
-#include "player/AudioOutput.h"
-#include "player/ExitCode.h"
-#include "player/GridLayout.h"
-#include "player/PlayerSettings.h"
-#include "player/RenderTarget.h"
-#include "player/SilentOutput.h"
+#include "player/base/ExitCode.h"
+#include "player/render/RenderTarget.h"
+#include "player/settings/PlayerSettings.h"
+#include "player/sound/AudioOutput.h"
+#include "player/sound/Gain.h"
+#include "player/sound/SilentOutput.h"
+#include "player/window/GridLayout.h"
 
 namespace tdkplay {
 namespace {

@@ -6,16 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "player/PictureSize.h"
+#include "player/base/PictureSettings.h"
+#include "player/base/PictureSize.h"
 
 namespace tdkplay {
-
-// What changes the picture; absent: as the user has set it.
-struct PictureSettings {
-    std::optional<uint32_t> FrameRate;  // 10 to 30 a second
-    std::optional<bool> Effects;
-    std::optional<bool> Randomize;
-};
 
 struct SnapshotRequest {
     std::string Path;

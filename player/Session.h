@@ -4,12 +4,12 @@
 #include <memory>
 #include <vector>
 
-#include "player/AddOn.h"
-#include "player/HostContext.h"
 #include "player/Options.h"
-#include "player/Playback.h"
-#include "player/PlayerSettings.h"
-#include "player/PluginCatalog.h"
+#include "player/host/AddOn.h"
+#include "player/host/HostContext.h"
+#include "player/host/PluginCatalog.h"
+#include "player/settings/PlayerSettings.h"
+#include "player/sound/Playback.h"
 
 namespace tdkplay {
 

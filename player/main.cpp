@@ -11,21 +11,21 @@
 #include <filesystem>
 #include <optional>
 
-#include "player/DemoPiece.h"
-#include "player/DeviceList.h"
-#include "player/ExitCode.h"
-#include "player/Interrupt.h"
-#include "player/Jukebox.h"
 #include "player/LiveRun.h"
-#include "player/PluginFolders.h"
-#include "player/PrivateRegistry.h"
-#include "player/RenderRun.h"
 #include "player/Session.h"
-#include "player/SheetRun.h"
-#include "player/SilentOutput.h"
-#include "player/SteppedRun.h"
-#include "player/StoredSettings.h"
+#include "player/base/ExitCode.h"
+#include "player/base/Interrupt.h"
 #include "player/check/CheckRun.h"
+#include "player/host/PluginFolders.h"
+#include "player/list/Jukebox.h"
+#include "player/render/RenderRun.h"
+#include "player/render/SheetRun.h"
+#include "player/render/SteppedRun.h"
+#include "player/settings/PrivateRegistry.h"
+#include "player/settings/StoredSettings.h"
+#include "player/sound/DemoPiece.h"
+#include "player/sound/DeviceList.h"
+#include "player/sound/SilentOutput.h"
 
 namespace tdkplay {
 namespace {

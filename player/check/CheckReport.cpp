@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <filesystem>
 
-#include "player/JsonText.h"
+#include "player/base/JsonText.h"
 
 namespace tdkplay::check {
 namespace {

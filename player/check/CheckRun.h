@@ -4,12 +4,12 @@
 #include <string>
 #include <vector>
 
-#include "player/ExitCode.h"
-#include "player/Interrupt.h"
 #include "player/Options.h"
-#include "player/PrivateRegistry.h"
+#include "player/base/ExitCode.h"
+#include "player/base/Interrupt.h"
 #include "player/check/CheckReport.h"
 #include "player/check/ChildProcess.h"
+#include "player/settings/PrivateRegistry.h"
 
 namespace tdkplay::check {
 

@@ -12,11 +12,11 @@
 #include <memory>
 #include <thread>
 
-#include "player/Values.h"
 #include "player/check/Findings.h"
 #include "player/check/LibraryFault.h"
 #include "player/check/ProcessState.h"
 #include "player/check/SharedCalls.h"
+#include "player/host/Values.h"
 
 namespace tdkplay::check {
 namespace {

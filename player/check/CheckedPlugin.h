@@ -8,8 +8,8 @@
 #include <functional>
 #include <string>
 
-#include "player/ComObject.h"
 #include "player/check/GuardedBuffer.h"
+#include "player/host/ComObject.h"
 
 namespace tdkplay::check {
 

@@ -13,8 +13,8 @@
 #include <cstdio>
 #include <cstring>
 
-#include "player/ExitCode.h"
-#include "player/PlainSignals.h"
+#include "player/base/ExitCode.h"
+#include "player/base/PlainSignals.h"
 
 namespace tdkplay::check {
 namespace {

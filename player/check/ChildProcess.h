@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "player/Interrupt.h"
+#include "player/base/Interrupt.h"
 #include "player/check/SharedCalls.h"
 
 namespace tdkplay::check {

@@ -2,7 +2,7 @@
 
 #include <string.h>
 
-#include "player/Buffer.h"
+#include "player/host/Buffer.h"
 
 namespace tdkplay::check {
 

@@ -8,7 +8,7 @@
 #include <optional>
 #include <string>
 
-#include "player/ComObject.h"
+#include "player/host/ComObject.h"
 
 namespace tdkplay::check {
 

@@ -9,7 +9,7 @@
 
 #include <csignal>
 
-#include "player/ExitCode.h"
+#include "player/base/ExitCode.h"
 #include "player/check/CheckList.h"
 #include "player/check/ChildProcess.h"
 #include "player/check/CrashHandler.h"

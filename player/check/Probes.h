@@ -5,11 +5,11 @@
 #include <algorithm>
 #include <string>
 
-#include "player/HostContext.h"
 #include "player/check/CheckedPlugin.h"
 #include "player/check/Findings.h"
 #include "player/check/FrameThread.h"
 #include "player/check/MemoryPreferences.h"
+#include "player/host/HostContext.h"
 
 namespace tdkplay::check {
 

@@ -5,8 +5,8 @@
 #include <cstring>
 #include <mutex>
 
-#include "player/AudioThread.h"
-#include "player/Playback.h"
+#include "player/sound/AudioThread.h"
+#include "player/sound/Playback.h"
 #include "tests/listening/SoundServer.h"
 
 namespace tdkplay {

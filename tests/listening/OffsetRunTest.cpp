@@ -2,8 +2,8 @@
 #include <csignal>
 #include <optional>
 
-#include "player/PlayerSettings.h"
-#include "player/SettingsKey.h"
+#include "player/settings/PlayerSettings.h"
+#include "player/settings/SettingsKey.h"
 #include "tests/listening/SoundServer.h"
 #include "tests/player/PlayerRun.h"
 #include "tests/x11/ForeignClient.h"

@@ -1,12 +1,12 @@
-#include "player/Decoder.h"
+#include "player/sound/Decoder.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <complex>
 
-#include "player/DemoPiece.h"
-#include "player/ExitCode.h"
+#include "player/base/ExitCode.h"
+#include "player/sound/DemoPiece.h"
 #include "tests/player/TestFiles.h"
 
 namespace tdkplay {

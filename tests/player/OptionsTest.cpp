@@ -5,7 +5,7 @@
 #include <iterator>
 #include <sstream>
 
-#include "player/ExitCode.h"
+#include "player/base/ExitCode.h"
 
 namespace tdkplay {
 namespace {

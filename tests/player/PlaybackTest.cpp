@@ -1,5 +1,5 @@
 // The road of the audio on the stepped clock: what is delivered when, with which delay.
-#include "player/Playback.h"
+#include "player/sound/Playback.h"
 
 #include <gtest/gtest.h>
 
@@ -8,8 +8,8 @@
 #include <cmath>
 #include <cstring>
 
-#include "player/AudioThread.h"
-#include "player/SilentOutput.h"
+#include "player/sound/AudioThread.h"
+#include "player/sound/SilentOutput.h"
 
 namespace tdkplay {
 namespace {

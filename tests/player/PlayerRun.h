@@ -9,7 +9,7 @@
 
 #include <sstream>
 
-#include "player/ExitCode.h"
+#include "player/base/ExitCode.h"
 #include "tests/player/TestFiles.h"
 
 namespace tdkplay {

@@ -1,13 +1,13 @@
 // Which pieces a command line stands for, in which order they come, and what happens to those that can't be played.
-#include "player/Jukebox.h"
+#include "player/list/Jukebox.h"
 
 #include <gtest/gtest.h>
 
 #include <set>
 
-#include "player/ExitCode.h"
-#include "player/NaturalOrder.h"
-#include "player/SilentOutput.h"
+#include "player/base/ExitCode.h"
+#include "player/list/NaturalOrder.h"
+#include "player/sound/SilentOutput.h"
 #include "tests/player/TestFiles.h"
 
 namespace tdkplay {

@@ -1,6 +1,6 @@
 // Plug-ins beside the player, of the user's own, and named on the command line, as the staged program lists and shows
 // them.
-#include "player/PluginFolders.h"
+#include "player/host/PluginFolders.h"
 
 #include <map>
 

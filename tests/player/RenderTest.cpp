@@ -4,7 +4,7 @@
 #include <array>
 #include <csignal>
 
-#include "player/Y4mWriter.h"
+#include "player/render/Y4mWriter.h"
 #include "tests/player/PlayerRun.h"
 #include "tests/support/Wait.h"
 

@@ -5,10 +5,10 @@
 
 #include <cstring>
 
-#include "player/Buffer.h"
-#include "player/ExitCode.h"
-#include "player/HostContext.h"
-#include "player/PluginCatalog.h"
+#include "player/base/ExitCode.h"
+#include "player/host/Buffer.h"
+#include "player/host/HostContext.h"
+#include "player/host/PluginCatalog.h"
 
 namespace tdkplay {
 namespace {

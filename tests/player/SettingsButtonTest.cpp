@@ -1,5 +1,5 @@
 // The settings button from both sides: a component behind it, and somebody who presses it.
-#include "player/SettingsButton.h"
+#include "player/window/SettingsButton.h"
 
 #include <gtest/gtest.h>
 
@@ -8,8 +8,8 @@
 #include <cstring>
 #include <thread>
 
-#include "player/PlayerWindow.h"
-#include "player/Snapshot.h"
+#include "player/render/Snapshot.h"
+#include "player/window/PlayerWindow.h"
 
 namespace tdkplay {
 namespace {

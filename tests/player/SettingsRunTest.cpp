@@ -3,8 +3,8 @@
 #include <csignal>
 #include <thread>
 
-#include "player/PlayerSettings.h"
-#include "player/SettingsKey.h"
+#include "player/settings/PlayerSettings.h"
+#include "player/settings/SettingsKey.h"
 #include "tests/player/PlayerRun.h"
 #include "tests/x11/XServer.h"
 

@@ -1,7 +1,7 @@
 // Contact sheets: what stands where, and the same bytes each time.
 #include <png.h>
 
-#include "player/SheetLayout.h"
+#include "player/render/SheetLayout.h"
 #include "tests/player/PlayerRun.h"
 
 namespace tdkplay {

@@ -1,6 +1,6 @@
 // Several views side by side: where they stand, what they show, and that each keeps to itself.
-#include "player/GridLayout.h"
-#include "player/PluginCatalog.h"
+#include "player/host/PluginCatalog.h"
+#include "player/window/GridLayout.h"
 #include "tests/player/ScreenRun.h"
 
 namespace tdkplay {

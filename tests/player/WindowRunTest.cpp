@@ -6,7 +6,7 @@
 #include <thread>
 #include <tuple>
 
-#include "player/TransportStrip.h"
+#include "player/window/TransportStrip.h"
 #include "tests/player/PlayerRun.h"
 #include "tests/x11/DropSource.h"
 #include "tests/x11/ForeignClient.h"

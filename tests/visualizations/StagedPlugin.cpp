@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "player/DemoPiece.h"
+#include "player/sound/DemoPiece.h"
 #include "src/audio/SpectrumAnalyser.h"
 #include "tests/staged/TestBag.h"
 
