@@ -34,9 +34,9 @@ struct Lanes512 : VectorLanes<64> {
 }  // namespace
 
 EffectPassFunction FindVector512(const EffectPass& pass) {
-    // A mere copy has loads across two cache lines, which cost more than the width gains.
-    const bool justCopies = pass.zoomX == 0 && pass.rotate == 0 && pass.kernel <= 1 && pass.fade == 0;
-    return justCopies ? nullptr : FindVectorPass<Lanes512>(pass);
+    // Where memory sets the pace, loads across two cache lines cost more than the width gains.
+    const bool justPasses = pass.zoomX == 0 && pass.rotate == 0 && pass.kernel <= 1;
+    return justPasses ? nullptr : FindVectorPass<Lanes512>(pass);
 }
 #else
 EffectPassFunction FindVector512(const EffectPass&) {
