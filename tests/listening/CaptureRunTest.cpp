@@ -1,14 +1,11 @@
 // The player from outside, listening to what other programs play.
 #include <cmath>
-#include <csignal>
 
 #include "tests/listening/SoundServer.h"
 #include "tests/player/PlayerRun.h"
 
 namespace tdkplay {
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr double kBandWidth = 48000.0 / 512.0;  // Hz
 
@@ -18,25 +15,14 @@ protected:
         PlayerRun::SetUp();
         if (IsSkipped()) return;
         if (!SoundServer::IsInstalled()) GTEST_SKIP() << "PulseAudio is not installed";
-        const std::string copy = folder_.File("copy");
-        fs::create_directories(copy + "/Visualizations");
-        for (const char* file : {"tdkplay", "libtdkplatform.so", "tdkviz.so"})
-            fs::copy(Stage() + "/" + file, copy + "/" + file);
-        fs::copy(TEST_PLUGIN_DIR "/LoudestBand.tkv", copy + "/Visualizations/LoudestBand.tkv");
+        copy_ = CopyPlayer();
+        PutPlugin(TEST_PLUGIN_DIR "/LoudestBand.tkv");
         setenv("TDKVIZ_TEST_BANDS", folder_.Write("bands", "").c_str(), 1);
     }
-    void TearDown() override {
-        if (player_ <= 0) return;
-        kill(player_, SIGINT);
-        const Outcome outcome = Finish(player_);
-        EXPECT_EQ(outcome.Code, 0) << outcome.Error;
-        EXPECT_EQ(outcome.Error, "");
-    }
-
     void Capture(const std::vector<std::string>& device = {}) {
         std::vector<std::string> arguments = {"--headless", "--fps", "30", "--capture"};
         arguments.insert(arguments.end(), device.begin(), device.end());
-        player_ = Start(arguments, folder_.File("copy/tdkplay"));
+        Launch(arguments, copy_);
     }
     // Whether the tone shows soon where it belongs. Of the two bands next to a tone, its phase says which is the louder
     // one, and frames come at the same few phases.
@@ -50,7 +36,7 @@ protected:
     }
 
     SoundServer server_;
-    pid_t player_ = 0;
+    std::string copy_;
 };
 
 TEST_F(CaptureRun, TonesShowAtTheirBandsAndTheDefaultIsFollowed) {

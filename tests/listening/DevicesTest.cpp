@@ -8,9 +8,12 @@
 #include "player/sound/AudioThread.h"
 #include "player/sound/Playback.h"
 #include "tests/listening/SoundServer.h"
+#include "tests/support/Wait.h"
 
 namespace tdkplay {
 namespace {
+
+using tdkviz::test::WaitUntil;
 
 constexpr PcmFormat kFormat = {48000, 2};
 constexpr double kFramesPerMillisecond = kFormat.Rate / 1000.0;

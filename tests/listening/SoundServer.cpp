@@ -11,7 +11,8 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <thread>
+
+#include "tests/support/Wait.h"
 
 namespace {
 
@@ -47,15 +48,6 @@ extern "C" __attribute__((visibility("default"))) const char* __tsan_default_opt
     return kSanitizer;
 }
 
-bool WaitUntil(const std::function<bool()>& done) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (!done()) {
-        if (std::chrono::steady_clock::now() > end) return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    return true;
-}
-
 bool SoundServer::IsInstalled() {
     return std::system("command -v pulseaudio pacat pactl >/dev/null") == 0;
 }
@@ -82,7 +74,7 @@ bool SoundServer::Start() {
         Spawn({"pulseaudio", "-n", "--daemonize=no", "--use-pid-file=no", "--exit-idle-time=-1", "--disable-shm=yes",
                "--high-priority=no", "--realtime=no", "-L", output("one", "Speakers"), "-L", output("two", "Headset"),
                "-L", "module-native-protocol-unix auth-anonymous=1 socket=" + folder_.File("socket")});
-    return WaitUntil([this] { return Ask("list short sinks").find("two") != std::string::npos; });
+    return tdkviz::test::WaitUntil([this] { return Ask("list short sinks").find("two") != std::string::npos; });
 }
 
 void SoundServer::Kill() {

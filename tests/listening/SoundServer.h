@@ -3,15 +3,10 @@
 
 #include <sys/types.h>
 
-#include <chrono>
-#include <functional>
 #include <string>
 #include <vector>
 
 #include "tests/support/TemporaryFolder.h"
-
-// Looks again and again, for as long as a slow machine needs.
-bool WaitUntil(const std::function<bool()>& done);
 
 // The server of this process's and its children's own libpulse, as long as the object lives.
 class SoundServer {

@@ -38,7 +38,7 @@ protected:
 
 TEST_F(ExampleHost, ShowsMovingPicturesInItsWindowUntilItIsClosed) {
     setenv("PULSE_SERVER", "unix:/nowhere", 1);
-    program_ = Start({Stage(), song_}, EXAMPLE_HOST);
+    Launch({Stage(), song_}, EXAMPLE_HOST);
     unsetenv("PULSE_SERVER");
     ASSERT_TRUE(WaitUntil([this] { return FindWindow("tdkhost") != 0; }));
     const xcb_window_t window = FindWindow("tdkhost");

@@ -7,12 +7,17 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <sstream>
+#include <utility>
 
 #include "player/base/ExitCode.h"
 #include "tests/player/TestFiles.h"
+#include "tests/support/Wait.h"
 
 namespace tdkplay {
+
+using tdkviz::test::WaitUntil;
 
 struct Outcome {
     int Code = -1;  // exit code; -1 if a signal ended it
@@ -31,8 +36,16 @@ protected:
     void SetUp() override {
         if (!std::filesystem::exists(Stage() + "/tdkplay") || !std::filesystem::exists(Stage() + "/tdkviz.so"))
             GTEST_SKIP() << "nothing is staged";
+        const char* const former = getenv("TDKVIZ_REGISTRY");
+        formerRegistry_ = former ? former : "";
+        setenv("TDKVIZ_REGISTRY", registry_.c_str(), 1);  // for this process's own look at it
         song_ = folder_.File("song.wav");
         ASSERT_TRUE(WriteSines(song_, SF_FORMAT_WAV | SF_FORMAT_PCM_16, 44100, 2, 5.0));
+    }
+
+    void TearDown() override {
+        EndProgram();
+        if (!formerRegistry_.empty()) setenv("TDKVIZ_REGISTRY", formerRegistry_.c_str(), 1);
     }
 
     static std::string Stage() { return STAGE_DIR; }
@@ -55,6 +68,30 @@ protected:
         if (chdir(folder_.File("").c_str()) == 0) execv(program.c_str(), pointers.data());
         _exit(127);
     }
+    // Starts the program of the test, which ends with it if not before.
+    void Launch(const std::vector<std::string>& arguments, const std::string& program = Stage() + "/tdkplay") {
+        program_ = Start(arguments, program);
+    }
+    // As a user's interrupt ends it.
+    void EndProgram() {
+        if (program_ > 0) kill(program_, SIGINT);
+        ExpectGoodEnd();
+    }
+    void ExpectGoodEnd() {
+        if (program_ <= 0) return;
+        const Outcome outcome = Finish(std::exchange(program_, 0));
+        EXPECT_EQ(outcome.Code, 0) << outcome.Error;
+        EXPECT_EQ(outcome.Error, "");
+    }
+    // The player in another folder, with no plug-ins but what is put into its folder for them.
+    std::string CopyPlayer() const {
+        std::filesystem::create_directories(copiedPlugins_);
+        for (const char* file : {"tdkplay", "libtdkplatform.so", "tdkviz.so"})
+            std::filesystem::copy(Stage() + "/" + file, folder_.File("copy/") + file);
+        return folder_.File("copy/tdkplay");
+    }
+    void PutPlugin(const std::string& path) const { std::filesystem::copy(path, copiedPlugins_); }
+    void RemovePlugin(const std::string& file) const { std::filesystem::remove(copiedPlugins_ + file); }
     Outcome Finish(pid_t child) const {
         int status = 0;
         waitpid(child, &status, 0);
@@ -81,6 +118,11 @@ protected:
     std::string dataHome_ = folder_.File("data");
     std::string display_;
     std::string song_;
+    const std::string copiedPlugins_ = folder_.File("copy/Visualizations/");
+
+private:
+    std::string formerRegistry_;
+    pid_t program_ = 0;
 };
 
 }  // namespace tdkplay

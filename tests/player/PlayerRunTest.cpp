@@ -62,13 +62,11 @@ TEST_F(PlayerRun, SaysInOneLineWhatIsWrong) {
 }
 
 TEST_F(PlayerRun, TellsAMissingAddOnFromMissingPlugins) {
-    const std::string copy = folder_.File("copy");
-    fs::create_directory(copy);
-    for (const char* file : {"tdkplay", "libtdkplatform.so"}) fs::copy(Stage() + "/" + file, copy + "/" + file);
-    ExpectError(ExitCode::kNoAddOn, Run({"--list"}, copy + "/tdkplay"));
-    fs::copy(Stage() + "/tdkviz.so", copy + "/tdkviz.so");
-    ExpectError(ExitCode::kNoPlugins, Run({"--list"}, copy + "/tdkplay"));
-    ExpectError(ExitCode::kNoPlugins, Run({"--headless", "--no-audio", song_}, copy + "/tdkplay"));
+    const std::string player = CopyPlayer();
+    ExpectError(ExitCode::kNoPlugins, Run({"--list"}, player));
+    ExpectError(ExitCode::kNoPlugins, Run({"--headless", "--no-audio", song_}, player));
+    fs::remove(folder_.File("copy/tdkviz.so"));
+    ExpectError(ExitCode::kNoAddOn, Run({"--list"}, player));
 }
 
 TEST_F(PlayerRun, ListsNamesAndPaths) {
@@ -135,7 +133,13 @@ TEST_F(PlayerRun, EndsAtItsDurationAndAtAnInterrupt) {
     EXPECT_LT(seconds.count(), 4.0);
 
     const pid_t child = Start({"--headless", "--no-audio", song_});
-    std::this_thread::sleep_for(std::chrono::milliseconds(700));
+    // It leaves the signal to a thread of its own by then.
+    EXPECT_TRUE(WaitUntil([child] {
+        std::ifstream status("/proc/" + std::to_string(child) + "/status");
+        const std::string text{std::istreambuf_iterator<char>(status), {}};
+        const size_t blocked = text.find("SigBlk:");
+        return blocked != std::string::npos && (std::stoull(text.substr(blocked + 7), nullptr, 16) & 1 << (SIGINT - 1));
+    }));
     kill(child, SIGINT);
     const auto asked = std::chrono::steady_clock::now();
     EXPECT_EQ(Finish(child).Code, 0);

@@ -1,11 +1,7 @@
 // A program on an X server of its own, and a person in front of it.
 #pragma once
 
-#include <chrono>
-#include <csignal>
-#include <functional>
 #include <optional>
-#include <thread>
 
 #include "tests/player/PlayerRun.h"
 #include "tests/x11/ForeignClient.h"
@@ -24,25 +20,6 @@ protected:
         display_ = server_->Name();
         person_.emplace(display_);
     }
-    // What is still running is told to end.
-    void TearDown() override {
-        if (program_ > 0) kill(program_, SIGINT);
-        ExpectGoodEnd();
-    }
-    void ExpectGoodEnd() {
-        if (program_ <= 0) return;
-        const Outcome outcome = Finish(std::exchange(program_, 0));
-        EXPECT_EQ(outcome.Code, 0) << outcome.Error;
-        EXPECT_EQ(outcome.Error, "");
-    }
-    static bool WaitUntil(const std::function<bool()>& done) {
-        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        while (!done()) {
-            if (std::chrono::steady_clock::now() > end) return false;
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        }
-        return true;
-    }
     // The window on the screen whose title has this in it, or 0.
     xcb_window_t FindWindow(const std::string& text) {
         for (const xcb_window_t window : person_->ChildrenOf(person_->Root()))
@@ -56,7 +33,6 @@ protected:
 
     std::optional<XServer> server_;
     std::optional<ForeignClient> person_;
-    pid_t program_ = 0;
 };
 
 }  // namespace tdkplay

@@ -1,12 +1,9 @@
 // What the player remembers: on a real X server, since only a run in a window does.
-#include <chrono>
 #include <csignal>
-#include <thread>
 
 #include "player/settings/PlayerSettings.h"
 #include "player/settings/SettingsKey.h"
-#include "tests/player/PlayerRun.h"
-#include "tests/x11/XServer.h"
+#include "tests/player/ScreenRun.h"
 
 namespace tdkplay {
 namespace {
@@ -15,21 +12,8 @@ constexpr char kAddOnKey[] = "Software\\Corvane\\Visualizations";
 constexpr char kPreferencesKey[] = "Software\\Corvane\\Tunedeck\\1.0\\Preferences";
 constexpr char kForeignKey[] = "Software\\Corvane\\Other";
 
-class SettingsRun : public PlayerRun {
+class SettingsRun : public ScreenRun {
 protected:
-    void SetUp() override {
-        PlayerRun::SetUp();
-        former_ = getenv("TDKVIZ_REGISTRY");
-        setenv("TDKVIZ_REGISTRY", registry_.c_str(), 1);  // for this process's own look at it
-    }
-    void TearDown() override { setenv("TDKVIZ_REGISTRY", former_.c_str(), 1); }
-
-    void ShowWindows() {
-        if (!XServer::IsInstalled()) GTEST_SKIP() << "Xvfb is not installed";
-        server_.emplace(24);
-        ASSERT_TRUE(server_->Running());
-        display_ = server_->Name();
-    }
     void PlayInAWindow(std::vector<std::string> arguments) {
         arguments.insert(arguments.end(), {"--window", "--no-audio", "--duration", "0.2", song_});
         const Outcome outcome = Run(arguments);
@@ -41,14 +25,9 @@ protected:
         return (settings.Size ? settings.Size->Text() : "none") + " " + std::to_string(settings.Volume.value_or(-1)) +
                " " + settings.Plugin + " " + settings.Device;
     }
-
-    std::optional<XServer> server_;
-    std::string former_;
 };
 
 TEST_F(SettingsRun, AWindowRemembersAndOptionsWin) {
-    ShowWindows();
-    if (IsSkipped()) return;
     PlayInAWindow({"--size", "300x200", "--volume", "40", "--viz", "Spectrum Bars"});
     EXPECT_EQ(Remembered(), "300x200 40 SpectrumBars.tkv ");
     PlayInAWindow({});
@@ -63,8 +42,6 @@ TEST_F(SettingsRun, AWindowRemembersAndOptionsWin) {
 }
 
 TEST_F(SettingsRun, WhatNoLongerFitsIsReplaced) {
-    ShowWindows();
-    if (IsSkipped()) return;
     PlayerSettings settings;
     settings.Size = PictureSize{5000, 300};
     settings.Plugin = "Gone.tkv";
@@ -81,16 +58,15 @@ TEST_F(SettingsRun, WhatNoLongerFitsIsReplaced) {
 }
 
 TEST_F(SettingsRun, AnEndByASignalLosesNothing) {
-    ShowWindows();
-    if (IsSkipped()) return;
     for (const int signal : {SIGINT, SIGKILL}) {
         const std::string size = signal == SIGINT ? "310x210" : "320x220";
-        const pid_t child = Start({"--window", "--no-audio", "--size", size, song_});
-        // The kill comes when the changes have had the time to rest and be stored.
-        std::this_thread::sleep_for(std::chrono::milliseconds(signal == SIGINT ? 400 : 2000));
+        const std::string expected = size + " 100 Flow.tkv ";
+        const pid_t child = Start({"--window", "--no-audio", "--loop", "--size", size, song_});
+        // The kill comes when the changes have rested and been stored.
+        EXPECT_TRUE(WaitUntil([&] { return signal == SIGINT ? FindWindow("Flow") != 0 : Remembered() == expected; }));
         kill(child, signal);
         EXPECT_EQ(Finish(child).Code, signal == SIGINT ? 0 : -1);
-        EXPECT_EQ(Remembered(), size + " 100 Flow.tkv ");
+        EXPECT_EQ(Remembered(), expected);
     }
 }
 
@@ -132,8 +108,6 @@ TEST_F(SettingsRun, ADamagedStoreBeginsAnewAndOneThatCannotBeUsedIsTold) {
     std::filesystem::create_directory(registry_);
     ExpectError(ExitCode::kNoSettings, Run({"--settings"}));
     ExpectError(ExitCode::kNoSettings, Run({"--reset-settings"}));
-    ShowWindows();
-    if (IsSkipped()) return;
     const Outcome outcome = Run({"--window", "--no-audio", "--duration", "0.2", song_});
     EXPECT_EQ(outcome.Code, 0) << "the music plays all the same";
     EXPECT_EQ(outcome.Error.rfind("tdkplay: the store of the settings can't be opened", 0), 0u) << outcome.Error;

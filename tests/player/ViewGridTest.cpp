@@ -6,8 +6,6 @@
 namespace tdkplay {
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr uint32_t kDown = 0xFF54;
 constexpr ScreenColor kRed = {255, 0, 0}, kGreen = {0, 255, 0}, kBlue = {0, 0, 255};
 
@@ -63,20 +61,15 @@ protected:
     void SetUp() override {
         ScreenRun::SetUp();
         if (IsSkipped()) return;
-        fs::create_directories(copy_ + "/Visualizations");
-        for (const char* file : {"tdkplay", "libtdkplatform.so", "tdkviz.so"})
-            fs::copy(Stage() + "/" + file, copy_ + "/" + file);
-        for (const char* file : {"PaintsRed.tkv", "PaintsGreen.tkv", "PaintsBlue.tkv"}) Put(file);
-        program_ = Start({"--window", "--no-audio", "--loop", "--size", "300x200", "--viz", "paints red", "--viz",
-                          "paints green", "--viz", "paints blue", song_},
-                         copy_ + "/tdkplay");
+        const std::string player = CopyPlayer();
+        for (const char* file : {"/PaintsRed.tkv", "/PaintsGreen.tkv", "/PaintsBlue.tkv"})
+            PutPlugin(std::string(TEST_PLUGIN_DIR) + file);
+        Launch({"--window", "--no-audio", "--loop", "--size", "300x200", "--viz", "paints red", "--viz", "paints green",
+                "--viz", "paints blue", song_},
+               player);
         ASSERT_TRUE(WaitUntil([this] { return FindWindow("song.wav") != 0; }));
         window_ = FindWindow("song.wav");
     }
-    void Put(const std::string& file) const {
-        fs::copy(std::string(TEST_PLUGIN_DIR) + "/" + file, copy_ + "/Visualizations/" + file);
-    }
-    void Remove(const std::string& file) const { fs::remove(copy_ + "/Visualizations/" + file); }
     // The middle of a view's place, on the screen.
     std::pair<int, int> MiddleOf(size_t view) {
         const RECT place = LayOutGrid(size_, 3)[view];
@@ -88,7 +81,6 @@ protected:
         return person_->ColorAt(x, y).DistanceTo(color) == 0;
     }
 
-    const std::string copy_ = folder_.File("copy");
     xcb_window_t window_ = 0;
     PictureSize size_ = {300, 200};
 };
@@ -96,9 +88,9 @@ protected:
 TEST_F(ViewsRun, EachKeepsItsPluginWhateverTheOthersDo) {
     const auto othersStay = [this] { return Shows(0, kRed) && Shows(2, kBlue); };
     EXPECT_TRUE(WaitUntil([&] { return othersStay() && Shows(1, kGreen); }));
-    Remove("PaintsGreen.tkv");
+    RemovePlugin("PaintsGreen.tkv");
     EXPECT_TRUE(WaitUntil([&] { return othersStay() && (Shows(1, kRed) || Shows(1, kBlue)); }));
-    Put("PaintsGreen.tkv");
+    PutPlugin(TEST_PLUGIN_DIR "/PaintsGreen.tkv");
     EXPECT_TRUE(WaitUntil([&] { return othersStay() && Shows(1, kGreen); })) << "it is back";
 
     // Once around: two views have one plug-in, and one of them leaves it.

@@ -1,16 +1,11 @@
 // The player in a window, as a person at the X server has it.
 #include <chrono>
-#include <csignal>
-#include <functional>
-#include <optional>
 #include <thread>
 #include <tuple>
 
 #include "player/window/TransportStrip.h"
-#include "tests/player/PlayerRun.h"
+#include "tests/player/ScreenRun.h"
 #include "tests/x11/DropSource.h"
-#include "tests/x11/ForeignClient.h"
-#include "tests/x11/XServer.h"
 
 namespace tdkplay {
 namespace {
@@ -21,40 +16,22 @@ using std::chrono::milliseconds;
 constexpr uint32_t kDown = 0xFF54, kAlt = 0xFFE9, kEscape = 0xFF1B, kSpace = ' ';
 constexpr char kDialogTitle[] = "Visualization Settings";
 constexpr ScreenColor kFace = {192, 192, 192}, kSelected = {0, 0, 128};
-constexpr milliseconds kPatience{20000};
 constexpr int kWidth = 300, kHeight = 200;
 
-class WindowRun : public PlayerRun {
+class WindowRun : public ScreenRun {
 protected:
-    void SetUp() override {
-        PlayerRun::SetUp();
-        if (IsSkipped()) return;
-        if (!XServer::IsInstalled()) GTEST_SKIP() << "Xvfb is not installed";
-        server_.emplace(24);
-        ASSERT_TRUE(server_->Running());
-        display_ = server_->Name();
-        person_.emplace(display_);
-    }
-    void TearDown() override {
-        if (player_ <= 0) return;
-        kill(player_, SIGINT);
-        const Outcome outcome = Finish(player_);
-        EXPECT_EQ(outcome.Code, 0) << outcome.Error;
-        EXPECT_EQ(outcome.Error, "");
-    }
-
     void Play(std::vector<std::string> arguments, const std::string& program = Stage() + "/tdkplay") {
         const std::string size = std::to_string(kWidth) + "x" + std::to_string(kHeight);
         arguments.insert(arguments.end(), {"--window", "--no-audio", "--loop", "--size", size});
         arguments.insert(arguments.begin(), song_);
-        player_ = Start(arguments, program);
+        Launch(arguments, program);
         ASSERT_TRUE(Shows("song.wav - "));
-        ASSERT_TRUE(WaitUntil([this] { return FindStrip() != 0; }, kPatience));
+        ASSERT_TRUE(WaitUntil([this] { return FindStrip() != 0; }));
         window_ = FindWindow("song.wav - ");
         std::tie(left_, top_) = person_->CornerOf(FindStrip());
     }
     bool Shows(const std::string& title) {
-        return WaitUntil([&] { return FindWindow(title) != 0; }, kPatience);
+        return WaitUntil([&] { return FindWindow(title) != 0; });
     }
     // The strip, once it stands where it belongs.
     xcb_window_t FindStrip() {
@@ -72,56 +49,32 @@ protected:
         const RECT place = StripLayout::For(kWidth, 0, 0).PlaceOf(part);
         Click(left_ + (place.left + place.right) / 2, top_ + (place.top + place.bottom) / 2);
     }
-    static bool WaitUntil(const std::function<bool()>& done, milliseconds limit) {
-        const auto end = std::chrono::steady_clock::now() + limit;
-        while (!done()) {
-            if (std::chrono::steady_clock::now() > end) return false;
-            std::this_thread::sleep_for(milliseconds(10));
-        }
-        return true;
-    }
-    // A window on the screen whose title has this in it, or 0.
-    xcb_window_t FindWindow(const std::string& text) {
-        for (const xcb_window_t window : person_->ChildrenOf(person_->Root()))
-            if (person_->TextProperty(window, "WM_NAME").find(text) != std::string::npos) return window;
-        return 0;
-    }
-    void Press(uint32_t keysym) {
-        person_->Key(keysym, true);
-        person_->Key(keysym, false);
-    }
 
-    std::optional<XServer> server_;
-    std::optional<ForeignClient> person_;
-    pid_t player_ = 0;
     xcb_window_t window_ = 0;
     int left_ = 0, top_ = 0;  // of the strip, on the screen
 };
 
 TEST_F(WindowRun, PluginsComeAndGoWhileItPlays) {
-    const std::string copy = folder_.File("copy"), plugins = copy + "/Visualizations/";
-    fs::create_directories(plugins);
-    for (const char* file : {"tdkplay", "libtdkplatform.so", "tdkviz.so"})
-        fs::copy(Stage() + "/" + file, copy + "/" + file);
-    const auto put = [&](const std::string& file) { fs::copy(Stage() + "/Visualizations/" + file, plugins + file); };
+    const std::string player = CopyPlayer();
+    const auto put = [this](const std::string& file) { PutPlugin(Stage() + "/Visualizations/" + file); };
     const auto shows = [this](const std::string& name) { return Shows(" - " + name + " - "); };
     put("Flow.tkv");
     put("SpectrumBars.tkv");
-    Play({"--viz", "Spectrum Bars"}, copy + "/tdkplay");
+    Play({"--viz", "Spectrum Bars"}, player);
     EXPECT_TRUE(shows("Spectrum Bars"));
 
     put("Oscilloscope.tkv");
     std::this_thread::sleep_for(milliseconds(2000));  // nothing of it is seen from outside
     Press(kDown);
     EXPECT_TRUE(shows("Oscilloscope"));
-    fs::remove(plugins + "Oscilloscope.tkv");
+    RemovePlugin("Oscilloscope.tkv");
     EXPECT_TRUE(shows("Spectrum Bars")) << "the one before";
     Press(kDown);
     EXPECT_TRUE(shows("Flow"));
 
-    fs::remove(plugins + "Flow.tkv");
+    RemovePlugin("Flow.tkv");
     EXPECT_TRUE(shows("Spectrum Bars"));
-    fs::remove(plugins + "SpectrumBars.tkv");
+    RemovePlugin("SpectrumBars.tkv");
     EXPECT_TRUE(shows("No plug-in"));
     Press(kDown);
     put("Flow.tkv");
@@ -133,14 +86,13 @@ TEST_F(WindowRun, APluginDroppedIntoTheUsersFolderIsShown) {
     fs::create_directories(own);
     Play({"--viz", "Flow"});
     fs::copy(TEST_PLUGIN_DIR "/Glow.tkv", own + "/Glow.tkv");
-    EXPECT_TRUE(WaitUntil(
-        [this] {
-            Press(kDown);
-            return WaitUntil([this] { return FindWindow(" - Glow - ") != 0; }, milliseconds(200));
-        },
-        kPatience));
+    EXPECT_TRUE(WaitUntil([this] { return FindWindow(" - Glow - ") != 0; },
+                          [this] {
+                              Press(kDown);
+                              std::this_thread::sleep_for(milliseconds(200));
+                          }));
     fs::remove(own + "/Glow.tkv");
-    EXPECT_TRUE(WaitUntil([this] { return FindWindow(" - Glow - ") == 0; }, kPatience));
+    EXPECT_TRUE(WaitUntil([this] { return FindWindow(" - Glow - ") == 0; }));
 }
 
 TEST_F(WindowRun, StripKeysAndMenuWork) {
@@ -165,13 +117,13 @@ TEST_F(WindowRun, StripKeysAndMenuWork) {
     const std::vector<xcb_window_t> before = person_->ChildrenOf(person_->Root());
     const int x = left_ + 10, y = top_ - kHeight + 10;
     Click(x, y, 3);
-    EXPECT_TRUE(WaitUntil([&] { return person_->ChildrenOf(person_->Root()).size() > before.size(); }, kPatience));
+    EXPECT_TRUE(WaitUntil([&] { return person_->ChildrenOf(person_->Root()).size() > before.size(); }));
     person_->MoveMouse(x + 20, y + 12);  // the first plug-in
-    ASSERT_TRUE(WaitUntil([&] { return person_->ColorAt(x + 4, y + 12).DistanceTo(kSelected) == 0; }, kPatience));
+    ASSERT_TRUE(WaitUntil([&] { return person_->ColorAt(x + 4, y + 12).DistanceTo(kSelected) == 0; }));
     Click(x + 20, y + 12);
     EXPECT_TRUE(Shows(PluginNames().at(0) + " - Volume 95 % (paused)"));
     Press(kSpace);
-    EXPECT_TRUE(WaitUntil([&] { return FindWindow("(paused)") == 0; }, kPatience));
+    EXPECT_TRUE(WaitUntil([&] { return FindWindow("(paused)") == 0; }));
 }
 
 TEST_F(WindowRun, WhatIsDroppedPlaysAtOnce) {
@@ -202,17 +154,17 @@ TEST_F(WindowRun, FullScreenIsADoubleClickAwayAndTheStripComesWithTheMouse) {
     const int x = left_ + kWidth / 2, y = top_ - kHeight / 2;
     Click(x, y);
     Click(x, y);
-    ASSERT_TRUE(WaitUntil(isFull, kPatience));
-    EXPECT_TRUE(WaitUntil([&] { return strip() == 0; }, kPatience));
+    ASSERT_TRUE(WaitUntil(isFull));
+    EXPECT_TRUE(WaitUntil([&] { return strip() == 0; }));
     for (int i = 1; i <= 3; ++i) person_->MoveMouse(x + i, y);
-    ASSERT_TRUE(WaitUntil([&] { return strip() != 0; }, kPatience));
+    ASSERT_TRUE(WaitUntil([&] { return strip() != 0; }));
     EXPECT_EQ(person_->CornerOf(strip()), std::pair(0, XServer::kHeight - TransportStrip::kHeight));
     EXPECT_EQ(person_->ChildrenOf(window_).back(), strip()) << "above the picture";
-    EXPECT_TRUE(WaitUntil([&] { return strip() == 0; }, kPatience));
+    EXPECT_TRUE(WaitUntil([&] { return strip() == 0; }));
     Press(kEscape);
-    EXPECT_TRUE(WaitUntil([&] { return FindStrip() != 0; }, kPatience));
+    EXPECT_TRUE(WaitUntil([&] { return FindStrip() != 0; }));
     Press('t');
-    EXPECT_TRUE(WaitUntil([&] { return FindStrip() == 0; }, kPatience));
+    EXPECT_TRUE(WaitUntil([&] { return FindStrip() == 0; }));
 }
 
 TEST_F(WindowRun, TheButtonOpensTheSettingsAndShowsTheSwitch) {
@@ -230,13 +182,11 @@ TEST_F(WindowRun, TheButtonOpensTheSettingsAndShowsTheSwitch) {
     // The one that is there to stay.
     const auto restingPicture = [&picture] {
         std::vector<int> seen;
-        EXPECT_TRUE(WaitUntil(
-            [&] {
-                seen = picture();
-                std::this_thread::sleep_for(milliseconds(200));
-                return picture() == seen && seen != std::vector<int>(seen.size(), 0);
-            },
-            kPatience));
+        EXPECT_TRUE(WaitUntil([&] {
+            seen = picture();
+            std::this_thread::sleep_for(milliseconds(200));
+            return picture() == seen && seen != std::vector<int>(seen.size(), 0);
+        }));
         return seen;
     };
     const auto useSwitch = [&] {
@@ -248,21 +198,21 @@ TEST_F(WindowRun, TheButtonOpensTheSettingsAndShowsTheSwitch) {
             const auto [x, y] = person_->CornerOf(dialog);
             return person_->ColorAt(x + 1, y + 1).DistanceTo(kFace) == 0;
         };
-        ASSERT_TRUE(WaitUntil(isOpen, kPatience));
+        ASSERT_TRUE(WaitUntil(isOpen));
         person_->Key(kAlt, true);
         Press('o');
         person_->Key(kAlt, false);
         Press(kEscape);
-        ASSERT_TRUE(WaitUntil([this] { return FindWindow(kDialogTitle) == 0; }, kPatience));
+        ASSERT_TRUE(WaitUntil([this] { return FindWindow(kDialogTitle) == 0; }));
     };
     const std::vector<int> on = restingPicture();
     useSwitch();
     const std::vector<int> off = restingPicture();
     EXPECT_NE(off, on);
     useSwitch();
-    EXPECT_TRUE(WaitUntil([&] { return picture() == on; }, kPatience));
+    EXPECT_TRUE(WaitUntil([&] { return picture() == on; }));
     useSwitch();
-    EXPECT_TRUE(WaitUntil([&] { return picture() == off; }, kPatience));
+    EXPECT_TRUE(WaitUntil([&] { return picture() == off; }));
     EXPECT_NE(FindWindow("song.wav"), 0u) << "only the dialog was closed";
 }
 
