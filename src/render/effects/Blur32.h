@@ -1,10 +1,12 @@
-// The blur kernels of the 32-bit path, all four bytes of a pixel at once.
+// The blur kernels of the 32-bit path, all four bytes of a pixel at once. Files for one instruction set include this,
+// so everything here is local to the file that does: no other may end up with a copy that its processor can't run.
 #pragma once
 
 #include <cstdint>
 #include <cstring>
 
 namespace tdkviz {
+namespace {
 
 inline uint32_t LoadPixel(const uint8_t* at) {
     uint32_t pixel;
@@ -68,4 +70,5 @@ inline uint32_t Blur32(const Reader& at) {
     }
 }
 
+}  // namespace
 }  // namespace tdkviz

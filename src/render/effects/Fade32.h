@@ -6,6 +6,7 @@
 #include "src/render/effects/EffectPass.h"
 
 namespace tdkviz {
+namespace {  // see Blur32.h
 
 // Two bytes in each half: both fit 16 bits as long as the weights add up to 256.
 template <bool kFade>
@@ -26,4 +27,5 @@ private:
     const uint32_t keep_, even_, odd_;
 };
 
+}  // namespace
 }  // namespace tdkviz

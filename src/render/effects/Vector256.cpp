@@ -23,10 +23,15 @@ struct Lanes256 : VectorLanes<32> {
         return Bytes(
             _mm256_packus_epi16(_mm256_mulhi_epu16(low, __m256i(factor)), _mm256_mulhi_epu16(high, __m256i(factor))));
     }
-    static Bytes LookUp(Bytes table, Bytes index) { return Bytes(_mm256_shuffle_epi8(__m256i(table), __m256i(index))); }
+    static Halves SumLow(Bytes a, Bytes b) { return PairSums(_mm256_unpacklo_epi8(__m256i(a), __m256i(b))); }
+    static Halves SumHigh(Bytes a, Bytes b) { return PairSums(_mm256_unpackhi_epi8(__m256i(a), __m256i(b))); }
+    static Bytes Narrow(Halves low, Halves high) { return Bytes(_mm256_packus_epi16(__m256i(low), __m256i(high))); }
     static Bytes Permute(Bytes pixels, Words index) {
         return Bytes(_mm256_permutevar8x32_epi32(__m256i(pixels), __m256i(index)));
     }
+
+private:
+    static Halves PairSums(__m256i bytes) { return Halves(_mm256_maddubs_epi16(bytes, __m256i(Splat(1)))); }
 };
 
 }  // namespace

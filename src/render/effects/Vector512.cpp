@@ -23,12 +23,17 @@ struct Lanes512 : VectorLanes<64> {
         return Bytes(
             _mm512_packus_epi16(_mm512_mulhi_epu16(low, __m512i(factor)), _mm512_mulhi_epu16(high, __m512i(factor))));
     }
-    static Bytes LookUp(Bytes table, Bytes index) { return Bytes(_mm512_shuffle_epi8(__m512i(table), __m512i(index))); }
+    static Halves SumLow(Bytes a, Bytes b) { return PairSums(_mm512_unpacklo_epi8(__m512i(a), __m512i(b))); }
+    static Halves SumHigh(Bytes a, Bytes b) { return PairSums(_mm512_unpackhi_epi8(__m512i(a), __m512i(b))); }
+    static Bytes Narrow(Halves low, Halves high) { return Bytes(_mm512_packus_epi16(__m512i(low), __m512i(high))); }
     // The form without a mask warns of an uninitialised variable inside the compiler's own header.
     static Bytes Permute(Bytes pixels, Words index) {
         constexpr __mmask16 kAll = 0xFFFF;
         return Bytes(_mm512_maskz_permutexvar_epi32(kAll, __m512i(index), __m512i(pixels)));
     }
+
+private:
+    static Halves PairSums(__m512i bytes) { return Halves(_mm512_maddubs_epi16(bytes, __m512i(Splat(1)))); }
 };
 
 }  // namespace

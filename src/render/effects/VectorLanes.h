@@ -6,13 +6,14 @@
 
 namespace tdkviz {
 
-// kSize bytes seen as bytes, 16-bit halves of pixels and whole pixels. The compiler turns the operators
+// kSize bytes seen as bytes, 16-bit halves of pixels, whole pixels and pairs of them. The compiler turns the operators
 // into whatever instructions the file is built for.
 template <int kSize>
 struct VectorLanes {
     typedef uint8_t Bytes __attribute__((vector_size(kSize)));
     typedef uint16_t Halves __attribute__((vector_size(kSize)));
     typedef uint32_t Words __attribute__((vector_size(kSize)));
+    typedef uint64_t Pairs __attribute__((vector_size(kSize)));
     static constexpr int32_t kPixels = kSize / 4;
 
     static Bytes Load(const uint8_t* at) {
@@ -23,6 +24,7 @@ struct VectorLanes {
     static void Store(uint8_t* at, Bytes bytes) { std::memcpy(at, &bytes, sizeof bytes); }
     static Bytes Splat(uint8_t byte) { return Bytes{} + byte; }
     static Words SplatPixel(uint32_t pixel) { return Words{} + pixel; }
+    static Pairs SplatPair(uint64_t pair) { return Pairs{} + pair; }
 
     // Each byte shifted right by kBits.
     template <int kBits>
@@ -43,6 +45,7 @@ struct VectorLanes {
 //                                                   (a * 256 + below) * factor >> 16 of each byte
 //   static constexpr bool kPermutes                 whether lanes can be put in any order at once; if so:
 //   static Bytes Permute(Bytes pixels, Words index) pixel i becomes pixel index[i] mod kPixels
-//   static Bytes LookUp(Bytes table, Bytes index)   each index, below 8, becomes that byte of the table, which
-//                                                   repeats every 8 bytes
+//   static Halves SumLow(Bytes a, Bytes b)          a + b of half of the bytes, and of the other half; what Narrow
+//   static Halves SumHigh(Bytes a, Bytes b)         makes of the two, which are at most 255 by then, is in order
+//   static Bytes Narrow(Halves low, Halves high)
 }  // namespace tdkviz

@@ -20,6 +20,7 @@
 #include "src/render/effects/VectorShade.h"
 
 namespace tdkviz {
+namespace {  // see Blur32.h
 
 // How many columns it takes until a coordinate that drifts by a few 1/256 pixel a column enters another pixel.
 class DriftTable {
@@ -133,11 +134,15 @@ private:
     // `x` to `end` that has one source row. The row is null if that is beyond the edge and edges don't repeat.
     template <typename Run>
     [[gnu::always_inline]] void ForEachRun(int32_t x, int32_t end, int32_t atY, const Run& run) const {
-        for (atY += x * stepY_; x < end;) {
-            const int32_t count = std::min(rowRuns_.ColumnsFrom(atY), end - x), sourceY = WholePixels(atY);
-            run(SourceRow(sourceY), x, count);
+        // Copies, which stay in registers: a store into the frame might change any field.
+        const DriftTable runs = rowRuns_;
+        const int32_t step = stepY_;
+        int32_t at = atY + x * step;
+        while (x < end) {
+            const int32_t count = std::min(runs.ColumnsFrom(at), end - x), sourceY = WholePixels(at), begin = x;
             x += count;
-            atY += count * stepY_;
+            at += count * step;
+            run(SourceRow(sourceY), begin, count);
         }
     }
 
@@ -315,4 +320,5 @@ EffectPassFunction FindVectorPass(const EffectPass& pass) {
     return kPasses[static_cast<size_t>(pass.kernel)][static_cast<size_t>(FadeKindOf(pass))];
 }
 
+}  // namespace
 }  // namespace tdkviz

@@ -18,12 +18,11 @@ public:
     using Bytes = typename Lanes::Bytes;
     using Halves = typename Lanes::Halves;
 
-    explicit VectorBlur(ptrdiff_t pitch) : pitch_(pitch) {
-        for (size_t i = 0; i < sizeof(Bytes); ++i) eighthsRest_[i] = static_cast<uint8_t>(kEighthsRest[i % kEighths]);
-    }
+    explicit VectorBlur(ptrdiff_t pitch) : pitch_(pitch) {}
 
     Bytes operator()(const uint8_t* centre) const {
-        const auto p = [&](int dx, int dy) { return Lanes::Load(centre + dx * 4 + dy * pitch_); };
+        const uint8_t *const above = centre - pitch_, *const below = centre + pitch_;
+        const auto p = [&](int dx, int dy) { return Lanes::Load((dy < 0 ? above : dy > 0 ? below : centre) + dx * 4); };
         const Bytes c = p(0, 0);
         if constexpr (kKernel <= 1) {
             return c;
@@ -50,21 +49,11 @@ public:
     }
 
 private:
-    static constexpr size_t kEighths = 8;
-    static constexpr int8_t kEighthsRest[kEighths] = {0, 0, 1, 1, -1, -1, 0, 0};
-
-    // c / 2 + c / 4 + c / 8 + cross / 8, each rounded down, and the low two bits of c; cross is a multiple of 8.
-    Bytes WithEighths(Bytes c, Bytes cross) const {
-        if constexpr (Lanes::kPermutes) {
-            // The terms of c are c - c / 8 and a rest, which only the low three bits of c tell.
-            const Bytes own =
-                c - Lanes::template ShiftRight<3>(c) + Lanes::LookUp(eighthsRest_, c & Lanes::Splat(kEighths - 1));
-            return own + Lanes::template ShiftRightExact<3>(cross);
-        } else {
-            const Bytes eighths = Lanes::Average(c & Lanes::Splat(0xF8), cross);  // four of them, exactly
-            return Lanes::Average(c, Bytes{}) + Lanes::template ShiftRight<2>(c) + (c & Lanes::Splat(2)) +
-                   Lanes::template ShiftRightExact<2>(eighths);
-        }
+    // c / 2 + c / 4 + c / 8 + cross / 8, each rounded down, and the low two bits of c; cross is a multiple of 8. That
+    // is the same as three averages that round up, if the first takes c with its bit 1 in the place of bit 2.
+    static Bytes WithEighths(Bytes c, Bytes cross) {
+        const Bytes bit2 = Lanes::Splat(4), moved = (c & ~bit2) | ((c + c) & bit2);
+        return Lanes::Average(c, Lanes::Average(c, Lanes::Average(moved, cross)));
     }
     static Bytes OfFour(Bytes a, Bytes b, Bytes c, Bytes d, uint8_t mask) {
         const Bytes kept = Lanes::Splat(mask);
@@ -79,18 +68,28 @@ private:
         return OfFour(p(-1, -1), p(1, -1), p(-1, 1), p(1, 1), kMask);
     }
 
-    // The low three bytes of each pixel; the top one becomes 0. 21845 is 65536 / 3 rounded down.
+    // The low three bytes of each pixel; the top one becomes 0. With 21845, which is 65536 / 3 rounded down,
+    // (sum + 3) * 21845 >> 16 is a third of the sum rounded up.
+    static constexpr uint16_t kThird = 21845;
+    static constexpr uint8_t kRound = 3;
     static Bytes OfThree(Bytes a, Bytes b, Bytes c) {
-        constexpr uint16_t kThird = 21845, kRound = 3, kLow = 0xFF;
-        const Halves low = Halves{} + kLow, round = Halves{} + kRound, third = Halves{} + kThird;
-        const Halves thirdOfLowest = Halves(Lanes::SplatPixel(kThird));
-        const Halves even = (Halves(a) & low) + (Halves(b) & low) + (Halves(c) & low) + round;
-        const Halves odd = (Halves(a) >> 8) + (Halves(b) >> 8) + (Halves(c) >> 8) + round;
-        return Bytes(Lanes::MulHigh(even, third) | (Lanes::MulHigh(odd, thirdOfLowest) << 8));
+        if constexpr (Lanes::kPermutes) {
+            constexpr uint64_t kThirds = kThird * uint64_t{0x0001'0001'0001};
+            const Bytes round = Lanes::Splat(kRound);
+            const auto third = [](Halves sum) { return Lanes::MulHigh(sum, Halves(Lanes::SplatPair(kThirds))); };
+            return Lanes::Narrow(third(Lanes::SumLow(a, b) + Lanes::SumLow(c, round)),
+                                 third(Lanes::SumHigh(a, b) + Lanes::SumHigh(c, round)));
+        } else {
+            constexpr uint16_t kLow = 0xFF;
+            const Halves low = Halves{} + kLow, round = Halves{} + kRound;
+            const Halves even = (Halves(a) & low) + (Halves(b) & low) + (Halves(c) & low) + round;
+            const Halves odd = (Halves(a) >> 8) + (Halves(b) >> 8) + (Halves(c) >> 8) + round;
+            return Bytes(Lanes::MulHigh(even, Halves{} + kThird) |
+                         (Lanes::MulHigh(odd, Halves(Lanes::SplatPixel(kThird))) << 8));
+        }
     }
 
     const ptrdiff_t pitch_;
-    Bytes eighthsRest_;
 };
 
 enum class FadeKind { kNone, kToBlack, kToColor };
