@@ -66,12 +66,13 @@ bool ScaleAndPack(const Rows& words, uint32_t format, const Rows& to) {
 }
 
 bool ConvertRgb(const Rows& words, uint32_t to, const Rows& out) {
-    if (words.HasSizeOf(out)) {
-        PackRows(words, to, out);
-        return true;
-    }
-    if (IsDouble(words, out)) return DoubleRows(words, to, out);
-    return to == FormatRGB32 ? ScaleWords(words, out) : ScaleAndPack(words, to, out);
+    const bool isSame = words.HasSizeOf(out), isDouble = IsDouble(words, out);
+    if (!isSame && !isDouble) return to == FormatRGB32 ? ScaleWords(words, out) : ScaleAndPack(words, to, out);
+    // Bottom-up pictures are the rule here, and memory is written faster upwards.
+    if (out.step < 0) return ConvertRgb(words.Reversed(), to, out.Reversed());
+    if (isDouble) return DoubleRows(words, to, out);
+    PackRows(words, to, out);
+    return true;
 }
 
 bool ConvertYuv(const Rows& words, uint32_t to, const Image& destination) {

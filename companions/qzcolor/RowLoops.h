@@ -67,15 +67,39 @@ void PackHalves(const uint8_t* __restrict from, uint8_t* __restrict to, int32_t 
     for (; x < count; ++x) out[x] = static_cast<uint16_t>(Pixel::Raised(uint32_t{in[x]}) >> 16);
 }
 
+// Calls `put` with the first pixel of one vector after the other, for at least one vector of source pixels. The first
+// and the last overlap their neighbours, so that no store in between crosses a cache line; `pixelBytes` of `out` are
+// written for each.
+template <typename Put>
+void ForEachVector(const uint8_t* out, int32_t pixelBytes, int32_t count, const Put& put) {
+    put(0);
+    int32_t x = static_cast<int32_t>(-reinterpret_cast<uintptr_t>(out) % kVectorBytes) / pixelBytes;
+    for (; x + kLanes <= count; x += kLanes) put(x);
+    if (x < count) put(count - kLanes);
+}
+
 template <typename Pixel>
-void DoubleWords(const uint8_t* __restrict from, uint8_t* __restrict upper, uint8_t* __restrict lower, int32_t count) {
-    const Word32* in = reinterpret_cast<const Word32*>(from);
-    Word64* out0 = reinterpret_cast<Word64*>(upper);
-    Word64* out1 = reinterpret_cast<Word64*>(lower);
+void DoubleWordsInto(const Word32* __restrict in, Word64* __restrict out, int32_t count) {
+    if (count >= kLanes) {
+        return ForEachVector(reinterpret_cast<const uint8_t*>(out), sizeof *out, count, [&](int32_t x) {
+            Words left, right;
+            Twice(Pixel::From(Load(in + x)), left, right);
+            Store(out + x, left);
+            Store(out + x + kLanes / 2, right);
+        });
+    }
     for (int32_t x = 0; x < count; ++x) {
         const uint64_t pixel = Pixel::From(uint32_t{in[x]});
-        out0[x] = out1[x] = pixel << 32 | pixel;
+        out[x] = pixel << 32 | pixel;
     }
+}
+
+// One row after the other: more than two streams of stores at a time get in each other's way.
+template <typename Pixel>
+void DoubleWords(const uint8_t* from, uint8_t* upper, uint8_t* lower, int32_t count) {
+    const Word32* in = reinterpret_cast<const Word32*>(from);
+    DoubleWordsInto<Pixel>(in, reinterpret_cast<Word64*>(upper), count);
+    DoubleWordsInto<Pixel>(in, reinterpret_cast<Word64*>(lower), count);
 }
 
 // Two pixels of 16 bits are one word, so reading and writing go in step.
@@ -84,16 +108,18 @@ void DoubleHalves(const uint8_t* __restrict from, uint8_t* __restrict upper, uin
     const Word32* in = reinterpret_cast<const Word32*>(from);
     Word32* out0 = reinterpret_cast<Word32*>(upper);
     Word32* out1 = reinterpret_cast<Word32*>(lower);
-    int32_t x = 0;
-    for (; x + kLanes <= count; x += kLanes) {
-        const Words raised = Pixel::Raised(Load(in + x)), twice = raised | raised >> 16;
-        Store(out0 + x, twice);
-        Store(out1 + x, twice);
+    const auto twice = [](auto pixels) {
+        const auto raised = Pixel::Raised(pixels);
+        return raised | raised >> 16;
+    };
+    if (count >= kLanes) {
+        return ForEachVector(upper, sizeof *out0, count, [&](int32_t x) {
+            const Words words = twice(Load(in + x));
+            Store(out0 + x, words);
+            Store(out1 + x, words);
+        });
     }
-    for (; x < count; ++x) {
-        const uint32_t raised = Pixel::Raised(uint32_t{in[x]});
-        out0[x] = out1[x] = raised | raised >> 16;
-    }
+    for (int32_t x = 0; x < count; ++x) out0[x] = out1[x] = twice(uint32_t{in[x]});
 }
 
 // Two colours of a pixel, in the low bytes of its halves, with 16 bits of room: they never run into each other. The

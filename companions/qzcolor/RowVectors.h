@@ -62,6 +62,17 @@ Words PackHighHalves(Words a, Words b) {
 }
 #endif
 
+// Each word twice, in order.
+void Twice(Words words, Words& left, Words& right) {
+#ifdef __AVX2__
+    left = __builtin_shufflevector(words, words, 0, 0, 1, 1, 2, 2, 3, 3);
+    right = __builtin_shufflevector(words, words, 4, 4, 5, 5, 6, 6, 7, 7);
+#else
+    left = __builtin_shufflevector(words, words, 0, 0, 1, 1);
+    right = __builtin_shufflevector(words, words, 2, 2, 3, 3);
+#endif
+}
+
 // The words at as many places as a vector has lanes, and those behind them.
 void LoadNeighbours(const Word32* in, const int32_t* places, Words& left, Words& right) {
     const auto pair = [&](int lane) {
