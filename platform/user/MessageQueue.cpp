@@ -1,5 +1,7 @@
 #include "platform/user/MessageQueue.h"
 
+#include <shellapi.h>
+
 #include <algorithm>
 
 #include "platform/kernel/Immortal.h"
@@ -158,6 +160,9 @@ bool TakeMessage(DispatcherGuard& guard, MessageQueue& queue, const MessageFilte
 
 void ForgetWindowInQueue(DispatcherGuard& guard, MessageQueue& queue, HWND window) {
     const auto belongs = [window](const QueuedMessage& queued) { return queued.message.hwnd == window; };
+    for (const QueuedMessage& queued : queue.posted)
+        if (belongs(queued) && queued.message.message == WM_DROPFILES)
+            DragFinish(reinterpret_cast<HDROP>(queued.message.wParam));
     std::erase_if(queue.posted, belongs);
     std::erase_if(queue.input, belongs);
     std::erase_if(queue.timers, [window](const UserTimer& timer) { return timer.window == window; });

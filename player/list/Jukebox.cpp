@@ -84,7 +84,13 @@ bool Jukebox::Replace(const std::vector<std::string>& files, Playback& sound) {
 }
 
 void Jukebox::Step(int direction, Playback& sound) {
-    if (direction < 0 && sound.Pump().Where().Position > kRestartSeconds) return sound.Seek(0.0);
+    const HeardPlace heard = sound.Pump().Where();
+    if (direction < 0 && heard.Position > kRestartSeconds) {
+        if (!heard.IsLeaving()) return sound.Seek(0.0);
+        // The next one goes out already, and a seek would be in that.
+        if (Source again = Open(given_[heard_], 1); again.Audio) Begin(std::move(again), sound);
+        return;
+    }
     Source source = Open(Beside(given_[heard_], direction), direction);
     if (source.Audio) return Begin(std::move(source), sound);
     if (direction < 0) sound.Seek(0.0);

@@ -106,6 +106,12 @@ TEST_F(UserDesktop, DroppedFilesGoToTheNearestWindowThatAcceptsThem) {
     EXPECT_TRUE(DragQueryPoint(reinterpret_cast<HDROP>(told[0].wParam), &point));
     EXPECT_EQ(point.x, 10);
     DragFinish(reinterpret_cast<HDROP>(told[0].wParam));
+
+    // One that waits goes with its window.
+    const HWND gone = class_.Make(WS_POPUP | WS_VISIBLE, nullptr, 60, 40);
+    DragAcceptFiles(gone, TRUE);
+    EXPECT_TRUE(TdkpFeedFiles(gone, 5, 5, paths, 1));
+    DestroyWindow(gone);
     TdkpCounts after;
     TdkpCount(&after);
     EXPECT_EQ(after.handles, before.handles);
