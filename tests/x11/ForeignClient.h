@@ -5,9 +5,17 @@
 #include <xcb/xcb.h>
 
 #include <cstdint>
+#include <cstdlib>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
+
+// Frees what the library has given.
+template <typename T>
+auto Own(T* reply) {
+    return std::unique_ptr<T, decltype(&std::free)>(reply, &std::free);
+}
 
 struct ScreenColor {
     int red = -1, green = -1, blue = -1;
@@ -27,7 +35,6 @@ public:
     // Shown, above all others, painted white. No window manager is asked.
     xcb_window_t MakeWindow(int x, int y, int width, int height);
     void Move(xcb_window_t window, int x, int y);
-    void Resize(xcb_window_t window, int width, int height);
     void Hide(xcb_window_t window);
     void Unhide(xcb_window_t window);
     void Destroy(xcb_window_t window);
@@ -62,6 +69,10 @@ public:
     void MoveMouse(int x, int y);
     void Button(int number, bool down);
     void Key(uint32_t keysym, bool down);
+
+    // From now on the server's screen saver comes after so many seconds without input.
+    void UseScreenSaver(int seconds);
+    bool IsScreenSaverOn();
 
 private:
     xcb_atom_t Atom(const char* name);
