@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdlib>
+#include <filesystem>
 #include <mutex>
 #include <string>
 #include <utility>
@@ -14,6 +15,7 @@
 
 #include "platform/include/tdkplatform.h"
 #include "tests/staged/NothingLeft.h"
+#include "tests/support/TemporaryFolder.h"
 #include "tests/support/Wait.h"
 
 namespace {
@@ -98,10 +100,14 @@ TEST(LayerLibrary, TheProgramCountsAsBeingWhereItIsSaidToBe) {
         return std::string(path, GetModuleFileNameA(program, path, sizeof(path)));
     };
     const std::string own = programPath(nullptr);
+    const std::filesystem::path beside = std::filesystem::path(own).parent_path() / "beside.so";
+    std::filesystem::copy_file(TestLibrary("NoExport.tkv"), beside, std::filesystem::copy_options::overwrite_existing);
     TdkpUseProgramPath("/elsewhere/program");
     EXPECT_EQ(programPath(nullptr), "/elsewhere/program");
     EXPECT_EQ(programPath(GetModuleHandleA(nullptr)), "/elsewhere/program");
-    EXPECT_NE(GetModuleHandleA("libtdkplatform.so"), nullptr) << "which lies beside the file itself or the layer";
+    const HMODULE library = LoadLibraryA("beside");
+    EXPECT_TRUE(FreeLibrary(library)) << "it lies beside the file itself";
+    std::filesystem::remove(beside);
     TdkpUseProgramPath(nullptr);
     EXPECT_EQ(programPath(nullptr), own);
 }

@@ -66,6 +66,12 @@ void ForeignClient::Move(xcb_window_t window, int x, int y) {
     Wait();
 }
 
+void ForeignClient::Resize(xcb_window_t window, int width, int height) {
+    const uint32_t size[] = {static_cast<uint32_t>(width), static_cast<uint32_t>(height)};
+    xcb_configure_window(connection_, window, XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, size);
+    Wait();
+}
+
 void ForeignClient::Hide(xcb_window_t window) {
     xcb_unmap_window(connection_, window);
     Wait();

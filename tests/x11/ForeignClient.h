@@ -35,6 +35,7 @@ public:
     // Shown, above all others, painted white. No window manager is asked.
     xcb_window_t MakeWindow(int x, int y, int width, int height);
     void Move(xcb_window_t window, int x, int y);
+    void Resize(xcb_window_t window, int width, int height);
     void Hide(xcb_window_t window);
     void Unhide(xcb_window_t window);
     void Destroy(xcb_window_t window);
