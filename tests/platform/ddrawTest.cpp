@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/platform/gdiSupport.h"
 #include "tests/support/Picture.h"
 
 namespace {
@@ -38,7 +39,6 @@ protected:
 
     void SetUp() override { Start(32); }
     void Start(int depth) {
-        depth_ = depth;
         ASSERT_TRUE(TdkpUseMemoryDisplay(640, 480, depth));
         objects_ = Counts().directDraw;
         ASSERT_EQ(CoInitialize(nullptr), S_OK);
@@ -62,28 +62,19 @@ protected:
         TdkpUseMemoryDisplay(1920, 1080, 32);
     }
 
-    HRESULT Create() {
-        return CoCreateInstance(kClass, nullptr, CLSCTX_ALL, kIDirectDraw, reinterpret_cast<void**>(&draw_));
-    }
-    void CreateReady() {
-        ASSERT_EQ(Create(), S_OK);
-        ASSERT_EQ(draw_->Initialize(nullptr), DD_OK);
-        ASSERT_EQ(draw_->SetCooperativeLevel(window_, DDSCL_NORMAL), DD_OK);
-    }
-    HRESULT MakePrimary(IDirectDrawSurface** out) {
-        DDSURFACEDESC description = MakeDescription(DDSD_CAPS, DDSCAPS_PRIMARYSURFACE);
-        return draw_->CreateSurface(&description, out, nullptr);
-    }
     // A memory surface whose pixels all differ, and the primary with a clipper on the window.
     void CreateSurfaces(DWORD width, DWORD height) {
-        CreateReady();
-        ASSERT_EQ(MakePrimary(&primary_), DD_OK);
+        ASSERT_EQ(CoCreateInstance(kClass, nullptr, CLSCTX_ALL, kIDirectDraw, reinterpret_cast<void**>(&draw_)), S_OK);
+        ASSERT_EQ(draw_->Initialize(nullptr), DD_OK);
+        ASSERT_EQ(draw_->SetCooperativeLevel(window_, DDSCL_NORMAL), DD_OK);
+        DDSURFACEDESC description = MakeDescription(DDSD_CAPS, DDSCAPS_PRIMARYSURFACE);
+        ASSERT_EQ(draw_->CreateSurface(&description, &primary_, nullptr), DD_OK);
         IDirectDrawClipper* clipper = nullptr;
         ASSERT_EQ(draw_->CreateClipper(0, &clipper, nullptr), DD_OK);
         EXPECT_EQ(clipper->SetHWnd(0, window_), DD_OK);
         EXPECT_EQ(primary_->SetClipper(clipper), DD_OK);
         EXPECT_EQ(clipper->Release(), 1u) << "the primary holds it";
-        DDSURFACEDESC description = MakeDescription(kSized, DDSCAPS_SYSTEMMEMORY, width, height);
+        description = MakeDescription(kSized, DDSCAPS_SYSTEMMEMORY, width, height);
         ASSERT_EQ(draw_->CreateSurface(&description, &surface_, nullptr), DD_OK);
         locked_ = MakeDescription(0, 0);
         ASSERT_EQ(surface_->Lock(nullptr, &locked_, DDLOCK_WAIT, nullptr), DD_OK);
@@ -99,19 +90,6 @@ protected:
     }
     static uint32_t RawAt(DWORD x, DWORD y) { return (y + 1) * 16 + x; }
 
-    // What the window shows of raw pixels.
-    uint32_t ColorOf(uint32_t raw) const {
-        switch (depth_) {
-            case 16:
-                return (raw >> 11 << 3 | raw >> 13) << 16 | ((raw >> 5 & 63) << 2 | (raw >> 9 & 3)) << 8 |
-                       (raw & 31) << 3 | (raw & 31) >> 2;
-            case 15:
-                return (raw >> 10 << 3 | raw >> 12) << 16 | ((raw >> 5 & 31) << 3 | (raw >> 7 & 7)) << 8 |
-                       (raw & 31) << 3 | (raw & 31) >> 2;
-            default:
-                return raw & 0xFFFFFF;
-        }
-    }
     HRESULT Blt(RECT to, DWORD effects) {
         DDBLTFX fx = {};
         fx.dwSize = sizeof(fx);
@@ -131,7 +109,6 @@ protected:
     IDirectDrawSurface* surface_ = nullptr;
     DDSURFACEDESC locked_ = {};
     int32_t objects_ = 0;
-    int depth_ = 0;
 };
 
 class DirectDrawBlitTest : public DirectDrawTest, public testing::WithParamInterface<int> {
@@ -170,6 +147,11 @@ TEST_F(DirectDrawTest, SurfacesAreLockedOnceAndLostUntilTheyAreRestored) {
 TEST_P(DirectDrawBlitTest, StretchesAndMirrorsInsideTheWindow) {
     constexpr int kFrom = 8;
     CreateSurfaces(kFrom, kFrom);
+    // Tells what the window shows of raw pixels.
+    const gditest::Surface colors(GetParam() == 32   ? gditest::k32
+                                  : GetParam() == 16 ? gditest::k565
+                                                     : gditest::k555,
+                                  1, 1);
     const struct {
         RECT to;  // in the window
         DWORD effects;
@@ -193,7 +175,7 @@ TEST_P(DirectDrawBlitTest, StretchesAndMirrorsInsideTheWindow) {
                 const bool inside = x >= c.to.left && x < c.to.right && y >= c.to.top && y < c.to.bottom;
                 if ((c.effects & DDBLTFX_MIRRORUPDOWN) != 0) fromY = kFrom - 1 - fromY;
                 const uint32_t raw = inside ? RawAt(static_cast<DWORD>(fromX), static_cast<DWORD>(fromY)) : uint32_t{0};
-                wrong += picture.At(x, y) != ColorOf(raw);
+                wrong += picture.At(x, y) != colors.ColorOf(raw);
             }
         }
         EXPECT_EQ(wrong, 0);

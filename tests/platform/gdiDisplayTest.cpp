@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include "tests/platform/gdiSupport.h"
+#include "tests/platform/userSupport.h"
 #include "tests/support/Picture.h"
 
 namespace {
@@ -19,27 +20,19 @@ protected:
 // A window of 40 by 30 pixels with a context of its own.
 class Window {
 public:
-    explicit Window(DWORD style = WS_POPUP | WS_VISIBLE) {
-        WNDCLASSA info = {};
-        info.style = CS_OWNDC;
-        info.lpfnWndProc = DefWindowProcA;
-        info.lpszClassName = "gdiDisplayTest";
-        RegisterClassA(&info);
-        handle = CreateWindowExA(0, info.lpszClassName, "", style, 0, 0, 40, 30, nullptr, nullptr, nullptr, nullptr);
-        dc = GetDC(handle);
-    }
+    explicit Window(DWORD style = WS_POPUP | WS_VISIBLE) : handle(windows.Make(style)), dc(GetDC(handle)) {}
     ~Window() {
         ReleaseDC(handle, dc);
         DestroyWindow(handle);
-        UnregisterClassA("gdiDisplayTest", nullptr);
     }
     Window(const Window&) = delete;
     Window& operator=(const Window&) = delete;
 
     uint32_t Seen(int x, int y) const { return tdkviz::test::Picture(handle).At(x, y); }
 
-    HWND handle;
-    HDC dc;
+    usertest::TestClass windows{CS_OWNDC};
+    const HWND handle;
+    const HDC dc;
 };
 
 TEST_P(OnDisplay, ShowsWhatIsBlittedToAWindow) {
@@ -65,9 +58,8 @@ INSTANTIATE_TEST_SUITE_P(Depths, OnDisplay, testing::Values(32, 24, 16, 15, 8),
 
 TEST(WindowContext, ChildrenAreLeftOutWhereTheStyleSaysSo) {
     Window window(WS_POPUP | WS_VISIBLE | WS_CLIPCHILDREN);
-    const HWND child = CreateWindowExA(0, "gdiDisplayTest", "", WS_CHILD | WS_VISIBLE, 10, 5, 10, 10, window.handle,
-                                       nullptr, nullptr, nullptr);
-    ASSERT_NE(nullptr, child);
+    const HWND child = window.windows.Make(WS_CHILD | WS_VISIBLE, window.handle, 10, 10);
+    MoveWindow(child, 10, 5, 10, 10, FALSE);
     const HBRUSH red = CreateSolidBrush(RGB(255, 0, 0)), blue = CreateSolidBrush(RGB(0, 0, 255));
     const RECT all = {0, 0, 40, 30};
     const HDC childDc = GetDC(child);
@@ -85,8 +77,7 @@ TEST(WindowContext, ChildrenAreLeftOutWhereTheStyleSaysSo) {
 
 TEST(WindowContext, OutlivesItsWindowWithoutDrawing) {
     Window window;
-    const HWND other =
-        CreateWindowExA(0, "gdiDisplayTest", "", WS_POPUP, 0, 0, 5, 5, nullptr, nullptr, nullptr, nullptr);
+    const HWND other = window.windows.Make(WS_POPUP, nullptr, 5, 5);
     const HDC dc = GetDC(other);
     DestroyWindow(other);
     const RECT all = {0, 0, 5, 5};

@@ -1,6 +1,5 @@
 // What the layer's change notifications do beyond the interface that they stand for: whole folders that come and
 // go, files that are still being written, the end of the watched folder, and nothing left behind.
-#include <atomic>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -10,7 +9,6 @@
 
 #include <windows.h>
 
-#include "platform/include/tdkplatform.h"
 #include "tests/platform/changeSupport.h"
 #include "tests/staged/NothingLeft.h"
 
@@ -142,33 +140,6 @@ TEST(KernelChangeLayer, OneThreadServesAllAndNothingIsLeft) {
         EXPECT_EQ(ThreadsOfThisProcess(), threads);
     }
     EXPECT_EQ(DescriptorsOfThisProcess(), descriptors);
-}
-
-DWORD WINAPI AwaitChange(LPVOID argument) {
-    const HANDLE change = Watch(TestRegistryFolder().Path());
-    *static_cast<std::atomic<bool>*>(argument) = WaitForSingleObject(change, INFINITE) == WAIT_OBJECT_0;
-    FindCloseChangeNotification(change);
-    return 0;
-}
-
-// A thread that waits for a change doesn't hold up the clock, and a change wakes it while the clock stands.
-TEST(KernelChangeLayer, SteppedClock) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
-    EXPECT_EXIT(
-        {
-            TdkpUseSteppedClock();
-            std::atomic<bool> seen{false};
-            const HANDLE thread = CreateThread(nullptr, 0, AwaitChange, &seen, 0, nullptr);
-            TdkpAdvanceClock(1000);
-            EXPECT_FALSE(seen);
-            TestRegistryFolder().Write("file", "");
-            while (WaitForSingleObject(thread, 0) != WAIT_OBJECT_0) Sleep(0);
-            EXPECT_TRUE(seen);
-            EXPECT_EQ(GetTickCount(), 1000u);
-            CloseHandle(thread);
-            std::exit(testing::Test::HasFailure() ? 1 : 0);
-        },
-        testing::ExitedWithCode(0), "");
 }
 
 }  // namespace

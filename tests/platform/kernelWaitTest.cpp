@@ -21,18 +21,6 @@ void CloseAll(const std::vector<HANDLE>& handles) {
     for (HANDLE handle : handles) EXPECT_TRUE(CloseHandle(handle));
 }
 
-TEST(KernelWait, AutoResetEventServesOneWaitAndManualResetAll) {
-    for (const bool manual : {false, true}) {
-        const HANDLE event = MakeEvent(manual, true);
-        EXPECT_EQ(WaitForSingleObject(event, 0), WAIT_OBJECT_0);
-        EXPECT_EQ(WaitForSingleObject(event, 0), manual ? WAIT_OBJECT_0 : WAIT_TIMEOUT) << "manual " << manual;
-        EXPECT_TRUE(SetEvent(event));
-        EXPECT_TRUE(ResetEvent(event));
-        EXPECT_EQ(WaitForSingleObject(event, 0), WAIT_TIMEOUT);
-        CloseAll({event});
-    }
-}
-
 TEST(KernelWait, LowestIndexWinsAndOnlyThatOneIsConsumed) {
     const std::vector<HANDLE> events{MakeEvent(false, false), MakeEvent(false, true), MakeEvent(false, true)};
     EXPECT_EQ(WaitForMultipleObjects(3, events.data(), FALSE, kLong), WAIT_OBJECT_0 + 1);

@@ -71,26 +71,23 @@ int64_t Number(const char* subKey, const char* name) {
     return result == kSuccess ? int64_t{number} : -1;
 }
 
-// Each test has a folder of its own, and the variables as they were when it ends.
+// Each test has a folder of its own.
 class RegistryFile : public testing::Test {
 protected:
-    void SetUp() override {
-        char name[] = "/tmp/registryFileTestXXXXXX";
-        folder_ = mkdtemp(name);
-        for (const char* variable : {"TDKVIZ_REGISTRY", "XDG_CONFIG_HOME"}) {
-            const char* value = std::getenv(variable);
-            former_.emplace_back(variable, value != nullptr ? value : "");
-        }
-        file_ = folder_ / "r.db";
-        Use(file_);
-    }
-    void TearDown() override {
-        for (const auto& [variable, value] : former_)
-            value.empty() ? unsetenv(variable) : setenv(variable, value.c_str(), 1);
+    RegistryFile() { Use(file_); }
+    ~RegistryFile() override {
+        unsetenv("XDG_CONFIG_HOME");
         fs::permissions(folder_, fs::perms::owner_all);
-        fs::remove_all(folder_);
     }
     static void Use(const fs::path& file) { setenv("TDKVIZ_REGISTRY", file.c_str(), 1); }
+
+    // Gives the key K1 so many values of a hundred bytes.
+    void FillPages(int values) const {
+        const std::string rows =
+            "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < " + std::to_string(values) + ")";
+        Output(file_,
+               (rows + " INSERT INTO vals SELECT 'HKEY_CURRENT_USER\\K1', 'n' || i, 3, zeroblob(100) FROM n").c_str());
+    }
 
     // Runs in a process of its own; its answer is the exit code.
     static pid_t Fork(const std::function<int()>& work) {
@@ -104,11 +101,8 @@ protected:
         return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
     }
 
-    fs::path folder_;
-    fs::path file_;
-
-private:
-    std::vector<std::pair<const char*, std::string>> former_;
+    const TemporaryFolder temporary_;
+    const fs::path folder_ = temporary_.Path(), file_ = folder_ / "r.db";
 };
 
 TEST_F(RegistryFile, HasThePublishedFormAndIsLetGoWithTheLastKey) {
@@ -159,10 +153,7 @@ TEST_F(RegistryFile, ADamagedOneIsSetAsideAndANewOneBegun) {
     int number = 0;
     for (const Case& one : cases) {
         SetNumber("K1", "v", 7);
-        // Enough to fill many pages.
-        Output(file_,
-               "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 200)"
-               " INSERT INTO vals SELECT 'HKEY_CURRENT_USER\\K1', 'n' || i, 3, zeroblob(100) FROM n");
+        FillPages(200);
         ASSERT_EQ(7, Number("K1", "v"));
         one.damage(file_);
         const std::string bytes = BytesOf(file_);
@@ -178,9 +169,7 @@ TEST_F(RegistryFile, ADamagedOneIsSetAsideAndANewOneBegun) {
 TEST_F(RegistryFile, AnyDamagedByteLeavesARegistryThatTakesValues) {
     constexpr size_t kPageSize = 4096, kHeaderSize = 100, kPageHeadSize = 8;
     for (DWORD i = 0; i < 8; ++i) SetNumber(("K" + std::to_string(i)).c_str(), "v", i);
-    Output(file_,
-           "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 100)"
-           " INSERT INTO vals SELECT 'HKEY_CURRENT_USER\\K1', 'n' || i, 3, zeroblob(100) FROM n");
+    FillPages(100);
     const std::string whole = BytesOf(file_);
     ASSERT_GT(whole.size(), 3 * kPageSize);
     const TemporaryFolder memory(FolderInMemory());

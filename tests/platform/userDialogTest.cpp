@@ -17,8 +17,6 @@ using tdkviz::test::Picture;
 
 namespace {
 
-[[maybe_unused]] const bool kMemory = TdkpUseMemoryDisplay(640, 480, 32) != FALSE;
-
 // The settings dialog, as its program makes it: shown, with a control that is disabled and one that is hidden.
 class UserDialog : public testing::Test {
 protected:
@@ -362,7 +360,7 @@ TEST_F(UserDialog, StaticsShowTextsAndBitmaps) {
 }
 
 TEST(UserEdge, AChildWithAnEdgeHasASmallerClientArea) {
-    usertest::TestClass windows(0, 0, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
+    usertest::TestClass windows(0, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
     const HWND parent = windows.Make(WS_POPUP | WS_VISIBLE, nullptr, 100, 80);
     CreateWindowExA(WS_EX_CLIENTEDGE, usertest::TestClass::kName, "", WS_CHILD | WS_VISIBLE, 10, 20, 30, 24, parent,
                     nullptr, GetModuleHandleA(nullptr), nullptr);

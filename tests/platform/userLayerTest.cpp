@@ -34,13 +34,10 @@ bool Readable(int descriptor) {
     return poll(&wanted, 1, 0) == 1;
 }
 
-// On a machine with a server the tests would show windows on it.
-[[maybe_unused]] const bool kMemory = TdkpUseMemoryDisplay(640, 480, 32) != FALSE;
-
 }  // namespace
 
 TEST(UserLayer, AVisibleWindowShowsItsBackgroundAndItsChildrenAboveIt) {
-    TestClass windows(0, 0, CreateSolidBrush(RGB(255, 0, 0)));
+    TestClass windows(0, CreateSolidBrush(RGB(255, 0, 0)));
     const HWND parent = windows.Make(WS_POPUP | WS_VISIBLE, nullptr, 60, 40);
     const HWND child = windows.Make(WS_CHILD | WS_VISIBLE, parent, 10, 10);
     const HWND hidden = windows.Make(WS_CHILD, parent, 60, 40);
@@ -69,7 +66,7 @@ TEST(UserLayer, AVisibleWindowShowsItsBackgroundAndItsChildrenAboveIt) {
 }
 
 TEST(UserLayer, AnOwnContextWindowHasAPictureWhileItsContextIsHeld) {
-    TestClass windows(CS_OWNDC, 0, CreateSolidBrush(RGB(255, 0, 0)));
+    TestClass windows(CS_OWNDC, CreateSolidBrush(RGB(255, 0, 0)));
     const HWND window = windows.Make(WS_POPUP | WS_VISIBLE);
     const HDC held = GetDC(window);
     Fill(window, RGB(0, 0, 255));

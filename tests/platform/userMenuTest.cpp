@@ -6,30 +6,21 @@
 #include <deque>
 
 #include "tests/platform/userSupport.h"
+#include "tests/support/MenuScript.h"
+#include "tests/support/Picture.h"
 
 using namespace usertest;
 
 namespace {
 
-[[maybe_unused]] const bool kMemory = TdkpUseMemoryDisplay(640, 480, 32) != FALSE;
-
 constexpr UINT kOpen = 101, kLoud = 102, kQuiet = 103, kInner = 104, kGray = 105, kLast = 106;
 constexpr UINT kMoreAt = 4, kInnerAt = 1;
 
-// A window with a menu. While the menu is open, a timer of the window runs the script: timers come when nothing
-// else waits, so each step finds what the one before has brought about.
 class UserMenu : public testing::Test {
 protected:
-    // True when it is done; else it is tried again.
-    using Step = std::function<bool()>;
+    using Step = tdkviz::test::MenuStep;
 
     void SetUp() override {
-        TdkpCount(&before_);
-        class_.handler = [this](HWND window, UINT message, WPARAM wParam, LPARAM, LRESULT*) {
-            if (window != window_ || message != WM_TIMER || wParam != kScriptTimer) return false;
-            RunScript();
-            return true;
-        };
         window_ = class_.Make(WS_POPUP | WS_VISIBLE, nullptr, 100, 100);
         menu_ = CreatePopupMenu();
         more_ = CreatePopupMenu();
@@ -46,20 +37,14 @@ protected:
         if (IsMenu(menu_)) DestroyMenu(menu_);
         if (IsWindow(window_)) DestroyWindow(window_);
         ServeMessages();
-        TdkpCounts after;
-        TdkpCount(&after);
+        const TdkpCounts after = tdkviz::test::Counts();
         EXPECT_EQ(after.handles, before_.handles);
         EXPECT_EQ(after.windows, before_.windows);
         EXPECT_FALSE(IsMenu(more_));
     }
 
     BOOL Track(std::deque<Step> script, UINT flags = TPM_RETURNCMD | TPM_RIGHTBUTTON, POINT at = {200, 100}) {
-        script_ = std::move(script);
-        deadline_ = GetTickCount() + kPatience;
-        SetTimer(window_, kScriptTimer, 10, nullptr);
-        const BOOL result = TrackPopupMenu(menu_, flags, at.x, at.y, 0, window_, nullptr);
-        KillTimer(window_, kScriptTimer);
-        EXPECT_TRUE(script_.empty()) << script_.size() << " steps left";
+        const BOOL result = tdkviz::test::TrackMenu(menu_, flags, at, window_, std::move(script));
         EXPECT_EQ(FindWindowExA(nullptr, nullptr, "#32768", nullptr), nullptr);
         return result;
     }
@@ -121,22 +106,7 @@ protected:
     HMENU menu_ = nullptr, more_ = nullptr;
 
 private:
-    static constexpr UINT_PTR kScriptTimer = 7;
-    static constexpr DWORD kPatience = 20000;
-
-    void RunScript() {
-        if (static_cast<int32_t>(GetTickCount() - deadline_) > 0) {
-            EndMenu();
-        } else if (!script_.empty()) {
-            const Step step = script_.front();
-            script_.pop_front();
-            if (!step()) script_.push_front(step);
-        }
-    }
-
-    TdkpCounts before_;
-    std::deque<Step> script_;
-    DWORD deadline_ = 0;
+    const TdkpCounts before_ = tdkviz::test::Counts();
 };
 
 TEST_F(UserMenu, HoldsItemsAndTheirStates) {
@@ -256,20 +226,17 @@ TEST_F(UserMenu, StaysOnTheScreen) {
 }
 
 TEST_F(UserMenu, ShowsChecksDotsAndTheSelectionInTwoSizes) {
-    constexpr int kMostPixels = 1 << 20;
     CheckMenuRadioItem(menu_, kQuiet, kQuiet, kQuiet, MF_BYCOMMAND);
     const auto count = [this](UINT item, COLORREF color, LONG left, LONG right) {
         const HWND window = FindWindowExA(nullptr, nullptr, "#32768", nullptr);
         RECT frame, row;
         GetWindowRect(window, &frame);
         GetMenuItemRect(nullptr, menu_, item, &row);
-        std::vector<DWORD> pixels(kMostPixels);
-        int width = 0, height = 0;
-        EXPECT_TRUE(TdkpReadWindow(window, pixels.data(), kMostPixels, &width, &height));
+        const tdkviz::test::Picture picture(window);
         int found = 0;
         for (LONG y = row.top - frame.top; y < row.bottom - frame.top; ++y) {
             for (LONG x = row.left - frame.left + left; x < row.left - frame.left + right; ++x)
-                found += pixels[static_cast<size_t>(y * width + x)] == color;
+                found += picture.At(x, y) == color;
         }
         return found;
     };

@@ -162,7 +162,7 @@ TEST(UserMessages, ASendFailsWhenItsReceiverEnds) {
     TestEvent made, end;
     std::atomic<HWND> window{nullptr};
     TestThread receiver([&] {
-        window = windows.Make();
+        window = windows.Make(WS_POPUP, nullptr, 40, 30, "a text, whose length would be told");
         made.Set();
         end.Await();  // never looks for messages
     });

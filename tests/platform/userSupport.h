@@ -1,11 +1,12 @@
-// What the tests of windows and messages share: a class whose windows record what they are told, and threads
-// that end in time. Only the published interface.
+// What the tests of windows and messages share: the memory display, a class whose windows record what they are told,
+// and threads that end in time. Only the published interface.
 #pragma once
 
 #include <windows.h>
 
+#include <tdkplatform.h>
+
 #include <functional>
-#include <map>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -17,22 +18,24 @@ namespace usertest {
 
 using tdkviz::test::ServeMessages;
 
+// On a machine with a server the tests would show windows on it.
+inline const bool kMemory = TdkpUseMemoryDisplay(640, 480, 32) != FALSE;
+
 using Handler = std::function<bool(HWND, UINT, WPARAM, LPARAM, LRESULT*)>;
 
-// A window class for the length of a test. Every message goes into the record of its window's text first
-// letter, then to the handler; what that leaves over gets the default handling.
+// A window class for the length of a test. Every message is recorded, then goes to the handler; what that leaves over
+// gets the default handling.
 class TestClass {
 public:
-    explicit TestClass(UINT style = 0, int extraBytes = 0, HBRUSH brush = nullptr) {
+    explicit TestClass(UINT style = 0, HBRUSH brush = nullptr) {
         Current() = this;
         WNDCLASSA info = {};
         info.style = style;
         info.lpfnWndProc = Procedure;
-        info.cbWndExtra = extraBytes;
         info.hInstance = GetModuleHandleA(nullptr);
         info.hbrBackground = brush;
         info.lpszClassName = kName;
-        atom = RegisterClassA(&info);
+        RegisterClassA(&info);
     }
     ~TestClass() {
         UnregisterClassA(kName, GetModuleHandleA(nullptr));
@@ -46,7 +49,6 @@ public:
                                nullptr);
     }
 
-    // The recorded messages among `wanted`, as "name message" pairs in the order of their arrival.
     struct Entry {
         HWND window;
         UINT message;
@@ -54,6 +56,7 @@ public:
         LPARAM lParam;
         DWORD thread;
     };
+    // Empties the record, and gives the messages among `wanted` in the order of their arrival.
     std::vector<Entry> Take(const std::vector<UINT>& wanted) {
         std::lock_guard<std::mutex> guard(mutex_);
         std::vector<Entry> found;
@@ -67,7 +70,6 @@ public:
     }
 
     Handler handler;  // set before windows are made
-    ATOM atom = 0;
     static constexpr const char* kName = "UserTestClass";
 
 private:

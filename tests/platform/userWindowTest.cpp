@@ -11,12 +11,6 @@ using namespace usertest;
 
 namespace {
 
-std::vector<UINT> Numbers(const std::vector<TestClass::Entry>& entries) {
-    std::vector<UINT> numbers;
-    for (const TestClass::Entry& entry : entries) numbers.push_back(entry.message);
-    return numbers;
-}
-
 using Pairs = std::vector<std::pair<HWND, UINT>>;
 Pairs PairsOf(const std::vector<TestClass::Entry>& entries) {
     Pairs pairs;
@@ -29,8 +23,8 @@ Pairs PairsOf(const std::vector<TestClass::Entry>& entries) {
 TEST(UserWindows, CreationAndDestructionSpeakInThePublishedOrder) {
     TestClass windows;
     const HWND parent = windows.Make(WS_POPUP, nullptr, 200, 100);
-    const std::vector<UINT> created = Numbers(windows.Take({WM_NCCREATE, WM_CREATE, WM_SIZE, WM_MOVE}));
-    EXPECT_EQ(created, (std::vector<UINT>{WM_NCCREATE, WM_CREATE, WM_SIZE, WM_MOVE}));
+    const Pairs created = PairsOf(windows.Take({WM_NCCREATE, WM_CREATE, WM_SIZE, WM_MOVE}));
+    EXPECT_EQ(created, (Pairs{{parent, WM_NCCREATE}, {parent, WM_CREATE}, {parent, WM_SIZE}, {parent, WM_MOVE}}));
     const HWND child = windows.Make(WS_CHILD, parent);
     const HWND inner = windows.Make(WS_CHILD, child);
     windows.Take({});

@@ -16,7 +16,7 @@ struct Picture {
     int width = 0, height = 0;
     std::vector<DWORD> pixels;
 
-    explicit Picture(HWND window) : pixels(1 << 21) {
+    explicit Picture(HWND window, size_t capacity = 1 << 21) : pixels(capacity) {
         if (!TdkpReadWindow(window, pixels.data(), static_cast<int>(pixels.size()), &width, &height))
             width = height = 0;
         pixels.resize(static_cast<size_t>(width) * static_cast<size_t>(height));

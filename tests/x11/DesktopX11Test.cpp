@@ -2,19 +2,13 @@
 // pointer outside, and the screen saver.
 #include <gtest/gtest.h>
 #include <windows.h>
-#include <xcb/xcbext.h>
-
-#include <sys/uio.h>
 
 #include <algorithm>
-#include <array>
 #include <atomic>
-#include <cstdlib>
-#include <cstring>
-#include <deque>
 #include <memory>
 #include <thread>
 
+#include "tests/support/MenuScript.h"
 #include "tests/x11/AppWindow.h"
 #include "tests/x11/DropSource.h"
 #include "tests/x11/ForeignClient.h"
@@ -22,23 +16,7 @@
 
 namespace {
 
-constexpr auto kTries = 2000;
-constexpr DWORD kTryMilliseconds = 10;  // 20 seconds in all
-
-template <typename T>
-auto Own(T* reply) {
-    return std::unique_ptr<T, decltype(&std::free)>(reply, &std::free);
-}
-
-// Asks again and again, without serving messages.
-template <typename Condition>
-bool Await(Condition condition) {
-    for (int attempt = 0; attempt < kTries; ++attempt) {
-        if (condition()) return true;
-        Sleep(kTryMilliseconds);
-    }
-    return false;
-}
+using tdkviz::test::WaitUntil;
 
 class X11Desktop : public testing::Test {
 protected:
@@ -62,12 +40,11 @@ constexpr UINT kFirst = 1, kInner = 2;
 
 class X11Menu : public X11Desktop {
 protected:
-    using Step = std::function<bool()>;
+    using Step = tdkviz::test::MenuStep;
 
     void SetUp() override {
         X11Desktop::SetUp();
         if (IsSkipped()) return;
-        current = this;
         window_ = std::make_unique<AppWindow>(0, 50, 60, 300, 200);
         AppWindow::ServeUntil([&] { return window_->Told(WM_PAINT) > 0; });
         AppendMenuA(menu_, MF_STRING, kFirst, "First");
@@ -76,16 +53,9 @@ protected:
     }
     void TearDown() override { DestroyMenu(menu_); }
 
-    // Each step is tried until it is done.
     UINT Track(std::deque<Step> script) {
-        script_ = std::move(script);
-        deadline_ = GetTickCount() + kTries * kTryMilliseconds;
-        const UINT_PTR timer = SetTimer(nullptr, 0, kTryMilliseconds, OnTimer);
-        const BOOL chosen =
-            TrackPopupMenu(menu_, TPM_RETURNCMD | TPM_RIGHTBUTTON, 120, 100, 0, window_->Handle(), nullptr);
-        KillTimer(nullptr, timer);
-        EXPECT_TRUE(script_.empty()) << script_.size() << " steps left";
-        return static_cast<UINT>(chosen);
+        return static_cast<UINT>(tdkviz::test::TrackMenu(menu_, TPM_RETURNCMD | TPM_RIGHTBUTTON, {120, 100},
+                                                         window_->Handle(), std::move(script)));
     }
     static POINT MiddleOf(HMENU menu, UINT item) {
         RECT place = {-1, -1, -1, -1};
@@ -114,22 +84,6 @@ protected:
     const HMENU menu_ = CreatePopupMenu();
     const HMENU more_ = CreatePopupMenu();
     std::unique_ptr<AppWindow> window_;
-
-private:
-    static void CALLBACK OnTimer(HWND, UINT, UINT_PTR, DWORD now) {
-        X11Menu& self = *current;
-        if (static_cast<int32_t>(now - self.deadline_) > 0) {
-            EndMenu();
-        } else if (!self.script_.empty()) {
-            const Step step = self.script_.front();
-            self.script_.pop_front();
-            if (!step()) self.script_.push_front(step);
-        }
-    }
-
-    static inline X11Menu* current = nullptr;
-    std::deque<Step> script_;
-    DWORD deadline_ = 0;
 };
 
 TEST_F(X11Menu, IsChosenFromWithTheMouse) {
@@ -265,63 +219,28 @@ TEST_F(X11Desktop, TakesDroppedFilesOfThisMachine) {
 
 // ---- The screen saver ----
 
-// Of a server of its own, whose saver comes after a second without input.
-class Saver {
-public:
-    explicit Saver(const std::string& display) : connection_(xcb_connect(display.c_str(), nullptr)) {
-        xcb_set_screen_saver(connection_, 1, 0, XCB_BLANKING_PREFERRED, XCB_EXPOSURES_ALLOWED);
-        xcb_flush(connection_);
-    }
-    ~Saver() { xcb_disconnect(connection_); }
-    Saver(const Saver&) = delete;
-    Saver& operator=(const Saver&) = delete;
-
-    void WakeUp() {
-        xcb_force_screen_saver(connection_, XCB_SCREEN_SAVER_RESET);
-        xcb_flush(connection_);
-    }
-    // QueryInfo of the extension MIT-SCREEN-SAVER.
-    bool IsOn() {
-        static xcb_extension_t extension = {"MIT-SCREEN-SAVER", 0};
-        static const xcb_protocol_request_t protocol = {1, &extension, 1, 0};
-        struct {
-            uint32_t head = 0, drawable = 0;
-        } request;
-        request.drawable = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data->root;
-        iovec parts[3] = {};
-        parts[2] = {&request, sizeof request};
-        const unsigned int number = xcb_send_request(connection_, XCB_REQUEST_CHECKED, &parts[2], &protocol);
-        xcb_generic_error_t* error = nullptr;
-        const auto reply = Own(static_cast<xcb_generic_event_t*>(xcb_wait_for_reply(connection_, number, &error)));
-        const auto errorOwner = Own(error);
-        return reply && reply->pad0 == 1;  // its state stands where events have their detail
-    }
-
-private:
-    xcb_connection_t* const connection_;
-};
-
 TEST_F(X11Desktop, HoldsTheScreenSaverOffWhileAThreadAsks) {
     XServer server(24);
     ASSERT_TRUE(server.Running());
     server.Use();
-    Saver saver(server.Name());
-    const auto isOn = [&] { return saver.IsOn(); };
-    if (!Await(isOn)) GTEST_SKIP() << "the server has no screen saver";
+    ForeignClient client(server.Name());
+    client.UseScreenSaver(1);
+    const auto isOn = [&] { return client.IsScreenSaverOn(); };
+    if (!WaitUntil(isOn)) GTEST_SKIP() << "the server has no screen saver";
 
     // Asked for before there is a window.
     SetThreadExecutionState(ES_CONTINUOUS | ES_DISPLAY_REQUIRED);
     AppWindow window(0, 0, 0, 100, 100);
     SetThreadExecutionState(ES_DISPLAY_REQUIRED);  // wakes it up
-    EXPECT_TRUE(Await([&] { return !saver.IsOn(); }));
+    EXPECT_TRUE(WaitUntil([&] { return !isOn(); }));
     constexpr DWORD kLongerThanItWaits = 2500;
     Sleep(kLongerThanItWaits);
-    EXPECT_FALSE(saver.IsOn());
+    EXPECT_FALSE(isOn());
 
-    // Another thread's wish counts too, and ends with the thread.
+    // Another thread's wish ends with the thread.
     std::thread([] { SetThreadExecutionState(ES_CONTINUOUS | ES_DISPLAY_REQUIRED); }).join();
     SetThreadExecutionState(ES_CONTINUOUS);
-    EXPECT_TRUE(Await(isOn));
+    EXPECT_TRUE(WaitUntil(isOn));
 }
 
 }  // namespace

@@ -6,14 +6,13 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <string>
-#include <thread>
 #include <vector>
+
+#include "tests/support/Wait.h"
+#include "tests/x11/ForeignClient.h"
 
 class DropSource {
 public:
@@ -57,13 +56,6 @@ public:
     void Leave() { Send("XdndLeave", {0, 0, 0, 0}); }
 
 private:
-    static constexpr std::chrono::milliseconds kTryInterval{10};
-    static constexpr int kTries = 2000;  // 20 seconds in all
-
-    template <typename T>
-    static auto Own(T* reply) {
-        return std::unique_ptr<T, decltype(&std::free)>(reply, &std::free);
-    }
     xcb_atom_t Atom(const char* name) {
         const auto cookie = xcb_intern_atom(connection_, 0, static_cast<uint16_t>(std::strlen(name)), name);
         return Own(xcb_intern_atom_reply(connection_, cookie, nullptr))->atom;
@@ -93,9 +85,7 @@ private:
             }
             return false;
         };
-        bool came = take();
-        for (int tries = 0; !came && tries < kTries; ++tries, came = take()) std::this_thread::sleep_for(kTryInterval);
-        EXPECT_TRUE(came);
+        EXPECT_TRUE(tdkviz::test::WaitUntil(take));
         EXPECT_EQ(numbers[0], target_);
         return numbers;
     }

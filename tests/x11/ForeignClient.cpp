@@ -4,22 +4,11 @@
 
 #include <algorithm>
 #include <bit>
-#include <cstdlib>
 #include <cstring>
-#include <memory>
 
 #include "tests/support/Wait.h"
 
 namespace {
-
-struct Free {
-    void operator()(void* memory) const { std::free(memory); }
-};
-
-template <typename T>
-std::unique_ptr<T, Free> Own(T* reply) {
-    return std::unique_ptr<T, Free>(reply);
-}
 
 int FieldOf(uint32_t pixel, uint32_t mask) {
     const int shift = std::countr_zero(mask);
@@ -243,6 +232,28 @@ void ForeignClient::Button(int number, bool down) {
 
 void ForeignClient::Key(uint32_t keysym, bool down) {
     FakeInput(down ? XCB_KEY_PRESS : XCB_KEY_RELEASE, KeycodeOf(keysym), 0, 0);
+}
+
+void ForeignClient::UseScreenSaver(int seconds) {
+    xcb_set_screen_saver(connection_, static_cast<int16_t>(seconds), 0, XCB_BLANKING_PREFERRED, XCB_EXPOSURES_ALLOWED);
+    Wait();
+}
+
+bool ForeignClient::IsScreenSaverOn() {
+    // QueryInfo of the extension MIT-SCREEN-SAVER.
+    static xcb_extension_t extension = {"MIT-SCREEN-SAVER", 0};
+    static const xcb_protocol_request_t protocol = {1, &extension, 1, 0};
+    struct {
+        uint32_t head = 0, drawable = 0;
+    } request;
+    request.drawable = Root();
+    iovec parts[3] = {};
+    parts[2] = {&request, sizeof request};
+    const unsigned int number = xcb_send_request(connection_, XCB_REQUEST_CHECKED, &parts[2], &protocol);
+    xcb_generic_error_t* error = nullptr;
+    const auto reply = Own(static_cast<xcb_generic_event_t*>(xcb_wait_for_reply(connection_, number, &error)));
+    const auto errorOwner = Own(error);
+    return reply && reply->pad0 == 1;  // its state stands where events have their detail
 }
 
 xcb_atom_t ForeignClient::Atom(const char* name) {

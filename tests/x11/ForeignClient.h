@@ -5,9 +5,17 @@
 #include <xcb/xcb.h>
 
 #include <cstdint>
+#include <cstdlib>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
+
+// Frees what the library has given.
+template <typename T>
+auto Own(T* reply) {
+    return std::unique_ptr<T, decltype(&std::free)>(reply, &std::free);
+}
 
 struct ScreenColor {
     int red = -1, green = -1, blue = -1;
@@ -62,6 +70,10 @@ public:
     void MoveMouse(int x, int y);
     void Button(int number, bool down);
     void Key(uint32_t keysym, bool down);
+
+    // From now on the server's screen saver comes after so many seconds without input.
+    void UseScreenSaver(int seconds);
+    bool IsScreenSaverOn();
 
 private:
     xcb_atom_t Atom(const char* name);

@@ -93,28 +93,18 @@ private:
     IMPAVizWindow* view_ = nullptr;
 };
 
-// The window's picture, of any size.
-struct LargePicture {
-    int width = 0, height = 0;
-    std::vector<DWORD> pixels = std::vector<DWORD>(3840 * 2160);
-
-    explicit LargePicture(HWND window) {
-        if (!TdkpReadWindow(window, pixels.data(), static_cast<int>(pixels.size()), &width, &height)) width = 0;
-    }
-    // The first pixel that isn't of the frame scaled to the window, or "".
-    std::string FirstFault(int frameWidth, int frameHeight, int tolerance) const {
-        for (int y = 0; y < height; ++y) {
-            for (int x = 0; x < width; ++x) {
-                const DWORD expected =
-                    ProbePictureColor(x * frameWidth / width, y * frameHeight / height, frameWidth, frameHeight);
-                const DWORD seen = pixels[size_t(y) * size_t(width) + size_t(x)] & 0xFFFFFF;
-                if (Distance(seen, expected) > tolerance)
-                    return std::to_string(x) + "," + std::to_string(y) + " is " + std::to_string(seen);
-            }
+// The first pixel that isn't of the frame scaled to the window, or "".
+std::string FirstFault(const Picture& picture, int frameWidth, int frameHeight, int tolerance) {
+    for (int y = 0; y < picture.height; ++y) {
+        for (int x = 0; x < picture.width; ++x) {
+            const DWORD expected = ProbePictureColor(x * frameWidth / picture.width, y * frameHeight / picture.height,
+                                                     frameWidth, frameHeight);
+            if (Distance(picture.At(x, y), expected) > tolerance)
+                return std::to_string(x) + "," + std::to_string(y) + " is " + std::to_string(picture.At(x, y));
         }
-        return "";
     }
-};
+    return "";
+}
 
 bool IsConverterLoaded() {
     const std::unique_ptr<void, int (*)(void*)> found(
@@ -159,10 +149,10 @@ TEST_P(ViewDepthTest, ShowsTheSamePictureInEverySize) {
         SCOPED_TRACE(testing::Message() << size.width << "x" << size.height);
         ASSERT_TRUE(host.ShowAt(size.width, size.height, size.frameWidth));
         EXPECT_EQ(IsConverterLoaded(), c.converts);
-        const LargePicture picture(host.Window());
+        const Picture picture(host.Window(), size_t{3840} * 2160);
         ASSERT_EQ(picture.width, size.windowWidth);
         ASSERT_EQ(picture.height, size.windowHeight);
-        EXPECT_EQ(picture.FirstFault(host.FrameWidth(), host.FrameHeight(), c.tolerance), "");
+        EXPECT_EQ(FirstFault(picture, host.FrameWidth(), host.FrameHeight(), c.tolerance), "");
     }
 }
 
@@ -173,10 +163,9 @@ TEST_F(PaletteViewTest, ViewsAreBlackAndNothingIsDrawn) {
     ASSERT_TRUE(host.PlayUntil([&] { return host.Window() != nullptr; }));
     for (const int size : {64, 500}) {
         host.PlayFor(kLookForFrames);
-        const LargePicture picture(host.Window());
+        const Picture picture(host.Window());
         EXPECT_GT(picture.width, 0);
-        const auto end = picture.pixels.begin() + picture.width * picture.height;
-        EXPECT_TRUE(std::all_of(picture.pixels.begin(), end, [](DWORD pixel) { return (pixel & 0xFFFFFF) == 0; }));
+        EXPECT_EQ(picture.FirstOtherThan(0), -1);
         EXPECT_EQ(host.Frames(), 0);
         host.Resize(size, size);
     }
