@@ -141,27 +141,14 @@ private:
 };
 
 // The output window of a view, with the colour converter of the staged tree.
-class OutputWindow {
+class OutputWindow : public CVizWindow {
 public:
-    OutputWindow(HWND parent, int32_t width, int32_t height) : window_(nullptr, parent) {
-        window_.SetShown(true);
-        window_.Resize(width, height);
-        ShowWindow(window_.GetWindowHandle(), SW_SHOW);
+    OutputWindow(HWND parent, int32_t width, int32_t height) : CVizWindow(nullptr, parent) {
+        SetShown(true);
+        Resize(width, height);
+        ShowWindow(GetWindowHandle(), SW_SHOW);
         ServeMessages();
     }
-    CVizWindow& Frames() { return window_; }
-
-private:
-    CVizWindow window_;
-};
-
-class FullSize {
-public:
-    FullSize(HWND parent, int32_t width, int32_t height) : frame_(parent, width, height) {}
-    FullSizeFrame& Frames() { return frame_; }
-
-private:
-    FullSizeFrame frame_;
 };
 
 // A view at work, less the threads.
@@ -183,10 +170,10 @@ public:
 
     void Run() {
         audio_.Next(frame_);
-        DrawFrame(output_->Frames(), engine_, params_, frame_);
+        DrawFrame(*output_, engine_, params_, frame_);
         ServeMessages();
     }
-    int32_t FrameWidth() { return output_->Frames().GetFrameWidth(); }
+    int32_t FrameWidth() { return output_->GetFrameWidth(); }
 
 private:
     const HWND parent_;
@@ -209,7 +196,7 @@ BENCHMARK(BenchChain<OutputWindow>)
     ->Args({640, 480})
     ->Args({1280, 960})
     ->Unit(benchmark::kMicrosecond);
-BENCHMARK(BenchChain<FullSize>)->Name("Chain/FullSize")->Args({640, 480})->Unit(benchmark::kMicrosecond);
+BENCHMARK(BenchChain<FullSizeFrame>)->Name("Chain/FullSize")->Args({640, 480})->Unit(benchmark::kMicrosecond);
 
 double ProcessSeconds() {
     timespec now = {};
@@ -260,10 +247,10 @@ std::optional<double> LvScope() {
 }  // namespace
 
 void bench::AddChainGoals() {
-    AddGoal(
-        {"Whole chain, 640x480 frames", "ffmpeg showwaves", false, 0.85, 0.5, TimeAgainstPeer<FullSize, ShowWaves>});
-    AddGoal(
-        {"Whole chain, against a scope", "libvisual lv_scope", false, 0.22, 0.12, TimeAgainstPeer<FullSize, LvScope>});
+    AddGoal({"Whole chain, 640x480 frames", "ffmpeg showwaves", false, 0.85, 0.5,
+             TimeAgainstPeer<FullSizeFrame, ShowWaves>});
+    AddGoal({"Whole chain, against a scope", "libvisual lv_scope", false, 0.22, 0.12,
+             TimeAgainstPeer<FullSizeFrame, LvScope>});
     AddGoal({"320x240 frames shown at 640x480", "ffmpeg showspectrum", false, 1.0, 0.6,
              TimeAgainstPeer<OutputWindow, ShowSpectrum>});
 }
