@@ -26,12 +26,8 @@ struct FakePreferences final : test::StackObject<IKVAPreferences>, PreferencesMa
     }
 };
 
-class VizPluginTest : public testing::Test {
+class VizPluginTest : public PluginCacheTest {
 protected:
-    void SetUp() override {
-        ASSERT_TRUE(kRegistryIsTheTests);
-        EmptyPluginCache();
-    }
     std::unique_ptr<CVizPlugin> Make(const char* name) {
         return std::make_unique<CVizPlugin>(TestPluginPath(name).c_str(), &preferences_);
     }
