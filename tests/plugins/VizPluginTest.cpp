@@ -169,18 +169,6 @@ TEST_F(VizPluginTest, TextsThatFillTheirBuffersAndTextsLeftAlone) {
     EXPECT_EQ(silent->GetRenderMode(), 0u);
 }
 
-TEST_F(VizPluginTest, LazyQuestionsLoadAndFreeOnce) {
-    const auto plugin = Make("WindowMode.tkv");
-    EXPECT_STREQ(plugin->GetDescription(), "A test plug-in");
-    EXPECT_FALSE(plugin->IsLoaded());
-    EXPECT_EQ(context_.Take().back(), "End");
-    EXPECT_EQ(plugin->GetRenderMode(), 1u);
-    EXPECT_FALSE(plugin->GetSupportsConfigure());
-    EXPECT_TRUE(context_.Take().empty());
-    EXPECT_FALSE(plugin->GetWantsSpectrum());
-    EXPECT_TRUE(plugin->IsReady()) << "stays in memory";
-}
-
 TEST_F(VizPluginTest, LoadingTwiceLeavesOneLibrary) {
     const auto plugin = Make("Good2.tkv");
     EXPECT_TRUE(plugin->Load() && plugin->Load());
