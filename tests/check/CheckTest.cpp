@@ -23,7 +23,7 @@ struct Told {
 
 class CheckTest : public PlayerRun {
 protected:
-    static std::string PluginFile(const std::string& name) { return CHECK_PLUGIN_DIR "/" + name + ".tkv"; }
+    static std::string PluginFile(const std::string& name) { return TEST_PLUGIN_DIR "/" + name + ".tkv"; }
 
     Outcome Check(const std::string& file, const std::vector<std::string>& more = {}) const {
         std::vector<std::string> arguments = {"--check", file, "--json", "--check-effort", kLeastEffort};
@@ -156,7 +156,7 @@ bool IsTried(const std::string& name) {
 }
 
 std::vector<std::string> SoundPlugins() {
-    std::vector<std::string> files = {CHECK_PLUGIN_DIR "/Good.tkv", TEST_PLUGIN_DIR "/Glow.tkv"};
+    std::vector<std::string> files = {TEST_PLUGIN_DIR "/Good.tkv", TEST_PLUGIN_DIR "/Glow.tkv"};
     std::error_code ignored;
     for (const auto& entry : std::filesystem::directory_iterator(STAGE_DIR "/Visualizations", ignored))
         if (entry.path().extension() == ".tkv" && IsTried(entry.path().stem())) files.push_back(entry.path());

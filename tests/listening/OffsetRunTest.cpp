@@ -17,9 +17,6 @@ protected:
         if (!SoundServer::IsInstalled()) GTEST_SKIP() << "PulseAudio is not installed";
         ASSERT_TRUE(sound_.Start());
     }
-    bool Shows(const std::string& title) {
-        return WaitUntil([&] { return FindWindow(title) != 0; });
-    }
     static int OffsetOf(const std::string& device) { return PlayerSettings::Load().Offsets.Of(device); }
 
     SoundServer sound_;

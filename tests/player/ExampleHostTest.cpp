@@ -40,7 +40,7 @@ TEST_F(ExampleHost, ShowsMovingPicturesInItsWindowUntilItIsClosed) {
     setenv("PULSE_SERVER", "unix:/nowhere", 1);
     Launch({Stage(), song_}, EXAMPLE_HOST);
     unsetenv("PULSE_SERVER");
-    ASSERT_TRUE(WaitUntil([this] { return FindWindow("tdkhost") != 0; }));
+    ASSERT_TRUE(Shows("tdkhost"));
     const xcb_window_t window = FindWindow("tdkhost");
     ASSERT_TRUE(WaitUntil([&] { return person_->ChildrenOf(window).size() == 1; }));
     const xcb_window_t view = person_->ChildrenOf(window).front();

@@ -166,15 +166,6 @@ TEST_F(PlaybackTest, SeekGoesOnFromTheNewPlaceAtOnce) {
     EXPECT_EQ(DeliverAhead(), AudioPump::State::kEnded);
 }
 
-TEST_F(PlaybackTest, EndsWhenTheLastFrameHasBeenHeard) {
-    Load(1.0);
-    playback_->Play();
-    EXPECT_EQ(PlayFor(950), AudioPump::State::kDraining);
-    EXPECT_EQ(PlayFor(49), AudioPump::State::kDraining);
-    EXPECT_EQ(PlayFor(1), AudioPump::State::kEnded);
-    EXPECT_EQ(hook_->FirstFrames.size(), 40u);
-}
-
 // Keeps what a device gets.
 class RecordingOutput final : public SilentOutput {
 public:

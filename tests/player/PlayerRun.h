@@ -101,6 +101,11 @@ protected:
     Outcome Run(const std::vector<std::string>& arguments, const std::string& program = Stage() + "/tdkplay") const {
         return Finish(Start(arguments, program));
     }
+    Outcome RunWell(const std::vector<std::string>& arguments) const {
+        const Outcome outcome = Run(arguments);
+        EXPECT_EQ(outcome.Code, 0) << outcome.Error;
+        return outcome;
+    }
     void ExpectError(ExitCode code, const Outcome& outcome) const {
         EXPECT_EQ(outcome.Code, static_cast<int>(code)) << outcome.Error;
         EXPECT_EQ(outcome.Error.rfind("tdkplay: ", 0), 0u) << outcome.Error;

@@ -24,10 +24,6 @@ TEST(NaturalOrder, NumbersCountAsNumbers) {
 
 class TrackListTest : public testing::Test {
 protected:
-    void Put(const std::string& name, const std::string& text = "") {
-        fs::create_directories(fs::path(folder_.File(name)).parent_path());
-        std::ofstream(folder_.File(name), std::ios::binary) << text;
-    }
     // Titles and paths within the folder, one a line.
     std::string Read(const std::vector<std::string>& names) const {
         std::vector<std::string> paths;
@@ -45,7 +41,7 @@ protected:
 TEST_F(TrackListTest, AFolderGivesItsMusicByNameAndThenThatOfItsSubfolders) {
     for (const char* name : {"10 end.FLAC", "2 middle.ogg", "1 begin.wav", "cover.jpg", ".hidden.wav", "list.m3u",
                              "CD 2/a.mp3", "CD 10/a.mp3", "pictures/front.png"})
-        Put(std::string("album/") + name);
+        folder_.Write(std::string("album/") + name, "");
     fs::create_directory_symlink(folder_.File("album"), folder_.File("album/CD 2/back"));
     EXPECT_EQ(Read({"album"}),
               "album/1 begin.wav\nalbum/2 middle.ogg\nalbum/10 end.FLAC\nalbum/CD 2/a.mp3\nalbum/CD 10/a.mp3\n");
@@ -54,13 +50,13 @@ TEST_F(TrackListTest, AFolderGivesItsMusicByNameAndThenThatOfItsSubfolders) {
 }
 
 TEST_F(TrackListTest, AListNamesItsPiecesFromItsOwnFolder) {
-    Put("music/one.wav");
-    Put("music/deep/two.wav");
-    Put("lists/a.m3u8",
-        "\xEF\xBB\xBF#EXTM3U\r\n# a word\r\n#EXTINF:12, Caf\xC3\xA9, live\r\n../music/one.wav\r\n\r\n"
-        "..\\music\\deep\\two.wav\r\nb.m3u\r\n" +
-            folder_.File("music/one.wav"));
-    Put("lists/b.m3u", "#EXTINF:broken\n../music/deep\na.m3u8\nmissing.wav");
+    folder_.Write("music/one.wav", "");
+    folder_.Write("music/deep/two.wav", "");
+    folder_.Write("lists/a.m3u8",
+                  "\xEF\xBB\xBF#EXTM3U\r\n# a word\r\n#EXTINF:12, Caf\xC3\xA9, live\r\n../music/one.wav\r\n\r\n"
+                  "..\\music\\deep\\two.wav\r\nb.m3u\r\n" +
+                      folder_.File("music/one.wav"));
+    folder_.Write("lists/b.m3u", "#EXTINF:broken\n../music/deep\na.m3u8\nmissing.wav");
     EXPECT_EQ(Read({"lists/a.m3u8"}),
               "Caf\xC3\xA9, live: lists/../music/one.wav\nlists/../music/deep/two.wav\n"
               "lists/../music/deep/two.wav\nlists/missing.wav\nmusic/one.wav\n");

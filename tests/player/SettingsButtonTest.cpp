@@ -3,13 +3,12 @@
 
 #include <gtest/gtest.h>
 
-#include <tdkplatform.h>
-
 #include <cstring>
 #include <thread>
 
 #include "player/render/Snapshot.h"
 #include "player/window/PlayerWindow.h"
+#include "tests/support/Picture.h"
 
 namespace tdkplay {
 namespace {
@@ -91,8 +90,7 @@ TEST_F(SettingsButtonTest, APressOpensTheDialogOfThisWindow) {
 }
 
 TEST_F(SettingsButtonTest, ThePictureFollowsFromAnyThreadAndTheSiteOutlivesTheButton) {
-    TdkpCounts before = {};
-    TdkpCount(&before);
+    const TdkpCounts before = tdkviz::test::Counts();
     button_->Press();
     const auto picture = QueryFor<ITKButtonPicture>(component_->Site.Get(), kIID_ITKButtonPicture);
     const auto site = QueryFor<ITKButtonSite>(component_->Site.Get(), kIID_ITKButtonSite);
@@ -103,9 +101,7 @@ TEST_F(SettingsButtonTest, ThePictureFollowsFromAnyThreadAndTheSiteOutlivesTheBu
     }).join();
     EXPECT_EQ(PixelsOf(kRed), 16u * 16u);
     EXPECT_EQ(PixelsOf(kGreen), 0u);
-    TdkpCounts after = {};
-    TdkpCount(&after);
-    EXPECT_EQ(after.gdiObjects, before.gdiObjects) << "pictures that nobody saw are gone";
+    EXPECT_EQ(tdkviz::test::Counts().gdiObjects, before.gdiObjects) << "pictures that nobody saw are gone";
 
     button_.reset();
     EXPECT_FALSE(component_->IsOpen);

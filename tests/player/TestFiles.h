@@ -1,6 +1,7 @@
-// Audio files for tests.
+// Audio files for tests to play, and picture files that were made.
 #pragma once
 
+#include <png.h>
 #include <sndfile.h>
 
 #include <cmath>
@@ -30,6 +31,32 @@ inline bool WriteSines(const std::string& path, int format, int rate, int channe
         sf_writef_float(file, samples.data() + frame * static_cast<size_t>(channels),
                         static_cast<sf_count_t>(std::min(kChunk, frames - frame)));
     return sf_close(file) == 0;
+}
+
+struct Pixels {
+    unsigned Width = 0;
+    unsigned Height = 0;
+    std::vector<unsigned char> Bytes;  // red, green, blue
+    // The part of all pixels that somebody would call lit.
+    double LitPart() const {
+        size_t lit = 0;
+        for (size_t i = 0; i < Bytes.size(); i += 3) lit += Bytes[i] + Bytes[i + 1] + Bytes[i + 2] > 60;
+        return static_cast<double>(lit) / std::max(1.0, static_cast<double>(Bytes.size()) / 3);
+    }
+};
+
+inline Pixels ReadPng(const std::string& path) {
+    Pixels pixels;
+    png_image image = {};
+    image.version = PNG_IMAGE_VERSION;
+    if (!png_image_begin_read_from_file(&image, path.c_str())) return pixels;
+    image.format = PNG_FORMAT_RGB;
+    pixels.Bytes.resize(PNG_IMAGE_SIZE(image));
+    if (png_image_finish_read(&image, nullptr, pixels.Bytes.data(), 0, nullptr)) {
+        pixels.Width = image.width;
+        pixels.Height = image.height;
+    }
+    return pixels;
 }
 
 }  // namespace tdkplay

@@ -67,7 +67,7 @@ protected:
         Launch({"--window", "--no-audio", "--loop", "--size", "300x200", "--viz", "paints red", "--viz", "paints green",
                 "--viz", "paints blue", song_},
                player);
-        ASSERT_TRUE(WaitUntil([this] { return FindWindow("song.wav") != 0; }));
+        ASSERT_TRUE(ScreenRun::Shows("song.wav"));
         window_ = FindWindow("song.wav");
     }
     // The middle of a view's place, on the screen.

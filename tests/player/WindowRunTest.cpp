@@ -30,9 +30,6 @@ protected:
         window_ = FindWindow("song.wav - ");
         std::tie(left_, top_) = person_->CornerOf(FindStrip());
     }
-    bool Shows(const std::string& title) {
-        return WaitUntil([&] { return FindWindow(title) != 0; });
-    }
     // The strip, once it stands where it belongs.
     xcb_window_t FindStrip() {
         for (const xcb_window_t child : person_->ChildrenOf(FindWindow("song.wav")))

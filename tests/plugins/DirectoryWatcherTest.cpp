@@ -63,12 +63,8 @@ private:
     CallLog calls_;
 };
 
-class DirectoryWatcherTest : public testing::Test {
+class DirectoryWatcherTest : public PluginCacheTest {
 protected:
-    void SetUp() override {
-        ASSERT_TRUE(kRegistryIsTheTests);
-        EmptyPluginCache();
-    }
     // What can't be loaded is listed like any other plug-in.
     void Add(const std::string& name) const { folder_.Write("plugins/" + name, "no plug-in"); }
     fs::path At(const std::string& name) const { return folder_.Path() / "plugins" / name; }

@@ -17,12 +17,8 @@
 namespace tdkviz {
 namespace {
 
-class PluginRetrieverTest : public testing::Test {
+class PluginRetrieverTest : public PluginCacheTest {
 protected:
-    void SetUp() override {
-        ASSERT_TRUE(kRegistryIsTheTests);
-        EmptyPluginCache();
-    }
     std::string Install(const std::string& plugin, const std::string& as) {
         const std::string path = folder_.Write(as, "");
         std::filesystem::copy_file(TestPluginPath(plugin), path, std::filesystem::copy_options::overwrite_existing);

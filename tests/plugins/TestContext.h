@@ -1,6 +1,7 @@
 // A host's context for plug-ins: keeps a log of what they were told, and serves the text for their files.
 #pragma once
 
+#include <gtest/gtest.h>
 #include <tdkviz/host.h>
 
 #include <filesystem>
@@ -64,3 +65,12 @@ inline std::string TestPluginPath(const std::string& name) {
 inline void EmptyPluginCache() {
     RegDeleteTreeA(HKEY_CURRENT_USER, "Software\\Corvane\\Visualizations");
 }
+
+// Begins with nothing in the cache.
+class PluginCacheTest : public testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(kRegistryIsTheTests);
+        EmptyPluginCache();
+    }
+};

@@ -26,12 +26,8 @@ struct FakePreferences final : test::StackObject<IKVAPreferences>, PreferencesMa
     }
 };
 
-class VizPluginTest : public testing::Test {
+class VizPluginTest : public PluginCacheTest {
 protected:
-    void SetUp() override {
-        ASSERT_TRUE(kRegistryIsTheTests);
-        EmptyPluginCache();
-    }
     std::unique_ptr<CVizPlugin> Make(const char* name) {
         return std::make_unique<CVizPlugin>(TestPluginPath(name).c_str(), &preferences_);
     }
@@ -171,18 +167,6 @@ TEST_F(VizPluginTest, TextsThatFillTheirBuffersAndTextsLeftAlone) {
     EXPECT_EQ(silent->GetRenderMode(), 1u);
     silent->SetRenderMode(5);
     EXPECT_EQ(silent->GetRenderMode(), 0u);
-}
-
-TEST_F(VizPluginTest, LazyQuestionsLoadAndFreeOnce) {
-    const auto plugin = Make("WindowMode.tkv");
-    EXPECT_STREQ(plugin->GetDescription(), "A test plug-in");
-    EXPECT_FALSE(plugin->IsLoaded());
-    EXPECT_EQ(context_.Take().back(), "End");
-    EXPECT_EQ(plugin->GetRenderMode(), 1u);
-    EXPECT_FALSE(plugin->GetSupportsConfigure());
-    EXPECT_TRUE(context_.Take().empty());
-    EXPECT_FALSE(plugin->GetWantsSpectrum());
-    EXPECT_TRUE(plugin->IsReady()) << "stays in memory";
 }
 
 TEST_F(VizPluginTest, LoadingTwiceLeavesOneLibrary) {

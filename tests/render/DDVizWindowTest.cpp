@@ -184,17 +184,6 @@ TEST_F(DDVizWindowTest, WindowModeGivesUpAllOfDirectDraw) {
     EXPECT_EQ(window_->GetFrontPixels(), nullptr);
 }
 
-TEST_F(DDVizWindowTest, LostSurfacesComeBack) {
-    Show(320, 240);
-    EXPECT_TRUE(DrawFrame(0x00112233));
-    TdkpLoseDirectDrawSurfaces();
-    window_->Present(false);
-    EXPECT_TRUE(DrawFrame(0x00445566)) << "the lock restores";
-    ExpectColor(0x00445566);
-    EXPECT_TRUE(UsesDirectDraw());
-    EXPECT_TRUE(IsUnlockedForOthers());
-}
-
 TEST_F(DDVizWindowTest, FallsBackInTheMiddleOfAFrame) {
     Show(640, 480);
     EXPECT_TRUE(DrawFrame(0x00112233));

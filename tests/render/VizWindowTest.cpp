@@ -125,10 +125,11 @@ TEST_F(VizWindowTest, EachRebuildTakesTheDepthOfThatTime) {
                                               : depth == 15 ? FormatRGB555
                                                             : FormatRGB8);
                 PresentPattern();
-                // Two bytes a pixel keep five bits of a colour, and a palette the nearest of its own.
+                // Two bytes a pixel keep five bits of a colour. A palette has the corners of a cube of six levels, none
+                // of which is farther than half the diagonal of a step of 51.
                 const Picture picture(Handle());
                 EXPECT_EQ(picture.width, c.displayWidth);
-                EXPECT_LE(LargestError(picture), depth == 8 ? 255 : 7);
+                EXPECT_LE(LargestError(picture), depth == 8 ? 45 : 7);
                 EXPECT_EQ(LargestError(picture) == 0, depth == 32);
             }
         }

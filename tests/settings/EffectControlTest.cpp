@@ -1,8 +1,7 @@
 // The effect control: its arithmetic, its messages and its pixels, beside models of their own.
 #include <gtest/gtest.h>
 
-#include <array>
-#include <string>
+#include <utility>
 #include <vector>
 
 #include "src/settings/VizEffectControl.h"
@@ -13,15 +12,6 @@ namespace tdkviz::test {
 namespace {
 
 constexpr DWORD kPicture = 0x204080;  // what the parent draws
-
-struct Change {
-    uint32_t id;
-    int32_t x, y;
-    bool operator==(const Change&) const = default;
-};
-std::ostream& operator<<(std::ostream& out, const Change& change) {
-    return out << change.id << ": " << change.x << ", " << change.y;
-}
 
 // The parent of the controls: notes what it is told, and draws.
 struct Parent {
@@ -39,21 +29,20 @@ struct Parent {
         if (window) DestroyWindow(window);
         UnregisterClassA("EffectControlTestParent", nullptr);
     }
-    std::vector<Change> Take() {
+    // How often it was told of a value since the last question.
+    int TakeChanges() {
         ServeMessages();
-        return std::move(changes);
+        return std::exchange(changes, 0);
     }
 
     HWND window = nullptr;
-    std::vector<Change> changes;
-    int pictures = 0;
+    int changes = 0, pictures = 0;
     static inline Parent* current = nullptr;
 
 private:
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
         if (message == kMessageValueChanged) {
-            current->changes.push_back({static_cast<uint32_t>(wParam), static_cast<int16_t>(LOWORD(lParam)),
-                                        static_cast<int16_t>(HIWORD(lParam))});
+            ++current->changes;
         } else if (message == kMessageDrawPicture) {
             ++current->pictures;
             const auto picture = reinterpret_cast<HDC>(wParam);
@@ -115,19 +104,6 @@ protected:
     std::unique_ptr<VizEffectControl> control_;
 };
 
-TEST_F(EffectControlTest, ValuesAreClampedAndTold) {
-    VizEffectControl& fade = Make(kFade);
-    EXPECT_TRUE(parent_.Take().empty());
-    fade.SetValue(1, 5000);
-    fade.SetValue(1, -3);
-    fade.SetValue(4, 7);
-    EXPECT_EQ(parent_.Take(), (std::vector<Change>{{3, 128, -1}, {3, 0, -1}, {3, 0, -1}}));
-    VizEffectControl& zoom = Make(kZoom);
-    zoom.SetValue(1, -30);
-    zoom.SetValue(2, 30);
-    EXPECT_EQ(parent_.Take(), (std::vector<Change>{{3, -20, -1}, {3, -20, 20}}));
-}
-
 // A value for every place of the mouse, by the formulas as they are told.
 int ModelValue(int distance, int span, int min, int max, uint32_t snaps) {
     const int range = max - min;
@@ -146,7 +122,7 @@ TEST_F(EffectControlTest, DragsFollowTheFormulaAtEveryPlace) {
         const int spanX = layout.width - 5, spanY = layout.height - 6;
         control.SetValue(1, layout.minX);
         control.SetValue(2, layout.maxY);
-        parent_.Take();
+        parent_.TakeChanges();
         Mouse(WM_LBUTTONDOWN, 2, layout.height - 4);
         for (int x = -30; x < layout.width + 30; ++x) {
             Mouse(WM_MOUSEMOVE, x, -50);
@@ -190,11 +166,11 @@ TEST_F(EffectControlTest, PressesTakeTheArrowTheyHit) {
         EXPECT_EQ(control.DragAxis, press.axis) << press.x << ", " << press.y;
         EXPECT_EQ(GetCapture(), press.axis ? control.Window : nullptr);
         Mouse(WM_LBUTTONUP, press.x, press.y);
-        parent_.Take();
+        parent_.TakeChanges();
         EXPECT_EQ(control.DragAxis, 0u);
         EXPECT_EQ(GetCapture(), nullptr);
         Mouse(WM_MOUSEMOVE, 70, 20);
-        EXPECT_TRUE(parent_.Take().empty()) << "no drag";
+        EXPECT_EQ(parent_.TakeChanges(), 0) << "no drag";
     }
     // A press without the end of the one before: the horizontal arrow takes over, the vertical one doesn't.
     control.SetValue(1, 0);

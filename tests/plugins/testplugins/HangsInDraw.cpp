@@ -6,7 +6,7 @@ namespace {
 std::atomic<int> draws{0};
 std::atomic<unsigned> turns{0};
 
-void Hang(void*, int32_t, int32_t, int32_t, const VizAnalysisFrame&) {
+void Hang(const viz::Canvas&, const VizAnalysisFrame&) {
     ++draws;
     for (;;) ++turns;
 }

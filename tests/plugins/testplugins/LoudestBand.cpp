@@ -12,7 +12,7 @@
 
 namespace {
 
-void Paint(void*, int32_t, int32_t, int32_t, const VizAnalysisFrame& frame) {
+void Paint(const viz::Canvas&, const VizAnalysisFrame& frame) {
     static const int file = open(getenv("TDKVIZ_TEST_BANDS"), O_WRONLY | O_CREAT, 0600);
     const auto* const loudest = std::max_element(std::begin(frame.SpectrumLeft), std::end(frame.SpectrumLeft));
     std::array<char, 16> text = {};

@@ -6,8 +6,6 @@
 #include "tests/plugins/testplugins/TestPlugin.h"
 
 template <uint32_t kColor>
-void PaintOneColor(void* pixels, int32_t width, int32_t height, int32_t pitch, const VizAnalysisFrame&) {
-    const int64_t stride = pitch < 0 ? -pitch : pitch;
-    for (int32_t row = 0; row < height; ++row)
-        std::fill_n(reinterpret_cast<uint32_t*>(static_cast<uint8_t*>(pixels) + row * stride), width, kColor);
+void PaintOneColor(const viz::Canvas& canvas, const VizAnalysisFrame&) {
+    for (int row = 0; row < canvas.Height(); ++row) std::fill_n(canvas.Row(row), canvas.Width(), kColor);
 }

@@ -14,14 +14,12 @@ constexpr int32_t kMarkSide = 8;
 constexpr uint32_t kMarkColor = 0xFF0000;
 constexpr uint32_t kColor = 0x204060;
 
-void Paint(void* pixels, int32_t width, int32_t height, int32_t pitch, const VizAnalysisFrame& frame) {
-    const int64_t stride = pitch < 0 ? -pitch : pitch;
-    for (int32_t row = 0; row < height; ++row) {
-        const int32_t fromTop = pitch < 0 ? height - 1 - row : row;
-        auto* line = reinterpret_cast<uint32_t*>(static_cast<uint8_t*>(pixels) + row * stride);
+void Paint(const viz::Canvas& canvas, const VizAnalysisFrame& frame) {
+    const int32_t width = canvas.Width(), height = canvas.Height();
+    for (int32_t y = 0; y < height; ++y) {
         for (int32_t x = 0; x < width; ++x) {
-            const uint32_t flat = fromTop < kMarkSide && x < kMarkSide ? kMarkColor : kColor;
-            line[x] = paintsPicture ? ProbePictureColor(x, fromTop, width, height) : flat;
+            const uint32_t flat = y < kMarkSide && x < kMarkSide ? kMarkColor : kColor;
+            canvas.Row(y)[x] = paintsPicture ? ProbePictureColor(x, y, width, height) : flat;
         }
     }
     if (const Callback function = callback) function(callbackContext, width, height, &frame);

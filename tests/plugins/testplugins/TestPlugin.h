@@ -3,6 +3,7 @@
 // What it is told goes to the host's ITestLog, which outlives the library. It starts with Initialize.
 #pragma once
 
+#include <tdkviz/kit/canvas.h>
 #include <tdkviz/plugin.h>
 
 #include <atomic>
@@ -28,8 +29,8 @@ struct TestPluginTraits {
     int32_t SupportConfigure = -1;  // below 0: not set
     int32_t RenderMode = -1;
     bool ThrowsInDraw = false;
-    // Paints instead of the plain grey; height rows of |pitch| bytes.
-    void (*Paint)(void* pixels, int32_t width, int32_t height, int32_t pitch, const VizAnalysisFrame& frame) = nullptr;
+    // Paints instead of the plain grey.
+    void (*Paint)(const viz::Canvas& canvas, const VizAnalysisFrame& frame) = nullptr;
 };
 
 class TestPlugin final : public IMPAVisualization2, public IMPAVisualization, public IMPAVisualizationClose {
@@ -99,7 +100,7 @@ public:
                  VizAnalysisFrame* frame) override {
         if (traits_.ThrowsInDraw) throw 1;
         if (traits_.Paint) {
-            traits_.Paint(pixels, width, height, pitch, *frame);
+            traits_.Paint({pixels, width, height, pitch}, *frame);
         } else {
             std::memset(pixels, 0x40, static_cast<size_t>(height) * static_cast<size_t>(pitch < 0 ? -pitch : pitch));
         }
