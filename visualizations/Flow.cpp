@@ -88,8 +88,8 @@ private:
             const Point& from = before[i];
             const Point& to = ribbons_[index][i];
             const Point along{from.X + (to.X - from.X) * when, from.Y + (to.Y - from.Y) * when};
-            const Point point = Place(canvas, along);
-            const Point twin = Place(canvas, {-along.X, -along.Y});
+            const Point point = canvas.FromMiddle(along);
+            const Point twin = canvas.FromMiddle({-along.X, -along.Y});
             if (i > 0) {
                 const float place = static_cast<float>(i) / kSteps;
                 const float taper = std::sin(place * kTurn / 2);
@@ -109,10 +109,10 @@ private:
         const Color color = viz::Dimmed(kWheel.Around(Hue() + 0.45F), strength);
         const viz::Pen pen = PenFor(canvas, 2.2F, 5);
         const float radius = 0.035F + 0.03F * strength;
-        Point last = Place(canvas, {radius, 0});
+        Point last = canvas.FromMiddle({radius, 0});
         for (int i = 1; i <= kSteps / 2; ++i) {
             const float angle = kTurn * static_cast<float>(i) / (kSteps / 2.0F);
-            const Point point = Place(canvas, {radius * std::cos(angle), radius * std::sin(angle)});
+            const Point point = canvas.FromMiddle({radius * std::cos(angle), radius * std::sin(angle)});
             canvas.Stroke(last, point, color, pen);
             last = point;
         }
@@ -120,10 +120,6 @@ private:
 
     float Hue() const { return hue_ + 0.31F * static_cast<float>(Clicks() % 3); }
 
-    static Point Place(const Canvas& canvas, Point point) {
-        return {static_cast<float>(canvas.Width()) / 2 + point.X * canvas.Smaller(),
-                static_cast<float>(canvas.Height()) / 2 + point.Y * canvas.Smaller()};
-    }
     static viz::Pen PenFor(const Canvas& canvas, float width, float glow) {
         return {width * canvas.Unit(), glow * canvas.Unit(), 0.5F};
     }

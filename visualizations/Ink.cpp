@@ -52,19 +52,14 @@ private:
         const float hue = static_cast<float>(index) / kWells + time_ * 0.03F;
         const float light = loudness_.Presence() * (0.45F + 0.55F * press_[index]);
         const float radius = canvas.Smaller() * (0.022F + 0.085F * press);
-        canvas.Blot(At(canvas, place), radius, viz::Dimmed(inks.Around(hue), 0.85F * light));
+        canvas.Blot(canvas.FromMiddle(place), radius, viz::Dimmed(inks.Around(hue), 0.85F * light));
         for (int i = 0; i < kDrops; ++i) {
             const float angle = time_ * (5 + static_cast<float>(index % 3)) + kTurn * static_cast<float>(i) / kDrops;
             const float away = 0.022F + 0.070F * press;
             const Point drop{place.X + away * std::cos(angle), place.Y + away * std::sin(angle)};
             const Color color = viz::Dimmed(inks.Around(hue + 0.08F * static_cast<float>(i + 1)), light);
-            canvas.Blot(At(canvas, drop), 0.34F * radius + 1.6F * canvas.Unit(), color);
+            canvas.Blot(canvas.FromMiddle(drop), 0.34F * radius + 1.6F * canvas.Unit(), color);
         }
-    }
-
-    static Point At(const Canvas& canvas, Point point) {
-        return {static_cast<float>(canvas.Width()) / 2 + point.X * canvas.Smaller(),
-                static_cast<float>(canvas.Height()) / 2 + point.Y * canvas.Smaller()};
     }
 
     inline static const viz::Palette kInks[] = {

@@ -38,6 +38,29 @@ struct Dial {
     float Length() const { return std::min(Height * 0.80F, Width * 0.60F); }
 };
 
+// A needle has mass: it is late, and swings a little past its mark.
+struct Needle {
+    static constexpr float kFullScale = 1.41254F;  // +3 dB, the right end of the scale
+    static constexpr float kZeroLevel = 38;        // the root of the mean square, in sample units, that reads 0 dB
+
+    float Place = 0;  // 0 at the left end, 1 at the right one
+    float Speed = 0;
+    float Lamp = 0;  // 1 when the samples have come near their limit, then down to 0
+
+    void Follow(const int8_t* samples) {
+        float square = 0;
+        int peak = 0;
+        for (int i = 0; i < kWaveformSamples; ++i) {
+            square += static_cast<float>(samples[i] * samples[i]);
+            peak = std::max(peak, std::abs(samples[i]));
+        }
+        const float volts = std::sqrt(square / kWaveformSamples) / kZeroLevel;
+        Speed = (Speed + (std::min(volts / kFullScale, 1.1F) - Place) * 0.34F) * 0.56F;
+        Place = std::clamp(Place + Speed, 0.0F, 1.06F);
+        Lamp = peak > 118 ? 1 : Lamp * 0.86F;
+    }
+};
+
 class Meters final : public viz::PluginBase<IMPAVisualization2, kIID_IMPAVisualization2>,
                      public IMPAVisualizationClose {
 public:
@@ -129,7 +152,7 @@ private:
         canvas.Blot(dial.At(0.5F, 0.45F), dial.Length() * 0.98F, kGlow);
         const viz::Pen line(1.3F * unit + 0.4F, 5 * unit, 0.35F);
         const viz::Pen heavy(3.2F * unit + 0.4F, 7 * unit, 0.35F);
-        const float zero = 1 / viz::Needle::kFullScale;
+        const float zero = 1 / Needle::kFullScale;
         for (int i = 0; i < 64; ++i) {
             const float from = static_cast<float>(i) / 64, to = static_cast<float>(i + 1) / 64;
             const bool loud = from >= zero;
@@ -179,7 +202,7 @@ private:
     }
 
     static float PlaceOf(int decibels) {
-        return std::pow(10.0F, static_cast<float>(decibels) / 20) / viz::Needle::kFullScale;
+        return std::pow(10.0F, static_cast<float>(decibels) / 20) / Needle::kFullScale;
     }
 
     std::mutex mutex_;
@@ -188,7 +211,7 @@ private:
     HDC context_ = nullptr;
     viz::Surface face_, picture_;
     Dial dials_[2] = {};
-    viz::Needle needles_[2];
+    Needle needles_[2];
     viz::Loudness loudness_;
 };
 

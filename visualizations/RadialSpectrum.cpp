@@ -35,24 +35,23 @@ private:
         turn_ += 0.0012F + 0.006F * loudness_.Level();
         hue_ += 0.0009F;
         if (loudness_.Presence() <= 0) return;
-        const Point centre{static_cast<float>(canvas.Width()) / 2, static_cast<float>(canvas.Height()) / 2};
         const float core = canvas.Smaller() * (kCore + 0.035F * beat_.Swell());
-        DrawCore(canvas, centre, core, frame);
+        DrawCore(canvas, core, frame);
         const viz::Pen petal(std::max(1.0F, core * kTurn / (2 * kPetals) * 0.55F), 3.5F * canvas.Unit(), 0.3F);
         for (int i = 0; i < kPetals; ++i) {
-            DrawPetal(canvas, centre, core, petal, i, left_, 1);
-            DrawPetal(canvas, centre, core, petal, i, right_, -1);
+            DrawPetal(canvas, core, petal, i, left_, 1);
+            DrawPetal(canvas, core, petal, i, right_, -1);
         }
     }
 
     // `side` is 1 for the left half and -1 for the right one.
-    void DrawPetal(const Canvas& canvas, Point centre, float core, const viz::Pen& pen, int index,
-                   const viz::Spectrum& spectrum, float side) const {
+    void DrawPetal(const Canvas& canvas, float core, const viz::Pen& pen, int index, const viz::Spectrum& spectrum,
+                   float side) const {
         const float place = (static_cast<float>(index) + 0.5F) / kPetals;
         const viz::Band band = spectrum.Highest(scale_.Start(index), scale_.Start(index + 1));
         const float angle = kTurn / 4 + side * place * kTurn / 2 + std::sin(turn_) * kTurn / 8;
         const float x = std::cos(angle), y = std::sin(angle);
-        const auto at = [&](float distance) { return Point{centre.X + x * distance, centre.Y + y * distance}; };
+        const auto at = [&](float distance) { return canvas.FromMiddle({x, y}, distance); };
         const float size = canvas.Smaller();
         const float from = core * 1.12F;
         const float to = from + size * (kRest + kReach * band.Height);
@@ -65,7 +64,7 @@ private:
     }
 
     // The waveform as the rim of the core.
-    void DrawCore(const Canvas& canvas, Point centre, float core, const VizAnalysisFrame& frame) const {
+    void DrawCore(const Canvas& canvas, float core, const VizAnalysisFrame& frame) const {
         constexpr int kSteps = 72;
         const viz::Curve curve(frame.WaveformLeft, 10);
         const viz::Pen pen(1.4F * canvas.Unit(), 5 * canvas.Unit(), 0.4F);
@@ -77,7 +76,7 @@ private:
             const float wave = curve.At(1 - std::fabs(2 * place - 1)) * loudness_.Gain() * loudness_.Level();
             const float radius = core * (0.86F + 0.22F * wave);
             const float angle = kTurn * (place + 0.25F) + std::sin(turn_) * kTurn / 8;
-            return Point{centre.X + radius * std::cos(angle), centre.Y + radius * std::sin(angle)};
+            return canvas.FromMiddle({std::cos(angle), std::sin(angle)}, radius);
         };
         Point last = at(0);
         for (int i = 1; i <= kSteps; ++i) {

@@ -29,11 +29,11 @@ private:
         canvas.Dim(kAfterglow);
         spectrum_.Follow(frame);
         const int count = std::clamp(canvas.Width() / kPixelsPerBar, kFewestBars, kMostBars);
-        if (count != scaleCount_) {
+        if (count != count_) {
             scale_ = viz::PitchScale(count);
-            scaleCount_ = count;
+            count_ = count;
         }
-        for (int i = 0; i < count; ++i) DrawBar(canvas, i, spectrum_.Highest(scale_.Start(i), scale_.Start(i + 1)));
+        for (int i = 0; i < count_; ++i) DrawBar(canvas, i, spectrum_.Highest(scale_.Start(i), scale_.Start(i + 1)));
     }
 
     void DrawBar(const Canvas& canvas, int index, const viz::Band& bar) const {
@@ -53,11 +53,12 @@ private:
         for (int above = 0; above < whole; ++above) {
             const int y = ground - 1 - above;
             canvas.FillRow(y, left, right, colorAt(above));
-            ShadeGap(canvas, y, right, next);
+            // The effects may have carried a bar's light into the gap beside it.
+            canvas.ChangeRow(y, right, next, [](Color& pixel) { pixel = viz::Shade(pixel, 64); });
         }
         // The uppermost row by as much of it as is reached, so that bars glide.
         const Color top = viz::Dimmed(colorAt(whole), tall - static_cast<float>(whole));
-        LiftRow(canvas, ground - 1 - whole, left, right, top);
+        canvas.LiftRow(ground - 1 - whole, left, right, top);
         DrawPeak(canvas, left, right, static_cast<float>(ground) - bar.Peak * static_cast<float>(room), bar.Peak,
                  palette);
         DrawMirror(canvas, left, right, ground, std::min(whole, height - ground), colorAt);
@@ -71,7 +72,7 @@ private:
         for (int row = static_cast<int>(std::floor(top)); row < bottom; ++row) {
             const auto edge = static_cast<float>(row);
             const float part = std::min(bottom, edge + 1) - std::max(top, edge);
-            LiftRow(canvas, row, left, right, viz::Dimmed(light, part));
+            canvas.LiftRow(row, left, right, viz::Dimmed(light, part));
         }
     }
 
@@ -85,21 +86,9 @@ private:
         }
     }
 
-    static int LeftOf(const Canvas& canvas, int index) {
-        const int count = std::clamp(canvas.Width() / kPixelsPerBar, kFewestBars, kMostBars);
+    int LeftOf(const Canvas& canvas, int index) const {
         const int margin = canvas.Width() * 3 / 100;
-        return margin + (canvas.Width() - 2 * margin) * index / count;
-    }
-    // The effects may have carried a bar's light into the gap beside it.
-    static void ShadeGap(const Canvas& canvas, int y, int left, int right) {
-        if (y < 0 || y >= canvas.Height()) return;
-        Color* row = canvas.Row(y);
-        for (int x = std::max(left, 0); x < std::min(right, canvas.Width()); ++x) row[x] = viz::Shade(row[x], 64);
-    }
-    static void LiftRow(const Canvas& canvas, int y, int left, int right, Color color) {
-        if (y < 0 || y >= canvas.Height()) return;
-        Color* row = canvas.Row(y);
-        for (int x = std::max(left, 0); x < std::min(right, canvas.Width()); ++x) Canvas::Lift(row[x], color);
+        return margin + (canvas.Width() - 2 * margin) * index / count_;
     }
 
     inline static const viz::Palette kPalettes[] = {
@@ -108,7 +97,7 @@ private:
         {0x5A1726, 0xA52A2E, 0xDD6A2C, 0xF6B04E, 0xFFF0BE},
     };
     viz::Spectrum spectrum_;
-    int scaleCount_ = kMostBars;
+    int count_ = kMostBars;
     viz::PitchScale scale_{kMostBars};
 };
 

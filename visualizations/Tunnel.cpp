@@ -97,12 +97,11 @@ private:
     Point Corner(const Canvas& canvas, const Ring& ring, int corner, float depth) const {
         const float angle = kTurn * (static_cast<float>(corner) / kCorners + 0.25F) + Bend(depth, 0.11F, 2) * 0.4F;
         const float radius = (1 - ring.Form[corner]) / depth;
-        const float size = canvas.Smaller() * 0.62F;
         // What lies far ahead lies round the bend.
         const float ahead = depth / kFarthest;
         const float x = Bend(depth, 0.05F, 0) * 0.42F * ahead + 1.25F * radius * std::cos(angle);
         const float y = Bend(depth, 0.037F, 1) * 0.30F * ahead + radius * std::sin(angle);
-        return {static_cast<float>(canvas.Width()) / 2 + x * size, static_cast<float>(canvas.Height()) / 2 + y * size};
+        return canvas.FromMiddle({x, y}, canvas.Smaller() * 0.62F);
     }
     // A slow wave along the way that has been flown.
     float Bend(float depth, float pace, float phase) const {

@@ -65,6 +65,13 @@ public:
     // The width of a fine line: pictures of any size look alike.
     float Unit() const { return std::max(1.0F, Smaller() / 240); }
 
+    // Where a point lies that is given from the picture's middle, in units of `size` pixels.
+    Point FromMiddle(Point point, float size) const {
+        return {static_cast<float>(width_) / 2 + point.X * size, static_cast<float>(height_) / 2 + point.Y * size};
+    }
+    // The same in parts of the shorter side.
+    Point FromMiddle(Point point) const { return FromMiddle(point, Smaller()); }
+
     // Row y from the top as 0x00RRGGBB words.
     Color* Row(int y) const { return reinterpret_cast<Color*>(top_ + y * stride_); }
 
@@ -96,9 +103,20 @@ public:
 
     // Whole pixels from `left` to before `right`.
     void FillRow(int y, int left, int right, Color color) const {
+        ChangeRow(y, left, right, [color](Color& pixel) { pixel = color; });
+    }
+
+    // The same, but lifts pixels to its own brightness.
+    void LiftRow(int y, int left, int right, Color color) const {
+        ChangeRow(y, left, right, [color](Color& pixel) { Lift(pixel, color); });
+    }
+
+    // Calls `change` with each pixel from `left` to before `right` of the row, as far as it lies in the picture.
+    template <typename Change>
+    void ChangeRow(int y, int left, int right, Change change) const {
         if (y < 0 || y >= height_) return;
         Color* row = Row(y);
-        for (int x = std::max(left, 0); x < std::min(right, width_); ++x) row[x] = color;
+        for (int x = std::max(left, 0); x < std::min(right, width_); ++x) change(row[x]);
     }
 
     // A stroke with flat ends, each carried on by `overlap` pixels so that pieces of a curve join without a

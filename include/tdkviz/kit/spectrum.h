@@ -51,16 +51,13 @@ public:
             const auto loud = static_cast<float>(std::max(left[k], right[k]));
             const float lifted = loud > 0 ? loud + Lifts()[k] : 0;
             loudest = std::max(loudest, lifted);
-            now_[k] = lifted > 0 ? std::clamp((lifted - top_) / kRange + 1, 0.0F, 1.0F) : 0.0F;
-            bands_[k].Follow(now_[k]);
+            bands_[k].Follow(lifted > 0 ? std::clamp((lifted - top_) / kRange + 1, 0.0F, 1.0F) : 0.0F);
         }
         top_ += (loudest - top_) * (loudest > top_ ? kTopRise : kTopFall);
     }
 
     // k from 0 to kBands - 1.
     const Band& operator[](int k) const { return bands_[k]; }
-    // Of this frame alone, 0 to 1.
-    float Now(int k) const { return now_[k]; }
 
     // The highest of the bands that lie in a range.
     Band Highest(float from, float to) const {
@@ -94,7 +91,6 @@ private:
     }
 
     std::array<Band, kBands> bands_{};
-    std::array<float, kBands> now_{};
     float top_ = 255;
 };
 

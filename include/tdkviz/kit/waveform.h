@@ -44,29 +44,6 @@ private:
     float presence_ = 0;
 };
 
-// The needle of a volume meter. It has mass: it is late, and swings a little past its mark.
-struct Needle {
-    static constexpr float kFullScale = 1.41254F;  // +3 dB, the right end of the scale
-    static constexpr float kZeroLevel = 38;        // the root of the mean square, in sample units, that reads 0 dB
-
-    float Place = 0;  // 0 at the left end, 1 at the right one
-    float Speed = 0;
-    float Lamp = 0;  // 1 when the samples have come near their limit, then down to 0
-
-    void Follow(const int8_t* samples) {
-        float square = 0;
-        int peak = 0;
-        for (int i = 0; i < kWaveformSamples; ++i) {
-            square += static_cast<float>(samples[i] * samples[i]);
-            peak = std::max(peak, std::abs(samples[i]));
-        }
-        const float volts = std::sqrt(square / kWaveformSamples) / kZeroLevel;
-        Speed = (Speed + (std::min(volts / kFullScale, 1.1F) - Place) * 0.34F) * 0.56F;
-        Place = std::clamp(Place + Speed, 0.0F, 1.06F);
-        Lamp = peak > 118 ? 1 : Lamp * 0.86F;
-    }
-};
-
 // Part of the 512 samples, from a rising zero crossing on, so that a steady tone stands still.
 class Curve {
 public:
