@@ -10,6 +10,7 @@
 #include <cstring>
 #include <filesystem>
 
+#include "player/base/Joined.h"
 #include "player/check/CheckList.h"
 #include "player/check/ProbeMain.h"
 
@@ -49,12 +50,14 @@ std::string EarlyEnd(const ChildEnd& end) {
 
 // The gravest finding gives the verdict, and all of its kind the reason.
 void Judge(const SentFindings& findings, CheckResult& result) {
+    std::vector<std::string> reasons;
     for (const Finding& finding : findings.All) {
         if (finding.Kind < result.Outcome) continue;
-        if (finding.Kind > result.Outcome) result.Reason.clear();
+        if (finding.Kind > result.Outcome) reasons.clear();
         result.Outcome = finding.Kind;
-        result.Reason += (result.Reason.empty() ? "" : "; ") + finding.Text;
+        reasons.push_back(finding.Text);
     }
+    result.Reason = Joined(reasons, "; ");
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include <memory>
 #include <thread>
 
+#include "player/base/PictureSize.h"
 #include "player/check/Findings.h"
 #include "player/check/LibraryFault.h"
 #include "player/check/ProcessState.h"
@@ -31,10 +32,6 @@ std::string ThrownType() {
     const std::unique_ptr<char, decltype(&std::free)> readable(
         abi::__cxa_demangle(type->name(), nullptr, nullptr, &status), &std::free);
     return readable ? readable.get() : type->name();
-}
-
-std::string Sized(const char* call, int32_t width, int32_t height) {
-    return std::string(call) + " " + std::to_string(width) + "x" + std::to_string(height);
 }
 
 MPAVizWindowRecord RecordOf(HWND window) {
@@ -196,7 +193,7 @@ void CheckedPlugin::OnClick(uint32_t x, uint32_t y) {
 }
 
 void CheckedPlugin::Draw(void* pixels, int32_t width, int32_t height, int32_t pitch, VizAnalysisFrame* frame) {
-    CallPlugin(Sized("Draw", width, height), [&] {
+    CallPlugin("Draw " + PictureSize{width, height}.Text(), [&] {
         two_ ? two_->Draw(pixels, width, height, pitch, kBitsPerPixel, frame)
              : one_->Draw(pixels, width, height, pitch, kBitsPerPixel, frame);
     });

@@ -1,30 +1,25 @@
+#include <algorithm>
 #include <cstring>
 
+#include "player/base/Joined.h"
 #include "player/check/GuardedBuffer.h"
-#include "player/check/PluginView.h"
 #include "player/check/Probes.h"
 #include "player/check/TestSound.h"
 
 namespace tdkplay::check {
 namespace {
 
-constexpr ViewSize kUsual = {320, 240};
-constexpr ViewSize kSmall = {64, 48};
-constexpr ViewSize kSizes[] = {{1, 1},    {2, 1},    {1, 2},     {1, 7},     {5, 1},       {3, 3},      {33, 17},
-                               {127, 65}, {64, 480}, {321, 243}, {640, 480}, {1920, 1080}, {3840, 2160}};
-constexpr ViewSize kRowSizes[] = {{1, 1}, {3, 5}, {33, 17}, {320, 240}};
+constexpr PictureSize kSizes[] = {{1, 1},    {2, 1},    {1, 2},     {1, 7},     {5, 1},       {3, 3},      {33, 17},
+                                  {127, 65}, {64, 480}, {321, 243}, {640, 480}, {1920, 1080}, {3840, 2160}};
+constexpr PictureSize kRowSizes[] = {{1, 1}, {3, 5}, {33, 17}, {320, 240}};
 constexpr int kPaddings[] = {0, 12, 64};  // bytes behind a row
 constexpr uint8_t kPaddingFill = 0x5A;
 constexpr int kLargeArea = 1000 * 1000;  // for thorough checks only
 
-std::string SizeText(ViewSize size) {
-    return std::to_string(size.Width) + "x" + std::to_string(size.Height);
-}
-
 // One picture in a layout of its own, drawn on with loud and quiet frames.
 class LaidOutPicture {
 public:
-    LaidOutPicture(ViewSize size, int pitch, Against against)
+    LaidOutPicture(PictureSize size, int pitch, Against against)
         : size_(size),
           pitch_(pitch),
           rowBytes_(static_cast<size_t>(pitch < 0 ? -pitch : pitch)),
@@ -44,7 +39,7 @@ public:
 
 private:
     std::string Where() const {
-        return ", in Draw " + SizeText(size_) + " with a pitch of " + std::to_string(pitch_) + " bytes";
+        return ", in Draw " + size_.Text() + " with a pitch of " + std::to_string(pitch_) + " bytes";
     }
     template <typename Look>
     void ForPadding(Look look) {
@@ -54,36 +49,38 @@ private:
             look(buffer_.Data() + y * rowBytes_ + used, rowBytes_ - used);
     }
 
-    const ViewSize size_;
+    const PictureSize size_;
     const int pitch_;
     const size_t rowBytes_;
     GuardedBuffer buffer_;
 };
 
-void DrawAllWays(CheckedPlugin& plugin, ViewSize size, int pitch, const std::vector<NamedFrame>& sounds) {
+void DrawAllWays(CheckedPlugin& plugin, PictureSize size, int pitch, const std::vector<NamedFrame>& sounds) {
     for (const Against against : {Against::kEnd, Against::kBegin}) {
         LaidOutPicture picture(size, pitch, against);
         for (const NamedFrame& sound : sounds) picture.Draw(plugin, sound.Frame);
     }
 }
 
+// Nothing, all there can be, and something in between.
 std::vector<NamedFrame> FewSounds() {
     const std::vector<NamedFrame> all = HardFrames();
-    return {all[1], all[4], all[5]};
+    const auto named = [&all](const std::string& name) {
+        const auto found =
+            std::find_if(all.begin(), all.end(), [&name](const NamedFrame& sound) { return sound.Name == name; });
+        return all.at(static_cast<size_t>(found - all.begin()));
+    };
+    return {named("silence"), named("full scale alternating"), named("noise")};
 }
 
 }  // namespace
 
 void ProbeFrames(ProbeContext& context) {
-    LoadedPlugin loaded(context);
     TestMusic music;
-    loaded.Plugin.SetActive(true);
-    context.Frames.Run([&] {
-        PluginView view(loaded.Plugin, kUsual);
-        for (int i = 0; i < kFramesPerSecond; ++i) view.Next(music.At(static_cast<size_t>(i)));
+    PlayIn(context, kUsualSize, [&](PluginView& view) {
+        for (size_t i = 0; i < kFramesPerSecond; ++i) view.Next(music.At(i));
     });
-    loaded.Plugin.End();
-    context.Findings.Note("a second of music at " + SizeText(kUsual));
+    context.Findings.Note("a second of music at " + kUsualSize.Text());
 }
 
 void ProbeSizes(ProbeContext& context) {
@@ -91,16 +88,16 @@ void ProbeSizes(ProbeContext& context) {
     if (loaded.Plugin.DrawsToWindow()) return context.Findings.Skip("it draws to a window");
     loaded.Plugin.SetActive(true);
     const std::vector<NamedFrame> sounds = FewSounds();
-    ViewSize largest = kSizes[0];
+    PictureSize largest = kSizes[0];
     context.Frames.Run([&] {
-        for (const ViewSize size : kSizes) {
+        for (const PictureSize size : kSizes) {
             if (size.Width * size.Height > kLargeArea && !context.IsThorough()) continue;
             DrawAllWays(loaded.Plugin, size, -4 * size.Width, sounds);
             largest = size;
         }
     });
     loaded.Plugin.End();
-    context.Findings.Note("1x1 to " + SizeText(largest) + " between guarded pages");
+    context.Findings.Note("1x1 to " + largest.Text() + " between guarded pages");
 }
 
 void ProbeRows(ProbeContext& context) {
@@ -109,7 +106,7 @@ void ProbeRows(ProbeContext& context) {
     loaded.Plugin.SetActive(true);
     const std::vector<NamedFrame> sounds = FewSounds();
     context.Frames.Run([&] {
-        for (const ViewSize size : kRowSizes) {
+        for (const PictureSize size : kRowSizes) {
             for (const int padding : kPaddings) {
                 DrawAllWays(loaded.Plugin, size, -(4 * size.Width + padding), sounds);
                 DrawAllWays(loaded.Plugin, size, 4 * size.Width + padding, sounds);
@@ -121,12 +118,10 @@ void ProbeRows(ProbeContext& context) {
 }
 
 void ProbeSounds(ProbeContext& context) {
-    LoadedPlugin loaded(context);
     const std::vector<NamedFrame> sounds = HardFrames();
+    const std::vector<std::string> told = {"silence", "full scale", "noise", "impulses"};
     const int turns = context.Turns(15, 3);
-    loaded.Plugin.SetActive(true);
-    context.Frames.Run([&] {
-        PluginView view(loaded.Plugin, kUsual);
+    PlayIn(context, kUsualSize, [&](PluginView& view) {
         for (const NamedFrame& sound : sounds) {
             try {
                 for (int i = 0; i < turns; ++i) view.Next(sound.Frame);
@@ -135,33 +130,25 @@ void ProbeSounds(ProbeContext& context) {
             }
         }
     });
-    loaded.Plugin.End();
-    context.Findings.Note("silence, full scale, noise, impulses and " + std::to_string(sounds.size() - 4) + " more");
+    context.Findings.Note(Joined(told, ", ") + " and " + std::to_string(sounds.size() - told.size()) + " more");
 }
 
 void ProbeRecord(ProbeContext& context) {
-    LoadedPlugin loaded(context);
-    loaded.Plugin.SetActive(true);
-    context.Frames.Run([&] {
-        PluginView view(loaded.Plugin, kSmall);
+    PlayIn(context, kSmallSize, [](PluginView& view) {
         for (const Against against : {Against::kEnd, Against::kBegin}) {
             for (const NamedFrame& sound : FewSounds()) view.DrawReadOnly(sound.Frame, against);
         }
     });
-    loaded.Plugin.End();
     context.Findings.Note("the analysis frame read only, between guarded pages");
 }
 
 void ProbeResize(ProbeContext& context) {
-    constexpr ViewSize kSteps[] = {{320, 240}, {1, 1}, {640, 480}, {33, 17}, {2, 300}, {300, 2}, {64, 48}};
-    LoadedPlugin loaded(context);
+    constexpr PictureSize kSteps[] = {{320, 240}, {1, 1}, {640, 480}, {33, 17}, {2, 300}, {300, 2}, {64, 48}};
     uint32_t noise = 1;
     const int turns = context.Turns(20, 3);
-    loaded.Plugin.SetActive(true);
-    context.Frames.Run([&] {
-        PluginView view(loaded.Plugin, kUsual);
+    PlayIn(context, kUsualSize, [&](PluginView& view) {
         for (int i = 0; i < turns; ++i) {
-            for (const ViewSize size : kSteps) {
+            for (const PictureSize size : kSteps) {
                 view.Resize(size);
                 // Every other turn a size stays for some frames.
                 for (int frames = i % 2 == 0 ? 1 : 4; frames > 0; --frames) view.Next(NoiseFrame(noise));
@@ -169,7 +156,6 @@ void ProbeResize(ProbeContext& context) {
             }
         }
     });
-    loaded.Plugin.End();
     context.Findings.Note(std::to_string(turns * static_cast<int>(std::size(kSteps))) +
                           " changes of size while playing");
 }

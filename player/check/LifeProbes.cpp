@@ -5,7 +5,6 @@
 #include <thread>
 
 #include "player/check/CrashHandler.h"
-#include "player/check/PluginView.h"
 #include "player/check/Probes.h"
 #include "player/check/SharedCalls.h"
 #include "player/check/TestSound.h"
@@ -13,14 +12,12 @@
 namespace tdkplay::check {
 namespace {
 
-constexpr ViewSize kUsual = {320, 240};
-constexpr ViewSize kSmall = {64, 48};
 constexpr uint32_t kFarAway = 0xFFFFFFFF;
 
 void DrawSome(ProbeContext& context, CheckedPlugin& plugin, int frames) {
     uint32_t noise = 1;
     context.Frames.Run([&] {
-        PluginView view(plugin, kSmall);
+        PluginView view(plugin, kSmallSize);
         for (int i = 0; i < frames; ++i) view.Next(NoiseFrame(noise));
     });
 }
@@ -47,7 +44,7 @@ private:
         UseCallSlot(SharedCalls::kOtherSlot);
         try {
             for (uint32_t i = 0; !isStopped_; ++i) {
-                plugin.OnClick(i % kUsual.Width, i % kUsual.Height);
+                plugin.OnClick(i % kUsualSize.Width, i % kUsualSize.Height);
                 plugin.SetActive(i % 2 != 0);
                 if (window) plugin.SetWindow(i % 2 != 0 ? window : nullptr);
                 std::this_thread::yield();
@@ -74,7 +71,7 @@ void ProbeStartStop(ProbeContext& context) {
         if (i % 3 == 0) plugin.SetActive(true);
         if (i % 4 != 0) {
             context.Frames.Run([&] {
-                PluginView view(plugin, kSmall);
+                PluginView view(plugin, kSmallSize);
                 for (int frames = i % 4; frames > 0; --frames) view.Next(NoiseFrame(noise));
             });
         }
@@ -111,7 +108,7 @@ void ProbeCallsDuringDraw(ProbeContext& context) {
     uint32_t noise = 1;
     loaded.Plugin.SetActive(true);
     context.Frames.Run([&] {
-        PluginView view(loaded.Plugin, kUsual);
+        PluginView view(loaded.Plugin, kUsualSize);
         Disturber disturber(loaded.Plugin, view.Window());
         for (int i = 0; i < turns; ++i) view.Next(NoiseFrame(noise));
         disturber.Stop();

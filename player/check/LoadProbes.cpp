@@ -2,7 +2,6 @@
 #include <cctype>
 #include <cstdio>
 
-#include "player/check/PluginView.h"
 #include "player/check/Probes.h"
 #include "player/check/TestSound.h"
 
@@ -111,7 +110,7 @@ void ProbeReload(ProbeContext& context) {
         CheckedPlugin plugin(library, context.Host.Get(), nullptr);
         if (i % 2 != 0) {
             context.Frames.Run([&] {
-                PluginView view(plugin, {64, 48});
+                PluginView view(plugin, kSmallSize);
                 view.Next(HardFrames().back().Frame);
             });
         }

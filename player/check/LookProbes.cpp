@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <limits>
 
+#include "player/base/Joined.h"
 #include "player/check/FlashMeter.h"
-#include "player/check/PluginView.h"
 #include "player/check/Probes.h"
 #include "player/check/ProcessState.h"
 #include "player/check/TestSound.h"
@@ -13,7 +13,6 @@
 namespace tdkplay::check {
 namespace {
 
-constexpr ViewSize kUsual = {320, 240};
 constexpr double kBudget = 33;  // milliseconds for everything, at 30 frames a second
 constexpr double kWarnFrom = 5;
 constexpr int kLives = 3;
@@ -24,14 +23,11 @@ struct FrameTimes {
 };
 
 // The shortest time of each frame in some lives of the plug-in: what other programs take away isn't its fault.
-FrameTimes Measure(ProbeContext& context, TestMusic& music, ViewSize size, int frames) {
+FrameTimes Measure(ProbeContext& context, TestMusic& music, PictureSize size, int frames) {
     using Clock = std::chrono::steady_clock;
     std::vector<double> times(static_cast<size_t>(frames), std::numeric_limits<double>::max());
     for (int life = 0; life < kLives; ++life) {
-        LoadedPlugin loaded(context);
-        loaded.Plugin.SetActive(true);
-        context.Frames.Run([&] {
-            PluginView view(loaded.Plugin, size);
+        PlayIn(context, size, [&](PluginView& view) {
             for (size_t i = 0; i < times.size(); ++i) {
                 const VizAnalysisFrame& frame = music.At(i);
                 const auto begin = Clock::now();
@@ -39,15 +35,14 @@ FrameTimes Measure(ProbeContext& context, TestMusic& music, ViewSize size, int f
                 times[i] = std::min(times[i], std::chrono::duration<double, std::milli>(Clock::now() - begin).count());
             }
         });
-        loaded.Plugin.End();
     }
     std::sort(times.begin(), times.end());
     return {times[times.size() / 2], times[times.size() * 99 / 100]};
 }
 
-std::string TimesText(ViewSize size, const FrameTimes& times) {
+std::string TimesText(PictureSize size, const FrameTimes& times) {
     std::array<char, 100> text = {};
-    std::snprintf(text.data(), text.size(), "%dx%d: median %.2f ms, 99th percentile %.2f", size.Width, size.Height,
+    std::snprintf(text.data(), text.size(), "%s: median %.2f ms, 99th percentile %.2f", size.Text().c_str(),
                   times.Median, times.Ninety9);
     return text.data();
 }
@@ -58,15 +53,11 @@ bool IsBlack(const std::vector<uint32_t>& pixels) {
 
 // The last picture of a new object after these frames.
 std::vector<uint32_t> PictureOfNewObject(ProbeContext& context, TestMusic& music, size_t frames) {
-    LoadedPlugin loaded(context);
     std::vector<uint32_t> picture;
-    loaded.Plugin.SetActive(true);
-    context.Frames.Run([&] {
-        PluginView view(loaded.Plugin, kUsual);
+    PlayIn(context, kUsualSize, [&](PluginView& view) {
         for (size_t i = 0; i < frames; ++i) view.Next(music.At(i));
         picture = view.Pixels();
     });
-    loaded.Plugin.End();
     return picture;
 }
 
@@ -76,14 +67,15 @@ void ProbeSpeed(ProbeContext& context) {
     if (!ResourceUse::IsExact()) return context.Findings.Skip("this build is slow itself: it has a sanitizer");
     TestMusic music;
     const int frames = context.Turns(200, 20);
-    std::string text;
+    std::vector<std::string> texts;
     double worst = 0, worstTail = 0;
-    for (const ViewSize size : {ViewSize{320, 240}, ViewSize{640, 480}}) {
+    for (const PictureSize size : {kUsualSize, PictureSize{640, 480}}) {
         const FrameTimes times = Measure(context, music, size, frames);
-        text += (text.empty() ? "" : "; ") + TimesText(size, times);
+        texts.push_back(TimesText(size, times));
         worst = std::max(worst, times.Median);
         worstTail = std::max(worstTail, times.Ninety9);
     }
+    const std::string text = Joined(texts, "; ");
     if (worst > kBudget) throw ContractFault("too slow for 30 frames a second: " + text);
     if (worst > kWarnFrom) return context.Findings.Warn("slow: " + text);
     if (worstTail > kBudget) return context.Findings.Warn("some frames are slow: " + text);
@@ -91,37 +83,29 @@ void ProbeSpeed(ProbeContext& context) {
 }
 
 void ProbePicture(ProbeContext& context) {
-    LoadedPlugin loaded(context);
     TestMusic music;
     int firstSeen = -1;
-    loaded.Plugin.SetActive(true);
-    context.Frames.Run([&] {
-        PluginView view(loaded.Plugin, kUsual);
+    PlayIn(context, kUsualSize, [&](PluginView& view) {
         const std::vector<uint32_t> blank = view.Pixels();
         for (int i = 0; i < kFramesPerSecond && firstSeen < 0; ++i) {
             view.Next(music.At(static_cast<size_t>(i + kFramesPerSecond)));
             if (!IsBlack(view.Pixels()) && view.Pixels() != blank) firstSeen = i;
         }
     });
-    loaded.Plugin.End();
     if (firstSeen < 0) return context.Findings.Warn("all black through a second of music");
     context.Findings.Note("something to see from frame " + std::to_string(firstSeen + 1) + " of the music on");
 }
 
 void ProbeFlashes(ProbeContext& context) {
-    LoadedPlugin loaded(context);
     TestMusic music;
     FlashMeter meter(kFramesPerSecond);
     const int frames = context.Turns(kFlashSeconds * kFramesPerSecond, 2 * kFramesPerSecond);
-    loaded.Plugin.SetActive(true);
-    context.Frames.Run([&] {
-        PluginView view(loaded.Plugin, kUsual);
+    PlayIn(context, kUsualSize, [&](PluginView& view) {
         for (int i = 0; i < frames; ++i) {
             view.Next(music.At(static_cast<size_t>(i)));
-            meter.Add(view.Pixels(), kUsual.Width, kUsual.Height);
+            meter.Add(view.Pixels(), kUsualSize.Width, kUsualSize.Height);
         }
     });
-    loaded.Plugin.End();
     std::array<char, 100> text = {};
     std::snprintf(text.data(), text.size(), "%g flashes of the picture within a second of music", meter.MostFlashes());
     if (meter.MostFlashes() > FlashMeter::kMostFlashes)

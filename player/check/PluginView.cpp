@@ -15,13 +15,9 @@ constexpr uint32_t kFadeShift = 3;
 constexpr uint32_t kFadeMask = 0x1F1F1F;
 constexpr uint32_t kColours = 0xFFFFFF;
 
-std::string Sized(const char* what, ViewSize size) {
-    return std::string(what) + " " + std::to_string(size.Width) + "x" + std::to_string(size.Height);
-}
-
 }  // namespace
 
-PluginView::PluginView(CheckedPlugin& plugin, ViewSize size)
+PluginView::PluginView(CheckedPlugin& plugin, PictureSize size)
     : plugin_(plugin), size_(size), record_("the analysis frame", sizeof(VizAnalysisFrame), Against::kEnd) {
     if (!plugin.DrawsToWindow()) {
         Resize(size);
@@ -29,7 +25,7 @@ PluginView::PluginView(CheckedPlugin& plugin, ViewSize size)
     }
     window_ = CreateWindowExA(0, "Static", "", WS_POPUP | WS_VISIBLE, 0, 0, size.Width, size.Height, nullptr, nullptr,
                               nullptr, nullptr);
-    if (!window_) throw ContractFault("there is no window of " + Sized("size", size));
+    if (!window_) throw ContractFault("there is no window of size " + size.Text());
     plugin_.SetWindow(window_);
     TdkpDispatchMessages();  // it is painted for the first time
 }
@@ -45,7 +41,7 @@ PluginView::~PluginView() {
     TdkpDispatchMessages();
 }
 
-void PluginView::Resize(ViewSize size) {
+void PluginView::Resize(PictureSize size) {
     size_ = size;
     if (window_) {
         SetWindowPos(window_, nullptr, 0, 0, size.Width, size.Height, SWP_NOZORDER | SWP_NOACTIVATE);
@@ -98,7 +94,7 @@ void PluginView::RequireUntouched() {
 
 void PluginView::RequireUntouched(GuardedBuffer& buffer) const {
     const std::string touched = buffer.TakeTouched();
-    if (!touched.empty()) throw ContractFault(touched + ", in " + Sized(window_ ? "DrawToWindow" : "Draw", size_));
+    if (!touched.empty()) throw ContractFault(touched + ", in " + (window_ ? "DrawToWindow " : "Draw ") + size_.Text());
 }
 
 const std::vector<uint32_t>& PluginView::Pixels() {

@@ -8,18 +8,15 @@
 #include <memory>
 #include <vector>
 
+#include "player/base/PictureSize.h"
 #include "player/check/CheckedPlugin.h"
 #include "player/check/GuardedBuffer.h"
 
 namespace tdkplay::check {
 
-struct ViewSize {
-    int Width, Height;
-};
-
 class PluginView {
 public:
-    PluginView(CheckedPlugin& plugin, ViewSize size);
+    PluginView(CheckedPlugin& plugin, PictureSize size);
     // Withdraws the window.
     ~PluginView();
     PluginView(const PluginView&) = delete;
@@ -35,7 +32,7 @@ public:
     // ContractFault if it is.
     void DrawReadOnly(const VizAnalysisFrame& frame, Against against);
     // The picture goes, and a black one of this size comes; or the window changes its size.
-    void Resize(ViewSize size);
+    void Resize(PictureSize size);
     // What is seen, 0x00RRGGBB, top row first. Good until the next call.
     const std::vector<uint32_t>& Pixels();
     // Null if the plug-in draws to a buffer.
@@ -47,7 +44,7 @@ private:
     void RequireUntouched(GuardedBuffer& buffer) const;
 
     CheckedPlugin& plugin_;
-    ViewSize size_;
+    PictureSize size_;
     GuardedBuffer record_;
     std::unique_ptr<GuardedBuffer> picture_;  // null: draws to the window
     HWND window_ = nullptr;

@@ -3,15 +3,21 @@
 #pragma once
 
 #include <algorithm>
+#include <functional>
 #include <string>
 
+#include "player/base/PictureSize.h"
 #include "player/check/CheckedPlugin.h"
 #include "player/check/Findings.h"
 #include "player/check/FrameThread.h"
 #include "player/check/MemoryPreferences.h"
+#include "player/check/PluginView.h"
 #include "player/host/HostContext.h"
 
 namespace tdkplay::check {
+
+inline constexpr PictureSize kUsualSize = {320, 240};
+inline constexpr PictureSize kSmallSize = {64, 48};  // where many frames count, and not what they show
 
 struct ProbeContext {
     // So many turns in the usual time.
@@ -34,6 +40,9 @@ struct LoadedPlugin {
     const ComPtr<MemoryPreferences> Preferences = MakeCom<MemoryPreferences>();
     CheckedPlugin Plugin;
 };
+
+// The whole life of the plug-in in one view of this size, which `work` gets on the frame thread.
+void PlayIn(ProbeContext& context, PictureSize size, const std::function<void(PluginView&)>& work);
 
 // The load.
 void ProbeLibrary(ProbeContext& context);

@@ -2,7 +2,7 @@
 #include <chrono>
 #include <thread>
 
-#include "player/check/PluginView.h"
+#include "player/base/Joined.h"
 #include "player/check/Probes.h"
 #include "player/check/ProcessState.h"
 #include "player/check/TestSound.h"
@@ -10,18 +10,12 @@
 namespace tdkplay::check {
 namespace {
 
-constexpr ViewSize kSmall = {160, 120};
+constexpr PictureSize kModest = {160, 120};
 constexpr std::chrono::seconds kThreadPatience{3};
 constexpr std::chrono::milliseconds kThreadPause{5};
 // What grows in all of these windows in a row, grows for ever.
 constexpr int kWindows = 4;
 constexpr long kLeastGrowth = 8;  // bytes each turn
-
-std::string Joined(const std::vector<std::string>& texts) {
-    std::string all;
-    for (const std::string& text : texts) all += (all.empty() ? "" : ", ") + text;
-    return all;
-}
 
 std::vector<std::string> ThreadsBeyond(size_t count) {
     const auto limit = std::chrono::steady_clock::now() + kThreadPatience;
@@ -69,7 +63,7 @@ private:
 
 void TellGrowth(ProbeContext& context, const Growth& growth, int turns, const std::string& turn) {
     const std::vector<std::string> texts = growth.Tell(turns, turn);
-    if (!texts.empty()) throw ContractFault("loses " + Joined(texts));
+    if (!texts.empty()) throw ContractFault("loses " + Joined(texts, ", "));
     std::string note = "nothing grows in " + std::to_string(turns * kWindows) + " " + turn + "s";
     if (!ResourceUse::IsExact()) note += ", memory aside: this build has a heap of its own";
     context.Findings.Note(note);
@@ -86,7 +80,7 @@ void ProbeThreads(ProbeContext& context) {
     FrameThread other;
     for (FrameThread* thread : {&context.Frames, &other}) {
         thread->Run([&] {
-            PluginView view(loaded.Plugin, kSmall);
+            PluginView view(loaded.Plugin, kModest);
             for (size_t i = 0; i < kFramesPerSecond; ++i) view.Next(music.At(i));
         });
     }
@@ -112,7 +106,7 @@ void ProbeProcess(ProbeContext& context) {
         loaded.Plugin.OnClick(1, 1);
         context.Frames.Run([&] {
             const ThreadState frameBefore;
-            PluginView view(loaded.Plugin, kSmall);
+            PluginView view(loaded.Plugin, kModest);
             for (size_t i = 0; i < kFramesPerSecond && changes.empty(); ++i) {
                 view.Next(music.At(i));
                 for (const std::string& change : ThreadState().ChangesSince(frameBefore))
@@ -124,25 +118,21 @@ void ProbeProcess(ProbeContext& context) {
     }
     threadBefore.Restore();
     for (const std::string& change : ProcessState().ChangesSince(before)) changes.push_back(change);
-    if (!changes.empty()) throw ContractFault("changes " + Joined(changes));
+    if (!changes.empty()) throw ContractFault("changes " + Joined(changes, ", "));
     context.Findings.Note("signals, floating point, locale, folder, umask, environment, standard files");
 }
 
 void ProbeLeakPerFrame(ProbeContext& context) {
-    LoadedPlugin loaded(context);
     TestMusic music;
     const int turns = context.Turns(150, 25);
     for (int i = 0; i < turns; ++i) music.At(static_cast<size_t>(i));
-    loaded.Plugin.SetActive(true);
     Growth growth;
-    context.Frames.Run([&] {
-        PluginView view(loaded.Plugin, kSmall);
+    PlayIn(context, kModest, [&](PluginView& view) {
         for (int window = 0; window <= kWindows + 1; ++window) {  // the first one warms up
             if (window > 0) growth.Add(ResourceUse::Now());
             for (int i = 0; window <= kWindows && i < turns; ++i) view.Next(music.At(static_cast<size_t>(i)));
         }
     });
-    loaded.Plugin.End();
     TellGrowth(context, growth, turns, "frame");
 }
 
@@ -150,13 +140,9 @@ void ProbeLeakPerStart(ProbeContext& context) {
     const int turns = context.Turns(20, 5);
     uint32_t noise = 1;
     const auto live = [&] {
-        LoadedPlugin loaded(context);
-        loaded.Plugin.SetActive(true);
-        context.Frames.Run([&] {
-            PluginView view(loaded.Plugin, kSmall);
+        PlayIn(context, kModest, [&](PluginView& view) {
             for (int i = 0; i < 3; ++i) view.Next(NoiseFrame(noise));
         });
-        loaded.Plugin.End();
     };
     Growth growth;
     for (int window = 0; window <= kWindows + 1; ++window) {

@@ -7,7 +7,6 @@
 #include <mutex>
 #include <thread>
 
-#include "player/check/PluginView.h"
 #include "player/check/Probes.h"
 #include "player/check/TestSound.h"
 
@@ -17,8 +16,7 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-constexpr ViewSize kUsual = {320, 240};
-constexpr ViewSize kSizes[] = {{1, 1}, {33, 17}, {320, 240}, {300, 500}, {1200, 700}};
+constexpr PictureSize kSizes[] = {{1, 1}, {33, 17}, {320, 240}, {300, 500}, {1200, 700}};
 constexpr milliseconds kModalPause{500};  // a Configure that isn't back by then waits for its dialog
 constexpr milliseconds kClosePatience{10000};
 constexpr milliseconds kCloseTurn{20};
@@ -110,7 +108,7 @@ void ProbeConfigure(ProbeContext& context) {
         const bool isModal = CountNow().windows == before.windows;
         TestMusic music;
         context.Frames.Run([&] {
-            PluginView view(loaded.Plugin, kUsual);
+            PluginView view(loaded.Plugin, kUsualSize);
             for (size_t i = 0; i < 5; ++i) view.Next(music.At(i));
         });
         if (!CloseAndWait()) throw ContractFault("its dialog doesn't close when it is asked to");
@@ -129,7 +127,7 @@ void ProbeWindow(ProbeContext& context) {
     TestMusic music;
     plugin.SetActive(true);
     context.Frames.Run([&] {
-        for (const ViewSize size : kSizes) {
+        for (const PictureSize size : kSizes) {
             PluginView view(plugin, size);
             for (size_t i = 0; i < kFramesPerSecond; ++i) view.Draw(music.At(i));
             const std::vector<uint32_t> shown = view.Pixels();
@@ -137,7 +135,7 @@ void ProbeWindow(ProbeContext& context) {
             for (size_t i = kFramesPerSecond; i < 2 * kFramesPerSecond; ++i) view.Draw(music.At(i));
             if (view.Pixels() != shown) throw ContractFault("paints on after SetWindow(0)");
         }
-        PluginView view(plugin, kUsual);
+        PluginView view(plugin, kUsualSize);
         const std::vector<uint32_t> blank = view.Pixels();
         for (size_t i = 0; i < kFramesPerSecond; ++i) view.Draw(music.At(i));
         if (view.Pixels() == blank) throw ContractFault("paints nothing into its window");
