@@ -20,7 +20,6 @@ public:
     // As when a view takes another plug-in.
     ~StagedPlugin();
 
-    bool IsLoaded() const { return two_ || one_; }
     IMPAVisualization2* Two() const { return two_; }
     bool DrawsToWindow() const { return renderMode_ == kRenderToWindow; }
     bool CanBeConfigured() const { return supportsConfigure_ != 0; }
