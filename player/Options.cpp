@@ -42,7 +42,6 @@ constexpr char kDefaultDevice[] = "default";
 // What CLI11 fills and Options doesn't keep as it stands.
 struct RawOptions {
     std::string Size;
-    std::vector<std::string> Plugins;
     std::optional<size_t> Views;
     std::string Device;
     std::string Capture;
@@ -81,14 +80,11 @@ void PairSnapshots(const RawOptions& raw, Options& options) {
         throw UsageError("--at lies beyond --duration");
 }
 
-void TakePlugins(const RawOptions& raw, Options& options) {
+void CountViews(const RawOptions& raw, Options& options) {
     const size_t most = raw.Views.value_or(kMostViews);
-    if (raw.Plugins.size() > most && options.Sheet.empty())
+    if (options.Plugins.size() > most && options.Sheet.empty())
         throw UsageError("--viz names more plug-ins than there are views (" + std::to_string(most) + ")");
-    options.Views = raw.Views.value_or(std::max<size_t>(raw.Plugins.size(), 1));
-    if (raw.Plugins.empty()) return;
-    options.Plugin = raw.Plugins.front();
-    options.MorePlugins.assign(raw.Plugins.begin() + 1, raw.Plugins.end());
+    options.Views = raw.Views.value_or(std::max<size_t>(options.Plugins.size(), 1));
 }
 
 void Exclude(const CLI::App& app, const std::string& what, std::initializer_list<const char*> others) {
@@ -161,7 +157,7 @@ void Declare(CLI::App& app, Options& options, RawOptions& raw) {
     app.add_option("FILES", options.Files,
                    "Audio files, folders of them, and lists (.m3u, .m3u8); without any the player's own piece");
     app.add_flag("--list", options.List, "List the plug-ins: name, path");
-    app.add_option("--viz", raw.Plugins,
+    app.add_option("--viz", options.Plugins,
                    "Plug-in to show: its name, its file's name, how one begins, or a path to a file; one for each view")
         ->type_name("NAME")
         ->expected(1)
@@ -231,12 +227,6 @@ std::vector<std::string> WithSwitchValues(int argc, const char* const* argv) {
 
 }  // namespace
 
-std::vector<std::string> Options::NamedPlugins() const {
-    std::vector<std::string> plugins = MorePlugins;
-    if (!Plugin.empty()) plugins.insert(plugins.begin(), Plugin);
-    return plugins;
-}
-
 std::optional<Options> Options::Parse(int argc, const char* const* argv) {
     Options options;
     RawOptions raw;
@@ -254,7 +244,7 @@ std::optional<Options> Options::Parse(int argc, const char* const* argv) {
     if (!raw.Size.empty()) options.Size = ParseSize(raw.Size);
     PairSnapshots(raw, options);
     CheckRendering(app, options);
-    TakePlugins(raw, options);
+    CountViews(raw, options);
     CheckListening(app);
     if (app.count("--capture") != 0) options.Capture = raw.Capture == kDefaultDevice ? "" : raw.Capture;
     if (raw.NoAudio) options.Output = kSilentName;

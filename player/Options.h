@@ -31,8 +31,8 @@ struct Options {
     std::string MakeDemo;  // the file to write the project's own piece to
     bool PrintSettings = false;
     bool ResetSettings = false;
-    std::string Plugin;  // name, file name, the beginning of one, or path; empty: the last one, else the first
-    std::vector<std::string> MorePlugins;  // those of the views behind the first, as far as they are named
+    // For the first views: name, file name, the beginning of one, or path. None: the last one, else the first.
+    std::vector<std::string> Plugins;
     size_t Views = 1;
     std::optional<PictureSize> Size;  // absent: as the window was last, else the usual
     PictureSettings Picture;
@@ -54,8 +54,6 @@ struct Options {
     std::optional<int> Offset;           // milliseconds that the pictures come later
     std::optional<std::string> Capture;  // show what this device plays or records; empty: the default output
 
-    // What --viz says.
-    std::vector<std::string> NamedPlugins() const;
     PictureSize SizeOrUsual() const { return Size.value_or(PictureSize{}); }
 
     // Reads the command line. For --help and --version prints the text and gives nothing. Throws

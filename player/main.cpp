@@ -72,7 +72,7 @@ void RequireSnapshotsWithin(const Options& options, const Decoder& decoder) {
 
 void List(const Options& options) {
     const Interrupt interrupt;
-    const PluginFolders pluginFolders(options.NamedPlugins());
+    const PluginFolders pluginFolders(options.Plugins);
     const auto context = MakeCom<HostContext>();
     AddOn addOn(OwnFolder(), *context);
     const std::vector<PluginInfo> plugins = ListPlugins(addOn.Manager());
@@ -133,7 +133,7 @@ void Run(const Options& options) {
     if (!options.Capture) decoder = jukebox.OpenFirst();
     if (decoder && jukebox.Size() == 1) RequireSnapshotsWithin(options, *decoder);
     Interrupt interrupt;
-    const PluginFolders pluginFolders(options.NamedPlugins());
+    const PluginFolders pluginFolders(options.Plugins);
     if (!options.Render.empty()) return RenderRun::Render(options, jukebox.Heard().Path, std::move(decoder), interrupt);
     if (!options.Sheet.empty()) return DrawSheet(options, jukebox.Heard().Title, std::move(decoder), interrupt);
     const Mode mode = ChooseMode(options);

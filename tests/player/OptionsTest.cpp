@@ -29,7 +29,7 @@ TEST(Options, TakeWhatIsGivenAndLeaveTheRestToTheUser) {
                "--snapshot", "a.png",       "--at",   "2",          "song.flac", "--headless", "--no-audio"});
     ASSERT_TRUE(full);
     EXPECT_EQ(full->Files, std::vector<std::string>{"song.flac"});
-    EXPECT_EQ(full->Plugin, "bars");
+    EXPECT_EQ(full->Plugins, std::vector<std::string>{"bars"});
     EXPECT_EQ(full->Size->Text(), "320x240");
     EXPECT_EQ(full->Picture.FrameRate, 25u);
     EXPECT_EQ(full->Picture.Effects, true);
