@@ -14,8 +14,7 @@ constexpr char kScript[] = "command -v xdg-open >/dev/null && { xdg-open \"$1\" 
 
 }  // namespace
 
-// One page covers the only topic that there is, the settings dialog.
-std::string HelpPage(uint32_t) {
+std::string HelpPage() {
     return OwnFolder() + "/Help/settings.html";
 }
 
