@@ -1,14 +1,13 @@
 // What the player remembers: on a real X server, since only a run in a window does.
 #include <csignal>
 
+#include "player/base/SettingsKey.h"
 #include "player/settings/PlayerSettings.h"
-#include "player/settings/SettingsKey.h"
 #include "tests/player/ScreenRun.h"
 
 namespace tdkplay {
 namespace {
 
-constexpr char kAddOnKey[] = "Software\\Corvane\\Visualizations";
 constexpr char kPreferencesKey[] = "Software\\Corvane\\Tunedeck\\1.0\\Preferences";
 constexpr char kForeignKey[] = "Software\\Corvane\\Other";
 
