@@ -45,7 +45,7 @@ LiveRun::LiveRun(const Options& options, Session& session, Jukebox& jukebox, Int
       window_(StartingSize(), this, hasStrip_ ? TransportStrip::kHeight : 0) {
     const PictureSize size = window_.PictureRoom();
     if (hasStrip_) {
-        strip_ = std::make_unique<TransportStrip>(window_.Handle(), static_cast<TransportEvents*>(this));
+        strip_ = std::make_unique<TransportStrip>(window_.Handle(), static_cast<TransportEvents&>(*this));
         button_ = std::make_unique<SettingsButton>(session.Button(), window_.Handle(), *strip_);
     }
     view_ = std::make_unique<ViewGrid>(session.Manager(), window_.Handle(), size, session.Plugins(),

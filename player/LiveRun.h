@@ -5,11 +5,11 @@
 #include <memory>
 #include <string>
 
-#include "player/Session.h"
 #include "player/base/Interrupt.h"
 #include "player/host/PictureClicks.h"
 #include "player/host/PluginWatch.h"
 #include "player/list/Jukebox.h"
+#include "player/session/Session.h"
 #include "player/settings/SettingsKeeper.h"
 #include "player/sound/AudioThread.h"
 #include "player/window/PassingNote.h"

@@ -11,8 +11,8 @@
 #include <filesystem>
 #include <optional>
 
+#include "player/CommandLine.h"
 #include "player/LiveRun.h"
-#include "player/Session.h"
 #include "player/base/ExitCode.h"
 #include "player/base/Interrupt.h"
 #include "player/check/CheckRun.h"
@@ -21,6 +21,7 @@
 #include "player/render/RenderRun.h"
 #include "player/render/SheetRun.h"
 #include "player/render/SteppedRun.h"
+#include "player/session/Session.h"
 #include "player/settings/PrivateRegistry.h"
 #include "player/settings/StoredSettings.h"
 #include "player/sound/DemoPiece.h"
@@ -72,7 +73,7 @@ void RequireSnapshotsWithin(const Options& options, const Decoder& decoder) {
 
 void List(const Options& options) {
     const Interrupt interrupt;
-    const PluginFolders pluginFolders(options.NamedPlugins());
+    const PluginFolders pluginFolders(options.Plugins);
     const auto context = MakeCom<HostContext>();
     AddOn addOn(OwnFolder(), *context);
     const std::vector<PluginInfo> plugins = ListPlugins(addOn.Manager());
@@ -133,7 +134,7 @@ void Run(const Options& options) {
     if (!options.Capture) decoder = jukebox.OpenFirst();
     if (decoder && jukebox.Size() == 1) RequireSnapshotsWithin(options, *decoder);
     Interrupt interrupt;
-    const PluginFolders pluginFolders(options.NamedPlugins());
+    const PluginFolders pluginFolders(options.Plugins);
     if (!options.Render.empty()) return RenderRun::Render(options, jukebox.Heard().Path, std::move(decoder), interrupt);
     if (!options.Sheet.empty()) return DrawSheet(options, jukebox.Heard().Title, std::move(decoder), interrupt);
     const Mode mode = ChooseMode(options);
@@ -156,7 +157,7 @@ void Run(const Options& options) {
 
 ExitCode RunCommandLine(int argc, const char* const* argv) {
     try {
-        const std::optional<Options> options = Options::Parse(argc, argv);
+        const std::optional<Options> options = ParseCommandLine(argc, argv);
         if (options && !options->Check.empty()) return check::CheckPlugin(*options);
         if (options) Run(*options);
         return ExitCode::kDone;

@@ -1,15 +1,21 @@
-// Texts in a row, with something between them.
+// Lists as people read them.
 #pragma once
 
+#include <functional>
 #include <string>
-#include <vector>
 
 namespace tdkplay {
 
-// All of `texts`; `between` stands behind each but the last one.
-inline std::string Joined(const std::vector<std::string>& texts, const std::string& between) {
+// The texts of all items with `between` between them. `textOf` gives an item's text: a field, or anything that can be
+// called with the item.
+template <typename Items, typename TextOf = std::identity>
+std::string Joined(const Items& items, const char* between, TextOf textOf = {}) {
     std::string all;
-    for (const std::string& text : texts) all += (&text == &texts.front() ? "" : between) + text;
+    const char* before = "";
+    for (const auto& item : items) {
+        all.append(before).append(std::invoke(textOf, item));
+        before = between;
+    }
     return all;
 }
 

@@ -4,11 +4,11 @@
 #include <string>
 #include <vector>
 
-#include "player/Options.h"
 #include "player/base/ExitCode.h"
 #include "player/base/Interrupt.h"
 #include "player/check/CheckReport.h"
 #include "player/check/ChildProcess.h"
+#include "player/session/Options.h"
 #include "player/settings/PrivateRegistry.h"
 
 namespace tdkplay::check {

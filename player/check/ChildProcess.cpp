@@ -12,9 +12,10 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 #include "player/base/ExitCode.h"
-#include "player/base/PlainSignals.h"
+#include "player/base/Spawn.h"
 
 namespace tdkplay::check {
 namespace {
@@ -87,22 +88,14 @@ ChildProcess::~ChildProcess() {
 void ChildProcess::Start(const std::vector<std::string>& arguments, int findings) {
     std::vector<std::string> all = arguments;
     all.insert(all.begin(), "tdkplay");
-    std::vector<char*> pointers;
-    for (std::string& argument : all) pointers.push_back(argument.data());
-    pointers.push_back(nullptr);
-
-    const PlainSignals signals;
-    posix_spawn_file_actions_t files;
-    posix_spawn_file_actions_init(&files);
-    posix_spawn_file_actions_addopen(&files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_addopen(&files, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_adddup2(&files, errors_.Number(), STDERR_FILENO);
-    posix_spawn_file_actions_adddup2(&files, findings, kFindingsFile);
-    posix_spawn_file_actions_adddup2(&files, calls_.Number(), kCallsFile);
-    errno = posix_spawn(&child_, kProgram, &files, signals.Attributes(), pointers.data(), environ);
-    posix_spawn_file_actions_destroy(&files);
-    if (errno == 0) return;
-    child_ = 0;
+    Spawn process;
+    process.Open(STDIN_FILENO, "/dev/null", O_RDONLY);
+    process.Open(STDOUT_FILENO, "/dev/null", O_WRONLY);
+    process.Give(errors_.Number(), STDERR_FILENO);
+    process.Give(findings, kFindingsFile);
+    process.Give(calls_.Number(), kCallsFile);
+    child_ = process.Run(kProgram, std::move(all));
+    if (child_ != 0) return;
     munmap(shared_, sizeof(SharedCalls));
     FailToStart();
 }

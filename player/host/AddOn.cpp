@@ -2,8 +2,10 @@
 
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include "player/base/ExitCode.h"
+#include "player/base/SettingsKey.h"
 #include "player/host/Values.h"
 
 namespace tdkplay {
@@ -11,7 +13,6 @@ namespace {
 
 constexpr char kAddOnFile[] = "tdkviz.so";
 constexpr char kCodecsFolder[] = "Codecs";
-constexpr char kSettingsKey[] = "Software\\Corvane\\Visualizations";
 constexpr char kEffectsSetting[] = "VizOn";
 
 // The path block: where the add-on's companions lie.
@@ -31,11 +32,19 @@ Function FindExport(HMODULE library, const char* name) {
 }
 
 bool HasStoredEffectsSetting() {
-    HKEY key = nullptr;
-    if (RegOpenKeyExA(HKEY_CURRENT_USER, kSettingsKey, 0, KEY_READ, &key) != ERROR_SUCCESS) return false;
-    const bool found = RegQueryValueExA(key, kEffectsSetting, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
-    RegCloseKey(key);
-    return found;
+    try {
+        return SettingsKey::OpenToRead(kAddOnKey).Find(kEffectsSetting).has_value();
+    } catch (const PlayerError&) {
+        return false;  // the pictures need no registry
+    }
+}
+
+std::vector<std::pair<const char*, uint32_t>> NumbersOf(const PictureSettings& settings) {
+    std::vector<std::pair<const char*, uint32_t>> numbers;
+    if (settings.FrameRate) numbers.emplace_back(kConfigFrameRate, *settings.FrameRate);
+    if (settings.Effects) numbers.emplace_back(kConfigEffects, *settings.Effects ? 1 : 0);
+    if (settings.Randomize) numbers.emplace_back(kConfigRandomize, *settings.Randomize ? 1 : 0);
+    return numbers;
 }
 
 }  // namespace
@@ -51,10 +60,7 @@ AddOn::AddOn(const std::string& folder, HostContext& context) {
     const bool isFirstRun = !HasStoredEffectsSetting();
     Start(folder, context);
     configuration_ = QueryFor<IMPAAdvancedConfiguration>(manager_.Get(), kIID_IMPAAdvancedConfiguration);
-    if (!configuration_ || !isFirstRun) return;
-    const auto values = MakeCom<Values>();
-    values->SetNumber(kConfigEffects, 1);
-    configuration_->SetConfiguration(values.Get());
+    if (isFirstRun) Change({{}, true, {}});
 }
 
 void AddOn::Start(const std::string& folder, HostContext& context) {
@@ -84,23 +90,14 @@ AddOn::~AddOn() {
 }
 
 void AddOn::Configure(const PictureSettings& settings) {
-    if (!configuration_) return;
     ComPtr<IKVAValues> before;
-    const auto wanted = MakeCom<Values>();
-    const auto overridden = MakeCom<Values>();
-    if (FAILED(configuration_->GetConfiguration(before.Receive()))) return;
-    const auto set = [&](const char* key, uint32_t value) {
+    if (!configuration_ || FAILED(configuration_->GetConfiguration(before.Receive()))) return;
+    for (const auto& [key, value] : NumbersOf(settings)) {
         uint32_t old = value;
         before->GetNumber(key, &old);
-        if (old != value) overridden->SetNumber(key, old);
-        wanted->SetNumber(key, value);
-    };
-    if (settings.FrameRate) set(kConfigFrameRate, *settings.FrameRate);
-    if (settings.Effects) set(kConfigEffects, *settings.Effects ? 1 : 0);
-    if (settings.Randomize) set(kConfigRandomize, *settings.Randomize ? 1 : 0);
-    configuration_->SetConfiguration(wanted.Get());
-    userConfiguration_ = ComPtr<IKVAValues>(overridden.Get());
-    optionsConfiguration_ = ComPtr<IKVAValues>(wanted.Get());
+        if (old != value) overridden_.push_back({key, old, value});
+    }
+    Change(settings);
 }
 
 PictureSettings AddOn::Picture() const {
@@ -117,23 +114,18 @@ PictureSettings AddOn::Picture() const {
 void AddOn::Change(const PictureSettings& settings) {
     if (!configuration_) return;
     const auto values = MakeCom<Values>();
-    if (settings.FrameRate) values->SetNumber(kConfigFrameRate, *settings.FrameRate);
-    if (settings.Effects) values->SetNumber(kConfigEffects, *settings.Effects ? 1 : 0);
-    if (settings.Randomize) values->SetNumber(kConfigRandomize, *settings.Randomize ? 1 : 0);
+    for (const auto& [key, value] : NumbersOf(settings)) values->SetNumber(key, value);
     configuration_->SetConfiguration(values.Get());
 }
 
 void AddOn::RestoreConfiguration() {
     ComPtr<IKVAValues> now;
-    if (!userConfiguration_ || FAILED(configuration_->GetConfiguration(now.Receive()))) return;
+    if (overridden_.empty() || FAILED(configuration_->GetConfiguration(now.Receive()))) return;
     const auto restored = MakeCom<Values>();
-    for (const char* key : {kConfigFrameRate, kConfigEffects, kConfigRandomize}) {
-        uint32_t old = 0;
-        uint32_t option = 0;
+    for (const Override& each : overridden_) {
         uint32_t current = 0;
-        optionsConfiguration_->GetNumber(key, &option);
-        now->GetNumber(key, &current);
-        if (current == option && SUCCEEDED(userConfiguration_->GetNumber(key, &old))) restored->SetNumber(key, old);
+        now->GetNumber(each.Key, &current);
+        if (current == each.Put) restored->SetNumber(each.Key, each.Before);
     }
     configuration_->SetConfiguration(restored.Get());
 }

@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "player/base/PictureSettings.h"
 #include "player/host/HostContext.h"
@@ -29,7 +30,7 @@ public:
     IMPAVizMgr& Manager() { return *manager_; }
     ITKCommandButton& Button() { return *component_; }
 
-    // Puts the options in force that are given. They are for this run: what the user had set comes back
+    // Once: puts the options in force that are given. They are for this run: what the user had set comes back
     // at the end, unless the user has changed it meanwhile.
     void Configure(const PictureSettings& settings);
     // What is in force; and the user's own change of it, which stays.
@@ -43,6 +44,12 @@ private:
         using pointer = HMODULE;
         void operator()(HMODULE library) const { FreeLibrary(library); }
     };
+    // A setting of the user's that an option stands in for.
+    struct Override {
+        const char* Key;
+        uint32_t Before;
+        uint32_t Put;
+    };
 
     void Start(const std::string& folder, HostContext& context);
     void RestoreConfiguration();
@@ -51,8 +58,7 @@ private:
     ComPtr<ITKCommandButton> component_;
     ComPtr<IMPAVizMgr> manager_;
     ComPtr<IMPAAdvancedConfiguration> configuration_;
-    ComPtr<IKVAValues> userConfiguration_;     // what Configure has overridden
-    ComPtr<IKVAValues> optionsConfiguration_;  // and what it has put in place
+    std::vector<Override> overridden_;
 };
 
 }  // namespace tdkplay

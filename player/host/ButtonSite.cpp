@@ -38,8 +38,8 @@ HRESULT ButtonSite::SetButtonBitmap(HBITMAP bitmap, ITKCommandButton*) {
     return S_OK;
 }
 
-HRESULT ButtonSite::ShowHelpTopic(uint32_t topic) {
-    if (events_) events_->OnHelp(topic);
+HRESULT ButtonSite::ShowHelpTopic(uint32_t) {
+    if (events_) events_->OnHelp();
     return S_OK;
 }
 

@@ -15,7 +15,7 @@ namespace tdkplay {
 class ButtonSiteEvents {
 public:
     virtual void OnDialogClosed() = 0;
-    virtual void OnHelp(uint32_t topic) = 0;
+    virtual void OnHelp() = 0;  // about the only topic that there is, the settings dialog
 
 protected:
     ~ButtonSiteEvents() = default;

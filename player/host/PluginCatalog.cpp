@@ -9,6 +9,7 @@
 #include <system_error>
 
 #include "player/base/ExitCode.h"
+#include "player/base/Joined.h"
 
 namespace tdkplay {
 namespace {
@@ -36,12 +37,6 @@ bool IsCalled(const PluginInfo& plugin, const std::string& text) {
 
 bool IsCalledLike(const PluginInfo& plugin, const std::string& text) {
     return BeginsWith(plugin.Name, text) || BeginsWith(plugin.FileName(), text);
-}
-
-std::string AllNames(const std::vector<PluginInfo>& plugins) {
-    std::string names;
-    for (const PluginInfo& plugin : plugins) names += (names.empty() ? "" : ", ") + plugin.Name;
-    return names;
 }
 
 void RequirePlugins(const std::vector<PluginInfo>& plugins) {
@@ -105,7 +100,8 @@ size_t FindPlugin(const std::vector<PluginInfo>& plugins, const std::string& tex
         found = i;
     }
     if (found) return *found;
-    throw PlayerError(ExitCode::kUnknownPlugin, "no plug-in \"" + text + "\"; there are: " + AllNames(plugins));
+    throw PlayerError(ExitCode::kUnknownPlugin,
+                      "no plug-in \"" + text + "\"; there are: " + Joined(plugins, ", ", &PluginInfo::Name));
 }
 
 void FillUp(std::vector<size_t>& chosen, size_t views, size_t plugins) {

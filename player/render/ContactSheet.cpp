@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "player/base/ExitCode.h"
+#include "player/base/Joined.h"
 
 namespace tdkplay {
 namespace {
@@ -10,40 +11,33 @@ namespace {
 constexpr COLORREF kBackground = RGB(24, 24, 29);
 constexpr COLORREF kBright = RGB(238, 238, 242);
 constexpr COLORREF kDim = RGB(140, 140, 152);
-constexpr WORD kColourDepth = 32;
 constexpr int64_t kMostPixels = 100'000'000;
 constexpr char kTypeface[] = "DejaVu Sans";
 constexpr int kTextGap = 12;  // pixels between title and moments
 
-// A typeface and a colour in force as long as the object lives.
+// A typeface and a colour for texts, as long as the object lives.
 class Lettering {
 public:
-    Lettering(HDC context, int height, int weight, COLORREF colour)
-        : context_(context),
+    Lettering(Canvas& canvas, int height, int weight, COLORREF colour)
+        : canvas_(canvas),
+          colour_(colour),
           font_(CreateFontA(-height, 0, 0, 0, weight, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
                             CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY, DEFAULT_PITCH, kTypeface)),
-          former_(SelectObject(context, font_)) {
-        SetTextColor(context, colour);
-    }
+          former_(canvas.SetFont(font_)) {}
     ~Lettering() {
-        SelectObject(context_, former_);
+        canvas_.SetFont(former_);
         DeleteObject(font_);
     }
     Lettering(const Lettering&) = delete;
     Lettering& operator=(const Lettering&) = delete;
 
-    void Write(const std::string& text, RECT place, UINT alignment) const {
-        DrawTextA(context_, text.c_str(), static_cast<int>(text.size()), &place,
-                  DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS | alignment);
-    }
-    int WidthOf(const std::string& text) const {
-        SIZE extent = {};
-        GetTextExtentPoint32A(context_, text.c_str(), static_cast<int>(text.size()), &extent);
-        return extent.cx;
+    void Write(const std::string& text, const RECT& place, UINT alignment) const {
+        canvas_.Text(text, place, colour_, alignment);
     }
 
 private:
-    const HDC context_;
+    Canvas& canvas_;
+    const COLORREF colour_;
     const HFONT font_;
     const HGDIOBJ former_;
 };
@@ -51,62 +45,40 @@ private:
 }  // namespace
 
 ContactSheet::ContactSheet(const SheetContent& content)
-    : layout_(content.Size, content.Names.size(), content.Moments.size()), size_(layout_.Sheet()) {
-    MakeBitmap();
+    : layout_(content.Size, content.Names.size(), content.Moments.size()) {
+    const PictureSize size = layout_.Sheet();
+    if (int64_t{size.Width} * size.Height <= kMostPixels) canvas_ = std::make_unique<Canvas>(size.Width, size.Height);
+    if (!canvas_ || !canvas_->Pixels())
+        throw PlayerError(ExitCode::kUsage, "--size: too large for a sheet of " + size.Text() + " pixels");
+    canvas_->Fill({0, 0, size.Width, size.Height}, kBackground);
     WriteTexts(content);
 }
 
-void ContactSheet::MakeBitmap() {
-    BITMAPINFO info = {};
-    info.bmiHeader.biSize = sizeof(info.bmiHeader);
-    info.bmiHeader.biWidth = size_.Width;
-    info.bmiHeader.biHeight = -size_.Height;
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = kColourDepth;
-    info.bmiHeader.biCompression = BI_RGB;
-    void* pixels = nullptr;
-    if (int64_t{size_.Width} * size_.Height <= kMostPixels)
-        bitmap_.reset(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &pixels, nullptr, 0));
-    if (!bitmap_) throw PlayerError(ExitCode::kUsage, "--size: too large for a sheet of " + size_.Text() + " pixels");
-    pixels_ = static_cast<DWORD*>(pixels);
-    context_.reset(CreateCompatibleDC(nullptr));
-    SelectObject(context_.get(), bitmap_.get());
-    const RECT all = {0, 0, size_.Width, size_.Height};
-    const HBRUSH brush = CreateSolidBrush(kBackground);
-    FillRect(context_.get(), &all, brush);
-    DeleteObject(brush);
-}
-
-void ContactSheet::WriteTexts(const SheetContent& content) const {
-    const HDC context = context_.get();
-    SetBkMode(context, TRANSPARENT);
-    std::string moments;
-    for (const std::string& moment : content.Moments) moments += (moments.empty() ? "" : ", ") + moment;
+void ContactSheet::WriteTexts(const SheetContent& content) {
+    const std::string moments = Joined(content.Moments, ", ");
     RECT title = layout_.TitlePlace();
     {
-        const Lettering lettering(context, layout_.CaptionHeight(), FW_NORMAL, kDim);
+        const Lettering lettering(*canvas_, layout_.CaptionHeight(), FW_NORMAL, kDim);
         lettering.Write(moments, title, DT_RIGHT);
-        title.right -= lettering.WidthOf(moments) + kTextGap;
+        title.right -= canvas_->TextWidth(moments) + kTextGap;
     }
-    Lettering(context, layout_.TitleHeight(), FW_BOLD, kBright).Write(content.Title, title, DT_LEFT);
-    const Lettering lettering(context, layout_.CaptionHeight(), FW_BOLD, kBright);
+    Lettering(*canvas_, layout_.TitleHeight(), FW_BOLD, kBright).Write(content.Title, title, DT_LEFT);
+    const Lettering lettering(*canvas_, layout_.CaptionHeight(), FW_BOLD, kBright);
     for (size_t strip = 0; strip < content.Names.size(); ++strip)
         lettering.Write(content.Names[strip], layout_.CaptionPlace(strip), DT_LEFT);
 }
 
 void ContactSheet::Place(size_t strip, size_t moment, const Picture& picture) {
     const RECT place = layout_.PicturePlace(strip, moment);
-    GdiFlush();
-    for (int row = 0; row < picture.Height; ++row) {
-        const auto from = picture.Pixels.begin() + static_cast<ptrdiff_t>(row) * picture.Width;
-        std::copy_n(from, picture.Width, pixels_ + static_cast<ptrdiff_t>(place.top + row) * size_.Width + place.left);
-    }
+    DWORD* const first = canvas_->Pixels() + static_cast<ptrdiff_t>(place.top) * canvas_->Width() + place.left;
+    for (ptrdiff_t row = 0; row < picture.Height; ++row)
+        std::copy_n(picture.Pixels.begin() + row * picture.Width, picture.Width, first + row * canvas_->Width());
 }
 
 Picture ContactSheet::Finished() const {
-    GdiFlush();
-    const auto count = static_cast<size_t>(size_.Width) * static_cast<size_t>(size_.Height);
-    return {size_.Width, size_.Height, std::vector<DWORD>(pixels_, pixels_ + count)};
+    const DWORD* const pixels = canvas_->Pixels();
+    const auto count = static_cast<size_t>(canvas_->Width()) * static_cast<size_t>(canvas_->Height());
+    return {canvas_->Width(), canvas_->Height(), std::vector<DWORD>(pixels, pixels + count)};
 }
 
 }  // namespace tdkplay

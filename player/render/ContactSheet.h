@@ -9,6 +9,7 @@
 
 #include "player/render/SheetLayout.h"
 #include "player/render/Snapshot.h"
+#include "player/window/Canvas.h"
 
 namespace tdkplay {
 
@@ -30,23 +31,10 @@ public:
     Picture Finished() const;
 
 private:
-    struct ContextDeleter {
-        using pointer = HDC;
-        void operator()(HDC context) const { DeleteDC(context); }
-    };
-    struct BitmapDeleter {
-        using pointer = HBITMAP;
-        void operator()(HBITMAP bitmap) const { DeleteObject(bitmap); }
-    };
-
-    void MakeBitmap();
-    void WriteTexts(const SheetContent& content) const;
+    void WriteTexts(const SheetContent& content);
 
     const SheetLayout layout_;
-    const PictureSize size_;
-    DWORD* pixels_ = nullptr;  // the bitmap's, top row first
-    std::unique_ptr<HBITMAP, BitmapDeleter> bitmap_;
-    std::unique_ptr<HDC, ContextDeleter> context_;  // ends before the bitmap that is selected into it
+    std::unique_ptr<Canvas> canvas_;
 };
 
 }  // namespace tdkplay

@@ -8,33 +8,16 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <utility>
 
 #include "player/base/ExitCode.h"
-#include "player/base/PlainSignals.h"
+#include "player/base/Spawn.h"
 
 namespace tdkplay {
 namespace {
 
 constexpr char kProgram[] = "ffmpeg";
 constexpr int kPipeBytes = 1 << 20;
-
-// Where the files of a posix_spawn go.
-class SpawnFiles {
-public:
-    SpawnFiles(int input, const std::string& log) {
-        posix_spawn_file_actions_init(&actions_);
-        posix_spawn_file_actions_adddup2(&actions_, input, STDIN_FILENO);
-        posix_spawn_file_actions_addopen(&actions_, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-        posix_spawn_file_actions_addopen(&actions_, STDERR_FILENO, log.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    }
-    ~SpawnFiles() { posix_spawn_file_actions_destroy(&actions_); }
-    SpawnFiles(const SpawnFiles&) = delete;
-    SpawnFiles& operator=(const SpawnFiles&) = delete;
-    const posix_spawn_file_actions_t* Actions() const { return &actions_; }
-
-private:
-    posix_spawn_file_actions_t actions_;
-};
 
 // ffmpeg would take a name like "a:b.mp4" for an address.
 std::string FileUrl(const std::string& path) {
@@ -101,15 +84,16 @@ void FfmpegPipe::Start(std::vector<std::string> arguments) {
     int ends[2] = {-1, -1};
     if (pipe2(ends, O_CLOEXEC) != 0) throw PlayerError(ExitCode::kEncoderFailed, "ffmpeg: no pipe to it");
     fcntl(ends[1], F_SETPIPE_SZ, kPipeBytes);  // it is only faster
-    std::vector<char*> pointers;
-    for (std::string& argument : arguments) pointers.push_back(argument.data());
-    pointers.push_back(nullptr);
-    const PlainSignals signals(true);
-    const SpawnFiles files(ends[0], log_);
-    const int error = posix_spawnp(&child_, kProgram, files.Actions(), signals.Attributes(), pointers.data(), environ);
+    Spawn ffmpeg;
+    ffmpeg.LeaveGroup();
+    ffmpeg.Give(ends[0], STDIN_FILENO);
+    ffmpeg.Open(STDOUT_FILENO, "/dev/null", O_WRONLY);
+    ffmpeg.Open(STDERR_FILENO, log_.c_str(), O_WRONLY | O_CREAT | O_TRUNC);
+    child_ = ffmpeg.Run(kProgram, std::move(arguments));
+    const int error = errno;
     close(ends[0]);
     pipe_ = ends[1];
-    if (error == 0) return;
+    if (child_ != 0) return;
     close(pipe_);
     throw PlayerError(ExitCode::kNoEncoder, std::string("videos need the program ffmpeg: ") + std::strerror(error) +
                                                 "; .y4m and folders of pictures don't");

@@ -53,7 +53,7 @@ std::string TextOf(double moment, double seconds) {
 }
 
 std::vector<size_t> PluginsOf(const Options& options, const Session& session) {
-    if (!options.Plugin.empty()) return session.ShownPlugins();
+    if (!options.Plugins.empty()) return session.ShownPlugins();
     std::vector<size_t> all(session.Plugins().size());
     std::iota(all.begin(), all.end(), size_t{0});
     return all;

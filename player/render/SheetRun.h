@@ -4,8 +4,8 @@
 #include <memory>
 #include <string>
 
-#include "player/Options.h"
 #include "player/base/Interrupt.h"
+#include "player/session/Options.h"
 #include "player/sound/Decoder.h"
 
 namespace tdkplay {

@@ -6,21 +6,20 @@
 #include <cmath>
 
 #include "player/base/ExitCode.h"
+#include "player/base/SettingsKey.h"
 #include "player/render/Snapshot.h"
-#include "player/settings/SettingsKey.h"
 
 namespace tdkplay {
 namespace {
 
 constexpr int kColourDepth = 32;
 constexpr uint32_t kLongestStep = 1000;  // milliseconds
-constexpr char kSettingsKey[] = "Software\\Corvane\\Visualizations";
 constexpr char kSeedSetting[] = "VizRandomSeed";
 
 }  // namespace
 
 void SteppedRun::Prepare(const Options& options) {
-    if (options.Seed) SettingsKey::OpenToWrite(kSettingsKey).SetNumber(kSeedSetting, *options.Seed);
+    if (options.Seed) SettingsKey::OpenToWrite(kAddOnKey).SetNumber(kSeedSetting, *options.Seed);
     TdkpUseSteppedClock();
     const PictureSize size = options.SizeOrUsual();
     TdkpUseMemoryDisplay(size.Width, size.Height, kColourDepth);

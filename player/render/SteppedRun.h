@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "player/Session.h"
 #include "player/base/Interrupt.h"
+#include "player/session/Session.h"
 #include "player/window/PlayerWindow.h"
 #include "player/window/ViewGrid.h"
 

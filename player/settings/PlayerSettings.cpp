@@ -1,6 +1,6 @@
 #include "player/settings/PlayerSettings.h"
 
-#include "player/settings/SettingsKey.h"
+#include "player/base/SettingsKey.h"
 #include "player/sound/Gain.h"
 
 namespace tdkplay {

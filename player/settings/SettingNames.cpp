@@ -39,6 +39,7 @@ constexpr SettingName kPlayerNames[] = {
     {kVolumeValue, "Volume", Count, " %"},
     {kPluginValue, "Plug-in", nullptr, ""},
     {kDeviceValue, "Sound device", nullptr, ""},
+    {kOnTopValue, "Window stays above others", Switch, ""},
     {kOffsetValues, "Pictures later than sound", Signed, " ms"},
 };
 

@@ -4,7 +4,7 @@
 #include <span>
 #include <string>
 
-#include "player/settings/SettingsKey.h"
+#include "player/base/SettingsKey.h"
 
 namespace tdkplay {
 

@@ -9,8 +9,7 @@
 namespace tdkplay {
 namespace {
 
-// Below HKEY_CURRENT_USER. The plug-in cache has a subkey of the add-on's key for each file.
-constexpr char kAddOnKey[] = "Software\\Corvane\\Visualizations";
+// Below HKEY_CURRENT_USER.
 constexpr char kPreferencesKey[] = "Software\\Corvane\\Tunedeck\\1.0\\Preferences";
 
 constexpr SettingName kCacheNames[] = {

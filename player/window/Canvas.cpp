@@ -65,6 +65,11 @@ void Canvas::Picture(HBITMAP picture, int left, int top) {
     DeleteDC(source);
 }
 
+DWORD* Canvas::Pixels() const {
+    GdiFlush();
+    return pixels_;
+}
+
 void Canvas::Blend(int x, int y, COLORREF color, int part, int whole) {
     DWORD& pixel = pixels_[static_cast<size_t>(y) * static_cast<size_t>(width_) + static_cast<size_t>(x)];
     const auto mix = [&](int shift, int wanted) {

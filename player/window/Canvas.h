@@ -7,8 +7,10 @@
 
 namespace tdkplay {
 
+// For one thread.
 class Canvas {
 public:
+    // Where memory lacks, nothing is painted and there are no pixels.
     Canvas(int width, int height);
     ~Canvas();
     Canvas(const Canvas&) = delete;
@@ -24,10 +26,15 @@ public:
     // Every place for which `inside(x, y)` is true, within these bounds.
     template <typename Shape>
     void FillShape(const RECT& bounds, COLORREF color, const Shape& inside);
-    // One line of text in the system's font, in the middle of the height; DT_LEFT, DT_CENTER or DT_RIGHT.
+    // For texts from now on, in the place of the system's; it stays its owner's, who takes it back before it ends.
+    // Gives the one before.
+    HGDIOBJ SetFont(HGDIOBJ font) { return SelectObject(dc_, font); }
+    // One line of text, in the middle of the height; DT_LEFT, DT_CENTER or DT_RIGHT.
     void Text(const std::string& text, const RECT& place, COLORREF color, UINT alignment = DT_LEFT);
     int TextWidth(const std::string& text) const;
     void Picture(HBITMAP picture, int left, int top);
+    // All rows without gaps, 0x00RRGGBB, top row first, with all that has been painted. Null if there are none.
+    DWORD* Pixels() const;
 
 private:
     static constexpr int kSamples = 4;  // across and down a pixel
@@ -39,14 +46,13 @@ private:
     HDC dc_ = nullptr;
     HBITMAP bitmap_ = nullptr;
     HGDIOBJ formerBitmap_ = nullptr;
-    DWORD* pixels_ = nullptr;  // 0x00RRGGBB, top row first
+    DWORD* pixels_ = nullptr;
 };
 
 template <typename Shape>
 void Canvas::FillShape(const RECT& bounds, COLORREF color, const Shape& inside) {
     RECT area = {0, 0, width_, height_};
-    if (!IntersectRect(&area, &area, &bounds)) return;
-    GdiFlush();
+    if (!Pixels() || !IntersectRect(&area, &area, &bounds)) return;
     for (int y = area.top; y < area.bottom; ++y) {
         for (int x = area.left; x < area.right; ++x) {
             int hits = 0;

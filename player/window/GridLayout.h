@@ -9,8 +9,6 @@
 
 namespace tdkplay {
 
-inline constexpr size_t kMostViews = 16;
-
 // Cells of one size, row by row, as many columns as make the cells largest when they hold pictures of the usual shape.
 // A last row that isn't full stands in the middle. A single cell is the whole room.
 std::vector<RECT> LayOutGrid(PictureSize room, size_t cells);

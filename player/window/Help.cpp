@@ -1,9 +1,8 @@
 #include "player/window/Help.h"
 
-#include <spawn.h>
 #include <sys/wait.h>
 
-#include "player/base/PlainSignals.h"
+#include "player/base/Spawn.h"
 #include "player/host/AddOn.h"
 
 namespace tdkplay {
@@ -14,20 +13,14 @@ constexpr char kScript[] = "command -v xdg-open >/dev/null && { xdg-open \"$1\" 
 
 }  // namespace
 
-// One page covers the only topic that there is, the settings dialog.
-std::string HelpPage(uint32_t) {
+std::string HelpPage() {
     return OwnFolder() + "/Help/settings.html";
 }
 
 bool OpenHelpPage(const std::string& page) {
-    const PlainSignals signals;
-    const char* const arguments[] = {"sh", "-c", kScript, "sh", page.c_str(), nullptr};
-    pid_t child = 0;
     int status = -1;
-    if (posix_spawn(&child, "/bin/sh", nullptr, signals.Attributes(), const_cast<char* const*>(arguments), environ) !=
-        0)
-        return false;
-    return waitpid(child, &status, 0) == child && status == 0;
+    const pid_t child = Spawn().Run("/bin/sh", {"sh", "-c", kScript, "sh", page});
+    return child != 0 && waitpid(child, &status, 0) == child && status == 0;
 }
 
 }  // namespace tdkplay

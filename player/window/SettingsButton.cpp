@@ -49,8 +49,8 @@ void SettingsButton::OnPictureWaits() {
     if (const HBITMAP picture = site_->TakePicture()) strip_.SetPicture(picture);
 }
 
-void SettingsButton::OnHelp(uint32_t topic) {
-    const std::string page = HelpPage(topic);
+void SettingsButton::OnHelp() {
+    const std::string page = HelpPage();
     if (OpenHelpPage(page)) return;
     std::printf("%s\n", page.c_str());
     std::fflush(stdout);

@@ -25,7 +25,7 @@ private:
     void OnToolButton() override { Press(); }
     void OnPictureWaits() override;
     void OnDialogClosed() override { strip_.SetChecked(false); }
-    void OnHelp(uint32_t topic) override;
+    void OnHelp() override;
 
     ITKCommandButton& component_;
     const HWND owner_;

@@ -13,12 +13,8 @@ constexpr int kHalfThumb = 6;
 
 }  // namespace
 
-int Slider::ThumbX(double part) const {
-    return static_cast<int>(std::lround(place_.left + part * std::max(place_.right - place_.left, 0)));
-}
-
 int Slider::ThumbX() const {
-    return ThumbX(value_);
+    return static_cast<int>(std::lround(place_.left + value_ * std::max(place_.right - place_.left, 0)));
 }
 
 bool Slider::SetValue(double part) {

@@ -23,8 +23,6 @@ public:
     void Paint(Canvas& canvas, bool isHot) const;
 
 private:
-    int ThumbX(double part) const;
-
     RECT place_ = {};
     double value_ = 0;
     bool isDragged_ = false;

@@ -28,7 +28,7 @@ POINT PointOf(LPARAM position) {
 
 }  // namespace
 
-TransportStrip::TransportStrip(HWND parent, TransportEvents* events) : events_(events) {
+TransportStrip::TransportStrip(HWND parent, TransportEvents& events) : events_(events) {
     RegisterStripClass(Procedure);
     window_ = CreateWindowExA(0, kClassName, "", WS_CHILD | WS_CLIPSIBLINGS, 0, 0, 0, 0, parent, nullptr,
                               GetModuleHandleA(nullptr), nullptr);
@@ -113,7 +113,7 @@ void TransportStrip::OnPaint() {
 }
 
 void TransportStrip::OnMove(POINT point) {
-    if (events_) events_->OnPointerInStrip();
+    events_.OnPointerInStrip();
     const StripPart part = layout_.PartAt(point);
     if (face_.Held == StripPart::kSeek || face_.Held == StripPart::kVolume) return FollowDrag(point.x);
     if (std::exchange(face_.Hot, part) == part) return;
@@ -143,8 +143,8 @@ void TransportStrip::FollowDrag(int x) {
     slider.Drag(x);
     if (face_.Held == StripPart::kSeek)
         face_.Time = TimeText(slider.Value() * face_.State.Length);
-    else if (events_)
-        events_->OnVolumeBar(static_cast<int>(std::lround(slider.Value() * kPercent)));
+    else
+        events_.OnVolumeBar(static_cast<int>(std::lround(slider.Value() * kPercent)));
     Redraw();
 }
 
@@ -167,11 +167,10 @@ void TransportStrip::LetGo() {
 
 void TransportStrip::Click(StripPart part) {
     if (part == StripPart::kSettings && tool_) return tool_->OnToolButton();
-    if (!events_) return;
-    if (part == StripPart::kPlay) events_->OnPlayButton();
+    if (part == StripPart::kPlay) events_.OnPlayButton();
     if (part == StripPart::kPrevious || part == StripPart::kNext)
-        events_->OnStepButton(part == StripPart::kNext ? 1 : -1);
-    if (part == StripPart::kSeek) events_->OnSeekBar(face_.Seek.Value() * face_.State.Length);
+        events_.OnStepButton(part == StripPart::kNext ? 1 : -1);
+    if (part == StripPart::kSeek) events_.OnSeekBar(face_.Seek.Value() * face_.State.Length);
 }
 
 void TransportStrip::OnLeave() {

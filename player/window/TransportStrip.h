@@ -41,8 +41,7 @@ public:
     // Posted to Handle() by any thread that has a new picture to fetch.
     static constexpr UINT kPictureWaits = WM_APP + 1;
 
-    // `events` may be null.
-    TransportStrip(HWND parent, TransportEvents* events);
+    TransportStrip(HWND parent, TransportEvents& events);
     ~TransportStrip();
     TransportStrip(const TransportStrip&) = delete;
     TransportStrip& operator=(const TransportStrip&) = delete;
@@ -79,7 +78,7 @@ private:
     std::string TimeText(double position) const;
     void Redraw() const { InvalidateRect(window_, nullptr, FALSE); }
 
-    TransportEvents* const events_;
+    TransportEvents& events_;
     ToolButtonEvents* tool_ = nullptr;
     HWND window_ = nullptr;
     std::unique_ptr<Canvas> canvas_;

@@ -1,6 +1,6 @@
 // The offset that a person finds for a device, by keys in a window.
+#include "player/base/SettingsKey.h"
 #include "player/settings/PlayerSettings.h"
-#include "player/settings/SettingsKey.h"
 #include "tests/listening/SoundServer.h"
 #include "tests/player/ScreenRun.h"
 

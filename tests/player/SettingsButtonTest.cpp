@@ -49,6 +49,14 @@ struct Component final : ComObject<ITKCommandButton> {
     HRESULT Shutdown() override { return S_OK; }
 };
 
+struct NoControls final : TransportEvents {
+    void OnPlayButton() override {}
+    void OnStepButton(int) override {}
+    void OnSeekBar(double) override {}
+    void OnVolumeBar(int) override {}
+    void OnPointerInStrip() override {}
+};
+
 class SettingsButtonTest : public testing::Test {
 protected:
     static BOOL UseMemory() {
@@ -72,7 +80,8 @@ protected:
     const BOOL isMemory_ = UseMemory();
     const ComPtr<Component> component_ = MakeCom<Component>();
     PlayerWindow window_{{300, 100}, nullptr, TransportStrip::kHeight};
-    TransportStrip strip_{window_.Handle(), nullptr};
+    NoControls controls_;
+    TransportStrip strip_{window_.Handle(), controls_};
     std::unique_ptr<SettingsButton> button_ = std::make_unique<SettingsButton>(*component_, window_.Handle(), strip_);
 };
 

@@ -1,14 +1,13 @@
 // What the player remembers: on a real X server, since only a run in a window does.
 #include <csignal>
 
+#include "player/base/SettingsKey.h"
 #include "player/settings/PlayerSettings.h"
-#include "player/settings/SettingsKey.h"
 #include "tests/player/ScreenRun.h"
 
 namespace tdkplay {
 namespace {
 
-constexpr char kAddOnKey[] = "Software\\Corvane\\Visualizations";
 constexpr char kPreferencesKey[] = "Software\\Corvane\\Tunedeck\\1.0\\Preferences";
 constexpr char kForeignKey[] = "Software\\Corvane\\Other";
 
@@ -22,6 +21,17 @@ protected:
         const PlayerSettings settings = PlayerSettings::Load();
         return (settings.Size ? settings.Size->Text() : "none") + " " + std::to_string(settings.Volume.value_or(-1)) +
                " " + settings.Plugin + " " + settings.Device;
+    }
+    // Each of so many values has a line that begins with what people call it.
+    static void ExpectNamed(const char* key, size_t count, const std::string& printed) {
+        const std::vector<StoredValue> stored = SettingsKey::OpenToRead(key).Values();
+        EXPECT_EQ(stored.size(), count);
+        for (const StoredValue& value : stored) {
+            const size_t place = printed.find(" " + value.Name + " ");
+            ASSERT_NE(place, std::string::npos) << value.Name;
+            const size_t line = printed.rfind('\n', place) + 1;
+            EXPECT_EQ(printed.find_first_not_of(' ', line), line + 2) << value.Name << " has no name";
+        }
     }
 };
 
@@ -71,25 +81,22 @@ TEST_F(SettingsRun, AnEndByASignalLosesNothing) {
 TEST_F(SettingsRun, ArePrintedForPeopleAndCleared) {
     EXPECT_EQ(Run({"--settings"}).Out, "Nothing is stored.\n");
     RunWell({"--list"});  // the add-on stores its own settings and what it knows of the plug-ins
-    PlayerSettings settings;
-    settings.Size = PictureSize{333, 222};
-    settings.Volume = 35;
+    PlayerSettings settings = {PictureSize{333, 222}, 35, "Ink.tkv", "headset", true, {}};
+    settings.Offsets.Set("headset", -120);
     settings.StoreChanges({});
     SettingsKey::OpenToWrite(kPreferencesKey).SetText("Glow.Colour", "red");
     SettingsKey::OpenToWrite(kForeignKey).SetText("Kept", "yes");
     SettingsKey::OpenToWrite(kAddOnKey).SetText("VizFadeTime", "late");
 
     const Outcome outcome = RunWell({"--settings"});
-    for (const char* text : {"333x222 pixels", "35 %", "20 frames a second", "Spectrum Bars", "SpectrumBars.tkv",
-                             "\"red\"", "\"late\" (not of the right type)"})
+    for (const char* text : {"333x222 pixels", "35 %", "Ink.tkv", "headset", "-120 ms", "20 frames a second",
+                             "Spectrum Bars", "SpectrumBars.tkv", "\"red\"", "\"late\" (not of the right type)"})
         EXPECT_NE(outcome.Out.find(text), std::string::npos) << text << " in\n" << outcome.Out;
-    const std::vector<StoredValue> stored = SettingsKey::OpenToRead(kAddOnKey).Values();
-    EXPECT_EQ(stored.size(), 19u);
-    for (const StoredValue& value : stored)
-        EXPECT_NE(outcome.Out.find(" " + value.Name + " "), std::string::npos) << value.Name;
+    ExpectNamed(kPlayerKey, 6, outcome.Out);
+    ExpectNamed(kAddOnKey, 19, outcome.Out);
     EXPECT_EQ(outcome.Out.find("Kept"), std::string::npos);
 
-    EXPECT_EQ(Run({"--reset-settings"}).Out.rfind("Cleared: 2 settings of the player, 19 settings of the pictures", 0),
+    EXPECT_EQ(Run({"--reset-settings"}).Out.rfind("Cleared: 6 settings of the player, 19 settings of the pictures", 0),
               0u);
     EXPECT_EQ(Run({"--settings"}).Out, "Nothing is stored.\n");
     EXPECT_EQ(Run({"--reset-settings"}).Out, "Nothing was stored.\n");

@@ -1,6 +1,7 @@
 // Several views side by side: where they stand, what they show, and that each keeps to itself.
 #include "player/host/PluginCatalog.h"
 #include "player/window/GridLayout.h"
+#include "player/window/TransportStrip.h"
 #include "tests/player/ScreenRun.h"
 
 namespace tdkplay {
@@ -103,7 +104,7 @@ TEST_F(ViewsRun, EachKeepsItsPluginWhateverTheOthersDo) {
     }
     EXPECT_TRUE(othersStay());
     for (const PictureSize size : {PictureSize{200, 540}, {700, 150}, {500, 400}}) {
-        person_->Resize(window_, size.Width, size.Height + 28);  // with the strip
+        person_->Resize(window_, size.Width, size.Height + TransportStrip::kHeight);
         size_ = size;
         EXPECT_TRUE(WaitUntil([&] { return othersStay() && Shows(1, kGreen); })) << size.Text();
     }

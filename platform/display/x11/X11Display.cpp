@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "platform/display/x11/X11Focus.h"
 #include "platform/display/x11/X11Hints.h"
 #include "platform/display/x11/X11Reply.h"
 #include "platform/display/x11/X11ScreenSaver.h"
@@ -12,12 +13,6 @@
 namespace tdkp {
 namespace {
 
-constexpr uint32_t kWindowEvents = XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY |
-                                   XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE |
-                                   XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_LEAVE_WINDOW;
-// Keys go to the outermost window; which of its children they are for is not the server's business.
-constexpr uint32_t kOutermostEvents =
-    XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_KEY_RELEASE | XCB_EVENT_MASK_FOCUS_CHANGE;
 constexpr uint16_t kCaptureEvents = XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE |
                                     XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_LEAVE_WINDOW;
 
@@ -74,7 +69,7 @@ bool X11Display::CreateOnServer(xcb_window_t id, const X11Window& window) {
     values.border_pixel = 0;                          // needed, with the colormap, where the parent's depth is another
     values.bit_gravity = XCB_GRAVITY_NORTH_WEST;
     values.override_redirect = window.topLevel && !window.managed ? 1 : 0;
-    values.event_mask = outermost ? kWindowEvents | kOutermostEvents : kWindowEvents;
+    values.event_mask = X11EventsOf(outermost, window.topLevel);
     values.colormap = connection_->Colormap();
     constexpr uint32_t kValues = XCB_CW_BACK_PIXMAP | XCB_CW_BORDER_PIXEL | XCB_CW_BIT_GRAVITY |
                                  XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK | XCB_CW_COLORMAP;
@@ -222,7 +217,7 @@ void X11Display::SetFocus(WindowId id) {
     const WindowId outermost = windows_.Outermost(id);
     // The server refuses the keyboard to a window that can't be seen, and a manager may take its time to show one.
     if (windows_.With(outermost, [](X11Window& window) { window.focusWhenMapped = !window.mapped; }))
-        xcb_set_input_focus(connection_->Get(), XCB_INPUT_FOCUS_PARENT, outermost, XCB_CURRENT_TIME);
+        TakeX11Keyboard(connection_->Get(), outermost);
     connection_->Flush();
 }
 

@@ -4,6 +4,7 @@
 
 #include <utility>
 
+#include "platform/display/x11/X11Focus.h"
 #include "platform/display/x11/X11Reply.h"
 #include "platform/kernel/SignalsBlocked.h"
 
@@ -171,6 +172,12 @@ void X11EventReader::OnFocus(const xcb_focus_in_event_t& event, bool gained) {
     // about windows inside this one.
     if (event.mode == XCB_NOTIFY_MODE_GRAB || event.mode == XCB_NOTIFY_MODE_UNGRAB) return;
     if (event.detail == XCB_NOTIFY_DETAIL_INFERIOR || event.detail >= XCB_NOTIFY_DETAIL_POINTER) return;
+    bool isEmbedded = false;
+    windows_.With(event.event, [&](const X11Window& window) { isEmbedded = !window.topLevel; });
+    if (isEmbedded) {
+        AskForX11Keys(connection_->Get(), event.event, gained);
+        connection_->Flush();
+    }
     sink_.OnFocus(event.event, gained);
 }
 
@@ -227,7 +234,7 @@ void X11EventReader::OnMap(xcb_window_t id, bool mapped) {
     });
     if (isNews) sink_.OnIconified(id, iconified);
     if (focus) {
-        xcb_set_input_focus(connection_->Get(), XCB_INPUT_FOCUS_PARENT, id, XCB_CURRENT_TIME);
+        TakeX11Keyboard(connection_->Get(), id);
         connection_->Flush();
     }
 }

@@ -1,4 +1,4 @@
-#include "player/settings/SettingsKey.h"
+#include "player/base/SettingsKey.h"
 
 #include <array>
 #include <cstring>

@@ -1,4 +1,4 @@
-#include "player/Options.h"
+#include "player/CommandLine.h"
 
 #include <gtest/gtest.h>
 
@@ -12,10 +12,10 @@ namespace {
 
 std::optional<Options> Parse(std::vector<const char*> arguments) {
     arguments.insert(arguments.begin(), "tdkplay");
-    return Options::Parse(static_cast<int>(arguments.size()), arguments.data());
+    return ParseCommandLine(static_cast<int>(arguments.size()), arguments.data());
 }
 
-TEST(Options, TakeWhatIsGivenAndLeaveTheRestToTheUser) {
+TEST(CommandLine, TakesWhatIsGivenAndLeavesTheRestToTheUser) {
     const std::optional<Options> plain = Parse({});
     ASSERT_TRUE(plain);
     EXPECT_TRUE(plain->Files.empty());
@@ -29,7 +29,7 @@ TEST(Options, TakeWhatIsGivenAndLeaveTheRestToTheUser) {
                "--snapshot", "a.png",       "--at",   "2",          "song.flac", "--headless", "--no-audio"});
     ASSERT_TRUE(full);
     EXPECT_EQ(full->Files, std::vector<std::string>{"song.flac"});
-    EXPECT_EQ(full->Plugin, "bars");
+    EXPECT_EQ(full->Plugins, std::vector<std::string>{"bars"});
     EXPECT_EQ(full->Size->Text(), "320x240");
     EXPECT_EQ(full->Picture.FrameRate, 25u);
     EXPECT_EQ(full->Picture.Effects, true);
@@ -40,7 +40,7 @@ TEST(Options, TakeWhatIsGivenAndLeaveTheRestToTheUser) {
     EXPECT_EQ(full->Snapshots[1].At, 7.5);
 }
 
-TEST(Options, SwitchesStandAloneOrTakeAValue) {
+TEST(CommandLine, SwitchesStandAloneOrTakeAValue) {
     const std::optional<Options> alone = Parse({"--effects", "song.flac", "--randomize"});
     ASSERT_TRUE(alone);
     EXPECT_EQ(alone->Files, std::vector<std::string>{"song.flac"});
@@ -50,7 +50,7 @@ TEST(Options, SwitchesStandAloneOrTakeAValue) {
     EXPECT_EQ(Parse({"--randomize", "Off", "a.wav"})->Picture.Randomize, false);
 }
 
-TEST(Options, CaptureWhatIsNamedOrTheDefault) {
+TEST(CommandLine, CapturesWhatIsNamedOrTheDefault) {
     EXPECT_FALSE(Parse({})->Capture);
     EXPECT_EQ(Parse({"--capture"})->Capture, "");
     EXPECT_EQ(Parse({"--capture", "default"})->Capture, "");
@@ -58,7 +58,7 @@ TEST(Options, CaptureWhatIsNamedOrTheDefault) {
     EXPECT_EQ(Parse({"--offset", "-500"})->Offset, -500);
 }
 
-TEST(Options, RefuseWhatMakesNoSenseInOneLine) {
+TEST(CommandLine, RefusesWhatMakesNoSenseInOneLine) {
     const char* const cases[] = {"--nonsense",
                                  "--fps 9",
                                  "--fps 31",

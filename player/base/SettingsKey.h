@@ -11,6 +11,9 @@
 
 namespace tdkplay {
 
+// The add-on's key below HKEY_CURRENT_USER, with a subkey for each plug-in that it knows.
+inline constexpr char kAddOnKey[] = "Software\\Corvane\\Visualizations";
+
 // A value of any kind, as it is stored.
 struct StoredValue {
     std::string Name;

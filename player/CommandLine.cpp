@@ -1,4 +1,4 @@
-#include "player/Options.h"
+#include "player/CommandLine.h"
 
 #include <strings.h>
 
@@ -11,11 +11,10 @@
 
 #include "player/base/ExitCode.h"
 #include "player/render/RenderTarget.h"
-#include "player/settings/PlayerSettings.h"
 #include "player/sound/AudioOutput.h"
+#include "player/sound/DeviceOffsets.h"
 #include "player/sound/Gain.h"
 #include "player/sound/SilentOutput.h"
-#include "player/window/GridLayout.h"
 
 namespace tdkplay {
 namespace {
@@ -30,8 +29,8 @@ constexpr char kFooter[] =
     "against the sound (with Shift: more); S opens the settings, M or a right click the menu, T hides the strip below\n"
     "the picture, F, F11 or a double click fill the screen, Escape goes back or quits. The wheel changes the volume.\n"
     "Files and folders that are dropped on the window play at once.\n"
-    "A run in a window remembers its size, volume, plug-in, device and each device's offset for the next one;\n"
-    "options win over that.\n"
+    "A run in a window remembers its size, volume, plug-in, device, each device's offset and whether it stays above\n"
+    "other windows for the next one; options win over that.\n"
     "Exit codes: 0 done, 2 usage, 3 file can't be read, 4 unknown format, 5 unknown plug-in, 6 no plug-ins,\n"
     "7 no display, 8 add-on can't be loaded, 9 picture can't be written, 10 sound output doesn't open,\n"
     "11 stored settings can't be read or cleared, 12 no ffmpeg, 13 ffmpeg failed,\n"
@@ -42,7 +41,6 @@ constexpr char kDefaultDevice[] = "default";
 // What CLI11 fills and Options doesn't keep as it stands.
 struct RawOptions {
     std::string Size;
-    std::vector<std::string> Plugins;
     std::optional<size_t> Views;
     std::string Device;
     std::string Capture;
@@ -81,14 +79,11 @@ void PairSnapshots(const RawOptions& raw, Options& options) {
         throw UsageError("--at lies beyond --duration");
 }
 
-void TakePlugins(const RawOptions& raw, Options& options) {
+void CountViews(const RawOptions& raw, Options& options) {
     const size_t most = raw.Views.value_or(kMostViews);
-    if (raw.Plugins.size() > most && options.Sheet.empty())
+    if (options.Plugins.size() > most && options.Sheet.empty())
         throw UsageError("--viz names more plug-ins than there are views (" + std::to_string(most) + ")");
-    options.Views = raw.Views.value_or(std::max<size_t>(raw.Plugins.size(), 1));
-    if (raw.Plugins.empty()) return;
-    options.Plugin = raw.Plugins.front();
-    options.MorePlugins.assign(raw.Plugins.begin() + 1, raw.Plugins.end());
+    options.Views = raw.Views.value_or(std::max<size_t>(options.Plugins.size(), 1));
 }
 
 void Exclude(const CLI::App& app, const std::string& what, std::initializer_list<const char*> others) {
@@ -161,7 +156,7 @@ void Declare(CLI::App& app, Options& options, RawOptions& raw) {
     app.add_option("FILES", options.Files,
                    "Audio files, folders of them, and lists (.m3u, .m3u8); without any the player's own piece");
     app.add_flag("--list", options.List, "List the plug-ins: name, path");
-    app.add_option("--viz", raw.Plugins,
+    app.add_option("--viz", options.Plugins,
                    "Plug-in to show: its name, its file's name, how one begins, or a path to a file; one for each view")
         ->type_name("NAME")
         ->expected(1)
@@ -231,13 +226,7 @@ std::vector<std::string> WithSwitchValues(int argc, const char* const* argv) {
 
 }  // namespace
 
-std::vector<std::string> Options::NamedPlugins() const {
-    std::vector<std::string> plugins = MorePlugins;
-    if (!Plugin.empty()) plugins.insert(plugins.begin(), Plugin);
-    return plugins;
-}
-
-std::optional<Options> Options::Parse(int argc, const char* const* argv) {
+std::optional<Options> ParseCommandLine(int argc, const char* const* argv) {
     Options options;
     RawOptions raw;
     CLI::App app("Plays an audio file and shows the music.", "tdkplay");
@@ -254,7 +243,7 @@ std::optional<Options> Options::Parse(int argc, const char* const* argv) {
     if (!raw.Size.empty()) options.Size = ParseSize(raw.Size);
     PairSnapshots(raw, options);
     CheckRendering(app, options);
-    TakePlugins(raw, options);
+    CountViews(raw, options);
     CheckListening(app);
     if (app.count("--capture") != 0) options.Capture = raw.Capture == kDefaultDevice ? "" : raw.Capture;
     if (raw.NoAudio) options.Output = kSilentName;

@@ -1,6 +1,7 @@
-// The command line.
+// What the user has asked of this run.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -10,6 +11,8 @@
 #include "player/base/PictureSize.h"
 
 namespace tdkplay {
+
+inline constexpr size_t kMostViews = 16;  // side by side
 
 struct SnapshotRequest {
     std::string Path;
@@ -31,8 +34,8 @@ struct Options {
     std::string MakeDemo;  // the file to write the project's own piece to
     bool PrintSettings = false;
     bool ResetSettings = false;
-    std::string Plugin;  // name, file name, the beginning of one, or path; empty: the last one, else the first
-    std::vector<std::string> MorePlugins;  // those of the views behind the first, as far as they are named
+    // For the first views: name, file name, the beginning of one, or path. None: the last one, else the first.
+    std::vector<std::string> Plugins;
     size_t Views = 1;
     std::optional<PictureSize> Size;  // absent: as the window was last, else the usual
     PictureSettings Picture;
@@ -54,13 +57,7 @@ struct Options {
     std::optional<int> Offset;           // milliseconds that the pictures come later
     std::optional<std::string> Capture;  // show what this device plays or records; empty: the default output
 
-    // What --viz says.
-    std::vector<std::string> NamedPlugins() const;
     PictureSize SizeOrUsual() const { return Size.value_or(PictureSize{}); }
-
-    // Reads the command line. For --help and --version prints the text and gives nothing. Throws
-    // PlayerError with kUsage.
-    static std::optional<Options> Parse(int argc, const char* const* argv);
 };
 
 }  // namespace tdkplay

@@ -4,10 +4,10 @@
 #include <memory>
 #include <vector>
 
-#include "player/Options.h"
 #include "player/host/AddOn.h"
 #include "player/host/HostContext.h"
 #include "player/host/PluginCatalog.h"
+#include "player/session/Options.h"
 #include "player/settings/PlayerSettings.h"
 #include "player/sound/Playback.h"
 
@@ -40,9 +40,9 @@ public:
 
 private:
     std::vector<size_t> ChoosePlugins(const Options& options, const PlayerSettings& remembered) const {
-        std::vector<size_t> chosen = {options.Plugin.empty() ? FindPluginFile(plugins_, remembered.Plugin)
-                                                             : FindPlugin(plugins_, options.Plugin)};
-        for (const std::string& name : options.MorePlugins) chosen.push_back(FindPlugin(plugins_, name));
+        std::vector<size_t> chosen;
+        for (const std::string& name : options.Plugins) chosen.push_back(FindPlugin(plugins_, name));
+        if (chosen.empty()) chosen.push_back(FindPluginFile(plugins_, remembered.Plugin));
         FillUp(chosen, options.Views, plugins_.size());
         return chosen;
     }
