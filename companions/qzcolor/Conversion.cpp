@@ -152,4 +152,14 @@ ColorConverterFunction FindConverter(uint32_t from, uint32_t to) {
     return kConverters[from * kFormatCount + to];
 }
 
+uint32_t FindTargets(uint32_t from, bool withYuv, uint32_t* formats, uint32_t capacity) {
+    uint32_t count = 0;
+    for (uint32_t to = 0; to < kFormatCount; ++to) {
+        if ((!withYuv && IsYuv(to)) || !FindConverter(from, to)) continue;
+        if (formats && count < capacity) formats[count] = to;
+        ++count;
+    }
+    return count;
+}
+
 }  // namespace qzcolor

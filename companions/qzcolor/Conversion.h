@@ -14,5 +14,8 @@ int32_t Convert(uint32_t from, Image source, uint32_t to, Image destination);
 // all of these, I420, YV12, YUY2 and UYVY, and to RGB8 once it has a palette; from the YUV formats to themselves,
 // for scaling. [any]
 ColorConverterFunction FindConverter(uint32_t from, uint32_t to);
+// The formats into which there is a converter from this one: stores at most `capacity` of them, gives how many there
+// are. [any]
+uint32_t FindTargets(uint32_t from, bool withYuv, uint32_t* formats, uint32_t capacity);
 
 }  // namespace qzcolor

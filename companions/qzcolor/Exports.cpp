@@ -31,13 +31,7 @@ ColorConverterFunction GetColorConverter(uint32_t from, uint32_t to) {
 }
 
 uint32_t ScanAllCompatibleColorFormats(uint32_t from, uint32_t* formats, uint32_t capacity) {
-    uint32_t count = 0;
-    for (uint32_t to = 0; to < kFormatCount; ++to) {
-        if (!qzcolor::FindConverter(from, to)) continue;
-        if (formats && count < capacity) formats[count] = to;
-        ++count;
-    }
-    return count;
+    return qzcolor::FindTargets(from, true, formats, capacity);
 }
 
 int32_t SetColorAdjustments(const qzcolor::ColorAdjustments* adjustments) {

@@ -50,13 +50,7 @@ int32_t GetColorConverter2(uint32_t from, uint32_t to, ColorConverterFunction* c
 }
 
 uint32_t ScanCompatibleColorFormats(uint32_t from, uint32_t* formats, uint32_t capacity) {
-    uint32_t count = 0;
-    for (uint32_t to = 0; to < kFormatCount; ++to) {
-        if (qzcolor::RgbBytesPerPixel(to) == 0 || !qzcolor::FindConverter(from, to)) continue;
-        if (formats && count < capacity) formats[count] = to;
-        ++count;
-    }
-    return count;
+    return qzcolor::FindTargets(from, false, formats, capacity);
 }
 
 uint32_t SuggestRGB8Palette(qzcolor::PaletteEntry* entries, uint32_t capacity) {

@@ -82,9 +82,7 @@ void PackBytes(const Rows& words, uint32_t format, const Rows& to) {
     const Packer packer = format == FormatRGB24   ? libyuv::ARGBToRGB24
                           : format == FormatBGR24 ? libyuv::ARGBToRAW
                                                   : libyuv::ARGBToABGR;
-    // In the order of memory rows without padding are one long row.
-    const bool bottomUp = words.step < 0 && to.step < 0;
-    Run(packer, bottomUp ? words.Reversed() : words, bottomUp ? to.Reversed() : to);
+    Run(packer, words, to);
 }
 
 void PackYuv(const Rows& words, uint32_t format, const Image& to) {

@@ -105,7 +105,7 @@ void CDDVizWindow::Present(bool newFrame) {
 void CDDVizWindow::ShowFrame() {
     const int front = FrontIndex();
     const SurfaceParts parts = PartsOf(front);
-    if (!parts.surface) return;
+    if (!parts.surface || !Window) return;
     EnterSurface(front);
     HRESULT result = DD_OK;
     if (NeedsConversion ? ConvertIntoSurface() : IsCleared(front)) {

@@ -167,16 +167,13 @@ bool CDDVizWindow::ChooseMode(uint32_t displayFormat) {
     DisplayFormat = displayFormat;
     FreeFrameBuffers();
     NeedsConversion = displayFormat != FrameFormat;
-    ConvertFrame = NeedsConversion && Converter ? Converter->FindConverter(FrameFormat, displayFormat) : nullptr;
     if (!NeedsConversion) {
         FramePitch = DisplayPitch = -surfacePitch_;
         return SuitsFrames(surfacePitch_);
     }
-    MakeFrameBuffers();
-    if (ConvertFrame) return true;
-    NeedsConversion = false;
-    DisplayFormat = FrameFormat;
-    return false;
+    ChooseConverter();
+    if (NeedsConversion) MakeFrameBuffers();
+    return NeedsConversion;
 }
 
 // ---- Locks

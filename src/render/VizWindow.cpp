@@ -110,6 +110,33 @@ void CVizWindow::Destroy() {
     DestroyWindow(window);
 }
 
+void CVizWindow::Close() {
+    DeferWaitingUnloads(Window);
+    Destroy();
+    ServeDeferred();
+}
+
+// With its parent as a rule. What a plug-in may be painting into stays until the frame's end.
+void CVizWindow::OnGone(HWND window) {
+    GiveDeviceContextsBack();
+    Window = nullptr;
+    SetWindowLongPtrA(window, 0, 0);
+    DeferWaitingUnloads(window);
+    if (!DeferDuringFrame(WM_NCDESTROY, 0, 0)) {
+        Destroy();
+        ServeDeferred();
+    }
+}
+
+// What is still to be unloaded would go with the window.
+void CVizWindow::DeferWaitingUnloads(HWND window) {
+    MSG message;
+    while (window && PeekMessageA(&message, window, kMessageUnload, kMessageUnload, PM_REMOVE)) {
+        const MutexLock lock(&SizeLock);
+        deferred_.push_back({message.message, message.wParam, message.lParam});
+    }
+}
+
 HRESULT CVizWindow::Resize(int32_t width, int32_t height) {
     const int32_t roundedWidth = RoundUp(width), roundedHeight = RoundUp(height);
     if (ResizeOnOwnThread(roundedWidth, roundedHeight)) return S_OK;

@@ -138,6 +138,8 @@ protected:
     void OnRightButton(uint32_t x, uint32_t y, uint32_t flags);
     void OnDrawsFramesChanged(bool former);
     void OnUnload(CVizPlugin* plugin);
+    void Close();
+    void OnGone(HWND window);
 
     // True if another thread owns the window: it has done the whole Resize.
     bool ResizeOnOwnThread(int32_t width, int32_t height);
@@ -148,6 +150,8 @@ protected:
     void ResizeAfterFrame(int32_t width, int32_t height);
     void StoreFrameSize(int32_t width, int32_t height);
     void ChooseFormats();
+    // Clears NeedsConversion if there is none; the display then takes the format of the frames.
+    void ChooseConverter();
     void MakeFrameBuffers();
     void MakeSurface();
     void FreeFrameBuffers();
@@ -161,7 +165,7 @@ protected:
     CNQString Title;
 
     // Written by one thread, read by others.
-    Relaxed<HWND> Window;  // null before Create and after Destroy
+    Relaxed<HWND> Window;  // null before Create, after Destroy, and when it has gone by another's hand
     Relaxed<IVizRightClickReceiver*> RightClickTarget;
     Relaxed<IVizClickReceiver*> ClickTarget;
     Relaxed<PluginUnloader*> unloader_;
@@ -214,6 +218,7 @@ private:
     bool MakeWindow(int32_t width, int32_t height);
     bool IsOnOwnThread() const;
     bool DeferDuringFrame(UINT message, WPARAM wParam, LPARAM lParam);
+    void DeferWaitingUnloads(HWND window);
     void TakeFrame();
     void CopyFrameToSurface();
     void WipeSurface();

@@ -14,8 +14,13 @@ struct VizWindowMessages {
         return DefWindowProcA(window, WM_PAINT, wParam, lParam);
     }
     static LRESULT Close(CVizWindow& object, HWND, WPARAM wParam, LPARAM lParam) {
-        if (!object.DeferDuringFrame(WM_CLOSE, wParam, lParam)) object.Destroy();
+        if (!object.DeferDuringFrame(WM_CLOSE, wParam, lParam)) object.Close();
         return 0;
+    }
+    // Not by Destroy, which leaves no object behind for this.
+    static LRESULT Gone(CVizWindow& object, HWND window, WPARAM wParam, LPARAM lParam) {
+        object.OnGone(window);
+        return DefWindowProcA(window, WM_NCDESTROY, wParam, lParam);
     }
     static LRESULT LeftButton(CVizWindow& object, HWND, WPARAM wParam, LPARAM lParam) {
         if (!object.DeferDuringFrame(WM_LBUTTONUP, wParam, lParam))
@@ -51,6 +56,8 @@ LRESULT CALLBACK VizWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM 
             return VizWindowMessages::Paint(*object, window, wParam, lParam);
         case WM_CLOSE:
             return VizWindowMessages::Close(*object, window, wParam, lParam);
+        case WM_NCDESTROY:
+            return VizWindowMessages::Gone(*object, window, wParam, lParam);
         case WM_LBUTTONUP:
             return VizWindowMessages::LeftButton(*object, window, wParam, lParam);
         case WM_RBUTTONUP:

@@ -31,7 +31,10 @@ void CVizWindow::ChooseFormats() {
     DisplayFormat = GetDisplayFormat();
     if (DisplayFormat == FormatNone) DisplayFormat = FrameFormat;
     if (DisplayFormat != FrameFormat || !FrameFillsDisplay()) NeedsConversion = true;
-    if (!NeedsConversion) return;
+    if (NeedsConversion) ChooseConverter();
+}
+
+void CVizWindow::ChooseConverter() {
     ConvertFrame = Converter ? Converter->FindConverter(FrameFormat, DisplayFormat) : nullptr;
     if (ConvertFrame) return;
     NeedsConversion = false;
@@ -221,7 +224,13 @@ void CVizWindow::ServeDeferred() {
         if (!inFrame_) waiting.swap(deferred_);
     }
     for (const Deferred& next : waiting) {
-        if (const HWND window = Window) SendMessageA(window, next.message, next.wParam, next.lParam);
+        if (const HWND window = Window) {
+            SendMessageA(window, next.message, next.wParam, next.lParam);
+        } else if (next.message == kMessageUnload) {
+            OnUnload(reinterpret_cast<CVizPlugin*>(next.wParam));
+        } else if (next.message == WM_NCDESTROY) {
+            Destroy();
+        }
     }
 }
 

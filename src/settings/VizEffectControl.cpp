@@ -67,8 +67,24 @@ void VizEffectControl::SetRanges(int32_t minX, int32_t maxX, int32_t minY, int32
 }
 
 void VizEffectControl::SetValue(uint32_t axis, int32_t value) {
+    Store(axis, value);
+    TellParent();
+}
+
+void VizEffectControl::SetValues(int32_t x, int32_t y) {
+    Store(kAxisX, x);
+    Store(kAxisY, y);
+    TellParent();
+}
+
+void VizEffectControl::Store(uint32_t axis, int32_t value) {
     if (axis == kAxisX) ValueX = std::clamp(value, MinX, MaxX);
-    if (axis == kAxisY) ValueY = std::clamp(value, MinY, MaxY);
+    if (axis != kAxisY) return;
+    ValueY = std::clamp(value, MinY, MaxY);
+    HasValueY = true;
+}
+
+void VizEffectControl::TellParent() {
     PictureDirty = true;
     if (!Window) return;
     PostMessageA(GetParent(Window), kMessageValueChanged, Id,

@@ -41,6 +41,8 @@ public:
     void SetRanges(int32_t minX, int32_t maxX, int32_t minY, int32_t maxY);
     // Clamps the value of one scale to its range and stores it, tells the parent, asks for a new picture.
     void SetValue(uint32_t axis, int32_t value);
+    // The same for both at once: the parent never hears of a new value beside an old one.
+    void SetValues(int32_t x, int32_t y);
     // Frees the picture and destroys the window. The destructor does the same.
     void Destroy();
 
@@ -51,6 +53,7 @@ public:
     int32_t MinY = 0, MaxY = 100;
     int32_t ValueX = kNoValue;
     int32_t ValueY = kNoValue;
+    bool HasValueY = false;  // the vertical arrow stands for a value that has been set, which may well be -1
     uint32_t DragAxis = 0;
     bool HasFocus = false;  // shown by a dotted line around the client area
     uint32_t Axes = kAxisX;
@@ -68,9 +71,12 @@ private:
     int32_t ArrowX(const RECT& inner) const { return inner.left + ScaleX(inner).DistanceOf(ValueX); }
     int32_t ArrowY(const RECT& inner) const { return inner.bottom - ScaleY(inner).DistanceOf(ValueY); }
 
+    void Store(uint32_t axis, int32_t value);
+    void TellParent();
     void OnPress(int32_t x, int32_t y);
     void OnMove(int32_t x, int32_t y);
     void OnRelease();
+    void EndDrag();
     void OnKey(WPARAM key);
     void OnFocus(bool has);
     void OnPaint();

@@ -46,8 +46,12 @@ void VizEffectControl::OnMove(int32_t x, int32_t y) {
 }
 
 void VizEffectControl::OnRelease() {
+    if (GetCapture() == Window) ReleaseCapture();
+    EndDrag();
+}
+
+void VizEffectControl::EndDrag() {
     DragAxis = 0;
-    SetCapture(nullptr);
     InvalidateRect(Window, nullptr, TRUE);
 }
 
@@ -85,6 +89,11 @@ LRESULT CALLBACK VizEffectControl::WindowProc(HWND window, UINT message, WPARAM 
             return control->OnPress(SignedLow(lParam), SignedHigh(lParam)), 0;
         case WM_LBUTTONUP:
             return control->OnRelease(), 0;
+        case WM_CAPTURECHANGED:
+            return control->EndDrag(), 0;
+        case WM_CANCELMODE:
+            control->OnRelease();
+            return DefWindowProcA(window, message, wParam, lParam);
         case WM_GETDLGCODE:
             return DLGC_WANTARROWS;
         case WM_KEYDOWN:

@@ -141,14 +141,13 @@ void VizEffectControl::DrawArrows(HDC target) const {
     const RECT inner = Inner();
     const auto color = [this](uint32_t axis) { return DragAxis & axis ? kDraggedArrow : kRestingArrow; };
     const bool drawX = (Axes & kAxisX) != 0;
-    const bool drawY = ValueY != kNoValue;
     const int32_t arrowX = ArrowX(inner), arrowY = ArrowY(inner);
     for (int32_t row = 0; drawX && row < kArrowLength; ++row) {
         for (int32_t x = arrowX - row; x <= arrowX + row; ++x) {
             SetPixel(target, x, inner.bottom - kArrowGap - row, color(kAxisX));
         }
     }
-    for (int32_t column = 0; drawY && column < kArrowLength; ++column) {
+    for (int32_t column = 0; HasValueY && column < kArrowLength; ++column) {
         for (int32_t y = arrowY - column; y <= arrowY + column; ++y) {
             SetPixel(target, inner.left + kArrowGap + column, y, color(kAxisY));
         }

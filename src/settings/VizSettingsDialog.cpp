@@ -79,6 +79,7 @@ CVizSettingsDialog::~CVizSettingsDialog() {
 }
 
 void CVizSettingsDialog::OpenWindow(HMODULE instance, HWND parent) {
+    if (!instance) return;  // it would stand for the program, whose template of that number is another one
     InitCommonControls();
     // What opens it asks plug-ins, whose code may end it again: only the window is touched from here on.
     const HWND window = CreateDialogParamA(instance, MAKEINTRESOURCEA(IDD_SETTINGS), parent, DialogProc,
@@ -168,20 +169,17 @@ bool CVizSettingsDialog::PostRefresh() const {
     return true;
 }
 
-// Each SetValue comes back as a message that stores the value again, so the record ends up with what the
-// controls can show.
+// Each value comes back in a message that stores it again, so the record ends up with what the controls can show.
 void CVizSettingsDialog::ShowEffects() {
     const VizEffectParams& effects = Manager->GetUserEffects();
-    const auto show = [this](EffectControlId id, uint32_t axis, int32_t value) {
-        EffectControls[id]->SetValue(axis, value);
+    const auto show = [this](EffectControlId id, int32_t value) {
+        EffectControls[id]->SetValue(VizEffectControl::kAxisX, value);
     };
-    show(kFadeControl, VizEffectControl::kAxisX, effects.FadeTime);
-    show(kRotateControl, VizEffectControl::kAxisX, effects.RotateSpeed);
-    show(kZoomControl, VizEffectControl::kAxisX, effects.ZoomX);
-    show(kZoomControl, VizEffectControl::kAxisY, effects.ZoomY);
-    show(kSlideControl, VizEffectControl::kAxisX, SlideArrow(effects.SlideX));
-    show(kSlideControl, VizEffectControl::kAxisY, SlideArrow(effects.SlideY));
-    show(kBlurControl, VizEffectControl::kAxisX, effects.BlurAmount);
+    show(kFadeControl, effects.FadeTime);
+    show(kRotateControl, effects.RotateSpeed);
+    EffectControls[kZoomControl]->SetValues(effects.ZoomX, effects.ZoomY);
+    EffectControls[kSlideControl]->SetValues(SlideArrow(effects.SlideX), SlideArrow(effects.SlideY));
+    show(kBlurControl, effects.BlurAmount);
 }
 
 void CVizSettingsDialog::ShowSwitches() {

@@ -44,7 +44,7 @@ public:
     CVizSettingsDialog& operator=(const CVizSettingsDialog&) = delete;
 
     // `instance` holds the dialog's template. The dialog has been drawn once when this comes back. Without
-    // the template no window opens.
+    // an instance or its template no window opens.
     void OpenWindow(HMODULE instance, HWND parent);
     bool IsOpen() const { return DialogWindow != nullptr; }
     void BringToTop();

@@ -13,12 +13,10 @@
 #define TDKVIZ_CAPABILITY TDKVIZ_THREAD_MARK(capability("mutex"))
 #define TDKVIZ_SCOPED_CAPABILITY TDKVIZ_THREAD_MARK(scoped_lockable)
 #define TDKVIZ_GUARDED_BY(lock) TDKVIZ_THREAD_MARK(guarded_by(lock))
-#define TDKVIZ_PT_GUARDED_BY(lock) TDKVIZ_THREAD_MARK(pt_guarded_by(lock))
 #define TDKVIZ_REQUIRES(...) TDKVIZ_THREAD_MARK(requires_capability(__VA_ARGS__))
 #define TDKVIZ_ACQUIRE(...) TDKVIZ_THREAD_MARK(acquire_capability(__VA_ARGS__))
 #define TDKVIZ_RELEASE(...) TDKVIZ_THREAD_MARK(release_capability(__VA_ARGS__))
 #define TDKVIZ_TRY_ACQUIRE(...) TDKVIZ_THREAD_MARK(try_acquire_capability(__VA_ARGS__))
-#define TDKVIZ_EXCLUDES(...) TDKVIZ_THREAD_MARK(locks_excluded(__VA_ARGS__))
 #define TDKVIZ_UNCHECKED TDKVIZ_THREAD_MARK(no_thread_safety_analysis)
 
 namespace tdkviz {

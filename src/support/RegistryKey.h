@@ -18,7 +18,6 @@ public:
     // Closes what is open, then opens `subKey` below `root`, making it if needed.
     bool Open(HKEY root, const char* subKey);
     void Close();
-    bool IsOpen() const { return key_ != nullptr; }
 
     // False when closed.
     bool SetString(const char* name, const char* text);

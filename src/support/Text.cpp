@@ -37,10 +37,6 @@ const char* NextChar(const char* p) {
     return next != p ? next : p + 1;
 }
 
-char* NextChar(char* p) {
-    return const_cast<char*>(NextChar(static_cast<const char*>(p)));
-}
-
 const char* FindChar(const char* text, char c) {
     if (!text) return nullptr;
     return HasDoubleByteCodePage() ? WalkFor<false>(text, c) : std::strchr(text, c);

@@ -9,7 +9,6 @@ namespace tdkviz {
 
 // The character behind the one at `p`; a null `p` stays null.
 const char* NextChar(const char* p);
-char* NextChar(char* p);
 
 // First or last place of the single-byte character `c`, or null. `c` = 0 finds the terminator in FindChar.
 const char* FindChar(const char* text, char c);

@@ -212,6 +212,22 @@ TEST_F(DDVizWindowTest, FallsBackInTheMiddleOfAFrame) {
     EXPECT_FALSE(UsesDirectDraw());
 }
 
+TEST_F(DDVizWindowTest, TheWindowMayGoInTheMiddleOfAFrame) {
+    Show(640, 480);
+    window_->BeginFrame();
+    void* const front = window_->GetFrontPixels();
+    DestroyWindow(Handle());
+    EXPECT_EQ(window_->GetFrontPixels(), front);
+    Paint(front, [](int, int) { return 0x00FFFFFF; });
+    window_->ReleaseFront();
+    CallsMade();
+    window_->Present(true);
+    EXPECT_EQ(CallsMade(), 0u) << "there is no place for the picture";
+    window_->EndFrame();
+    EXPECT_FALSE(UsesDirectDraw());
+    EXPECT_FALSE(DrawFrame(0x00ABCDEF));
+}
+
 // Asked for while the window falls back: what was posted waits in the queue, what was sent waits for the frame's end.
 TEST_F(DDVizWindowTest, TheNewestSizeIsTheOneThatStays) {
     for (const auto ask : {+[](HWND window, UINT message, WPARAM size) { PostMessageA(window, message, size, 0); },

@@ -282,6 +282,43 @@ TEST_F(VizWindowTest, UnloadsByMessage) {
     EXPECT_EQ(unloader.plugins, std::vector<uintptr_t>{77});
 }
 
+// At once, or behind the frame in which the window went; what is still to be unloaded isn't forgotten.
+TEST_F(VizWindowTest, TheWindowMayGoByAnothersHand) {
+    struct Unloader : PluginUnloader {
+        void UnloadPlugin(CVizPlugin* plugin) override { plugins.push_back(reinterpret_cast<uintptr_t>(plugin)); }
+        std::vector<uintptr_t> plugins;
+    } unloader;
+    window_.SetPluginUnloader(&unloader);
+    const auto destroyed = [](HWND window) { DestroyWindow(window); };
+    const auto closed = [](HWND window) { SendMessageA(window, WM_CLOSE, 0, 0); };
+    for (void (*end)(HWND) : {+destroyed, +closed}) {
+        for (const bool inFrame : {false, true}) {
+            window_.Destroy();
+            const TdkpCounts without = Counts();
+            ASSERT_TRUE(window_.Create(1, 1));
+            Show(320, 240);
+            unloader.plugins.clear();
+            auto* pixels = static_cast<uint32_t*>(window_.GetFrontPixels());
+            if (!inFrame) window_.ReleaseFront();
+            SendMessageA(Handle(), kMessageUnload, 77, 0);
+            PostMessageA(Handle(), kMessageUnload, 78, 0);
+            end(Handle());
+            if (inFrame) {
+                EXPECT_EQ(unloader.plugins, std::vector<uintptr_t>{});
+                std::fill_n(pixels, 320 * 240, 0x00ABCDEFu);
+                window_.ReleaseFront();
+                window_.Present(true);
+            }
+            EXPECT_EQ(unloader.plugins, (std::vector<uintptr_t>{77, 78}));
+            EXPECT_EQ(Handle(), nullptr);
+            EXPECT_EQ(window_.GetFrontPixels(), nullptr);
+            window_.SetDrawsFrames(true);
+            EXPECT_EQ(Counts().gdiObjects, without.gdiObjects);
+            EXPECT_EQ(Counts().handles, without.handles);
+        }
+    }
+}
+
 TEST_F(VizWindowTest, WithoutAWindowNothingIsDone) {
     Show(320, 240);
     SendMessageA(Handle(), WM_CLOSE, 0, 0);

@@ -12,6 +12,7 @@ namespace tdkviz::test {
 namespace {
 
 constexpr DWORD kPicture = 0x204080;  // what the parent draws
+constexpr int kNeverSet = INT32_MIN;
 
 // The parent of the controls: notes what it is told, and draws.
 struct Parent {
@@ -222,11 +223,12 @@ public:
             }
         }
         const int px = l + (r - l) * (valueX - layout.minX) / (layout.maxX - layout.minX);
-        const int py = b - (b - t) * (valueY - layout.minY) / (layout.maxY - layout.minY);
         color_ = drag & 1 ? 0xFFFF00 : 0x00FF00;
         for (int k = 0; k < 5 && (layout.axes & 1); ++k) Box(px - k, b - 2 - k, px + k, b - 2 - k);
+        if (valueY == kNeverSet) return;
+        const int py = b - (b - t) * (valueY - layout.minY) / (layout.maxY - layout.minY);
         color_ = drag & 2 ? 0xFFFF00 : 0x00FF00;
-        for (int k = 0; k < 5 && valueY != -1; ++k) Box(l + 2 + k, py - k, l + 2 + k, py + k);
+        for (int k = 0; k < 5; ++k) Box(l + 2 + k, py - k, l + 2 + k, py + k);
     }
     void Expect(HWND window) const {
         const Picture picture(window);
@@ -257,15 +259,16 @@ private:
 TEST_F(EffectControlTest, LooksAsDescribedToThePixel) {
     const struct {
         const Layout& layout;
-        int x, y;  // -1: never set
-    } cases[] = {{kFade, 0, -1},   {kFade, 128, -1}, {kRotate, -20, -1}, {kRotate, 7, -1},
-                 {kZoom, 0, 0},    {kZoom, 20, -20}, {kZoom, 13, -1},    {kBlur, 4, -1},
-                 {kRoomy, -3, 30}, {kRoomy, 11, 12}, {kOdd, 3, 50},      {kLastMark, 0, 21}};
+        int x, y;
+    } cases[] = {{kFade, 0, kNeverSet}, {kFade, 128, kNeverSet}, {kRotate, -20, kNeverSet}, {kRotate, 7, kNeverSet},
+                 {kZoom, 0, 0},         {kZoom, 20, -20},        {kZoom, 13, kNeverSet},    {kZoom, -1, -1},
+                 {kBlur, 4, kNeverSet}, {kRoomy, -3, 30},        {kRoomy, 11, 12},          {kOdd, 3, 50},
+                 {kLastMark, 0, 21}};
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::Message() << c.layout.width << " wide, " << c.x << ", " << c.y);
         VizEffectControl& control = Make(c.layout);
         control.SetValue(1, c.x);
-        if (c.y != -1) control.SetValue(2, c.y);
+        if (c.y != kNeverSet) control.SetValue(2, c.y);
         ServeMessages();
         Model(c.layout, c.x, c.y, 0).Expect(control.Window);
     }
@@ -282,6 +285,30 @@ TEST_F(EffectControlTest, LooksAsDescribedToThePixel) {
             Model(kZoom, 6, -20, axis, focused == control.Window).Expect(control.Window);
         }
         control.DragAxis = 0;
+    }
+}
+
+TEST_F(EffectControlTest, ADragEndsWithItsCapture) {
+    VizEffectControl& control = Make(kZoom);
+    control.SetValue(1, 0);
+    control.SetValue(2, 0);
+    for (const bool toAnother : {true, false}) {
+        Mouse(WM_LBUTTONDOWN, 45, 85);
+        ServeMessages();
+        ASSERT_EQ(control.DragAxis, 1u);
+        if (toAnother) {
+            SetCapture(parent_.window);
+        } else {
+            SendMessageA(control.Window, WM_CANCELMODE, 0, 0);
+        }
+        EXPECT_EQ(GetCapture(), toAnother ? parent_.window : nullptr);
+        parent_.TakeChanges();
+        Mouse(WM_MOUSEMOVE, 70, 20);
+        EXPECT_EQ(parent_.TakeChanges(), 0);
+        Model(kZoom, 0, 0, 0).Expect(control.Window);
+        SendMessageA(control.Window, WM_CANCELMODE, 0, 0);
+        EXPECT_EQ(GetCapture(), toAnother ? parent_.window : nullptr) << "no drag of its own to cancel";
+        ReleaseCapture();
     }
 }
 

@@ -157,6 +157,16 @@ TEST_F(SettingsDialogTest, OpeningBringsTheRecordIntoLine) {
         VizEffectParams expected;
         Fill(expected, c.shown, c.expected);
         Open();
+        // Frames may be drawn between any two of the messages: none makes up a value.
+        MSG message;
+        while (PeekMessageA(&message, window_, kMessageValueChanged, kMessageValueChanged, PM_REMOVE)) {
+            DispatchMessageA(&message);
+            const auto isOneOf = [](int32_t value, int32_t stored, int32_t shown) {
+                return value == stored || value == shown;
+            };
+            EXPECT_TRUE(isOneOf(model_.effects.ZoomY, c.stored[3], c.shown[3])) << model_.effects.ZoomY;
+            EXPECT_TRUE(isOneOf(model_.effects.SlideY, c.stored[5], c.shown[5])) << model_.effects.SlideY;
+        }
         ServeMessages();
         EXPECT_EQ(Text(model_.effects), Text(expected));
         dialog_.RefreshControls();
@@ -324,9 +334,16 @@ TEST_F(SettingsDialogTest, EndsInEveryWayAndOpensAgain) {
             }
         }
     }
-    // No template, no window, and nothing else.
+    // No template, no window, and nothing else. No module is not this program, which has a template of that number.
+    const HMODULE empty = LoadLibraryA(TestPluginPath("Good2.tkv").c_str());
+    ASSERT_TRUE(empty);
+    for (const HMODULE instance : {empty, HMODULE{nullptr}}) {
+        dialog_.OpenWindow(instance, nullptr);
+        EXPECT_FALSE(dialog_.IsOpen());
+    }
     dialog_.OpenWindow(GetModuleHandleA(nullptr), nullptr);
-    EXPECT_FALSE(dialog_.IsOpen());
+    EXPECT_TRUE(dialog_.IsOpen());
+    FreeLibrary(empty);
 }
 
 // Whoever is called by the dialog may end it there and then, and its window may still be told something.
