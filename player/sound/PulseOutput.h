@@ -23,7 +23,6 @@ public:
     static std::unique_ptr<AudioOutput> Open(const OutputRequest& request, const PcmFormat& format, HANDLE wake);
     ~PulseOutput() override;
 
-    const char* Name() const override { return kPulseName; }
     std::string DeviceName() override;
     size_t Room() override;
     uint32_t WaitForRoom() override { return INFINITE; }
