@@ -79,10 +79,11 @@ public:
         voice_->Fill(SecondsAt(from), std::span(samples).first(to - from));
         const Stereo before = std::exchange(gains_, PanGains(voice_->Pan(SecondsAt(to))));
         const auto count = static_cast<double>(to - from);
+        const Stereo change = {(gains_.Left - before.Left) / count, (gains_.Right - before.Right) / count};
         for (size_t i = from; i < to; ++i) {
-            const double part = static_cast<double>(i - from) / count;
-            step[i - frame].Left += samples[i - from] * (before.Left + (gains_.Left - before.Left) * part);
-            step[i - frame].Right += samples[i - from] * (before.Right + (gains_.Right - before.Right) * part);
+            const auto sinceFrom = static_cast<double>(i - from);
+            step[i - frame].Left += samples[i - from] * (before.Left + change.Left * sinceFrom);
+            step[i - frame].Right += samples[i - from] * (before.Right + change.Right * sinceFrom);
         }
     }
 
@@ -118,7 +119,7 @@ private:
 // The arrangement: pad and arpeggio alone, then bass and hats, then everything, and out.
 class DemoDecoder::Music {
 public:
-    // Adds the next kStep frames, with silence behind the end of the piece.
+    // Adds the next kStep frames.
     void MakeStep(std::vector<int16_t>& samples) {
         while (bar_ < kBars && static_cast<size_t>(bar_ * kBar * kDemoRate) < frame_ + kStep) BeginBar(bar_++);
         Step mix = {};

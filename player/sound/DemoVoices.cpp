@@ -17,10 +17,10 @@ double Frequency(int note) {
     return kA4 * std::pow(2.0, (note - kA4Note) / 12.0);
 }
 
-// Rises in `attack` seconds and falls to silence at `length`.
-double Swell(double t, double attack, double length) {
-    const double rise = std::min(1.0, t / attack);
-    const double fall = std::clamp((length - t) / attack, 0.0, 1.0);
+// Rises at `speed`, in 1 / seconds, and falls to silence at `length`.
+double Swell(double t, double speed, double length) {
+    const double rise = std::min(1.0, t * speed);
+    const double fall = std::clamp((length - t) * speed, 0.0, 1.0);
     return rise * fall;
 }
 
@@ -107,7 +107,7 @@ public:
         Decay third(9.0, t);
         for (double& sample : samples) {
             const double sum = tone.Sine() + 0.5 * tone.Second() * second.Next() + 0.25 * tone.Third() * third.Next();
-            sample = 0.34 * sum * Swell(t, 0.012, length_);
+            sample = 0.34 * sum * Swell(t, 1.0 / 0.012, length_);
             tone.Turn();
             t += kSample;
         }
@@ -129,7 +129,7 @@ public:
         const double bright = 0.35 + 0.25 * std::sin(kTwoPi * 0.11 * (start_ + t));
         for (double& sample : samples) {
             const double sum = tone.Sine() + bright * (0.5 * tone.Second() + 0.3 * tone.Third());
-            sample = 0.045 * sum * Swell(t, 0.25, length_);
+            sample = 0.045 * sum * Swell(t, 1.0 / 0.25, length_);
             tone.Turn();
             t += kSample;
         }

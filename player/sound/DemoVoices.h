@@ -28,8 +28,8 @@ public:
 
     // Seconds from its beginning to its end.
     virtual double Length() const = 0;
-    // The samples from `t` seconds behind its beginning on, so few that what changes slowly stays. Asked for in order,
-    // each one once.
+    // Makes the samples from `t` seconds behind its beginning on: few at a time, since what changes slowly stands still
+    // meanwhile, and in order, each one once.
     virtual void Fill(double t, std::span<double> samples) = 0;
     // Where it is at this time, from -1 (left) to 1 (right).
     virtual double Pan(double t) const = 0;
