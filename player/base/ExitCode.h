@@ -1,6 +1,7 @@
 // How tdkplay ends, for scripts, and the exception that carries such an end to main.
 #pragma once
 
+#include <cstdio>
 #include <stdexcept>
 #include <string>
 
@@ -34,5 +35,10 @@ public:
 private:
     ExitCode code_;
 };
+
+// For what doesn't end the run: one line on the error output.
+inline void Warn(const PlayerError& error) {
+    std::fprintf(stderr, "tdkplay: %s\n", error.what());
+}
 
 }  // namespace tdkplay

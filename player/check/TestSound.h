@@ -12,8 +12,8 @@ namespace tdkplay::check {
 
 inline constexpr int kFramesPerSecond = 30;
 
-// Drums, bass and chords made from arithmetic, with pauses: the same on every run. The player's own piece would take
-// each process longer to make than most checks last.
+// Drums, bass and chords made from arithmetic, with pauses: the same on every run. The player's own piece comes to its
+// drums later than most checks last.
 class TestMusic {
 public:
     // Frames are made when they are first asked for. Good until the next call.

@@ -1,6 +1,5 @@
 #include "player/list/Jukebox.h"
 
-#include <cstdio>
 #include <filesystem>
 #include <random>
 #include <utility>
@@ -16,10 +15,6 @@ Playlist MakeList(const std::vector<std::string>& files, const PlayOrder& order)
     Playlist list(ReadTracks(files), order.Loop);
     if (order.Shuffle) list.Shuffle(std::random_device()());
     return list;
-}
-
-void Warn(const PlayerError& error) {
-    std::fprintf(stderr, "tdkplay: %s\n", error.what());
 }
 
 }  // namespace

@@ -3,9 +3,10 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
+#include <cmath>
 #include <cstdio>
 
+#include "player/base/ClockText.h"
 #include "player/base/JsonText.h"
 
 namespace tdkplay {
@@ -16,13 +17,6 @@ constexpr double kLinePause = 5.0;
 constexpr double kJsonPause = 1.0;
 constexpr int kBarWidth = 30;
 constexpr char kEraseLine[] = "\r\033[K";
-
-std::string MinutesAndSeconds(double seconds) {
-    const auto whole = static_cast<unsigned long>(seconds + 0.5);
-    std::array<char, 32> text = {};
-    std::snprintf(text.data(), text.size(), "%lu:%02lu", whole / 60, whole % 60);
-    return text.data();
-}
 
 }  // namespace
 
@@ -73,7 +67,7 @@ void RenderProgress::PrintBar(uint64_t frames, double elapsed) const {
     std::string bar(kBarWidth, ' ');
     std::fill_n(bar.begin(), static_cast<int>(part * kBarWidth), '#');
     std::printf("[%s] %3.0f %%  %s left, %.1f times real time", bar.c_str(), part * 100.0,
-                MinutesAndSeconds(Left(frames, elapsed)).c_str(), Speed(frames, elapsed));
+                ClockText(std::round(Left(frames, elapsed))).c_str(), Speed(frames, elapsed));
 }
 
 void RenderProgress::PrintLine(uint64_t frames, double elapsed) const {
@@ -81,7 +75,7 @@ void RenderProgress::PrintLine(uint64_t frames, double elapsed) const {
     std::printf("%llu", static_cast<unsigned long long>(frames));
     if (total_ != 0) std::printf(" of %llu", static_cast<unsigned long long>(total_));
     std::printf(" frames, %.1f times real time", Speed(frames, elapsed));
-    if (total_ != 0) std::printf(", %s left", MinutesAndSeconds(Left(frames, elapsed)).c_str());
+    if (total_ != 0) std::printf(", %s left", ClockText(std::round(Left(frames, elapsed))).c_str());
     if (isLine) std::fputs("\n", stdout);
 }
 

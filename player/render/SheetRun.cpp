@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <numeric>
 
+#include "player/base/ClockText.h"
 #include "player/base/ExitCode.h"
 #include "player/render/ContactSheet.h"
 #include "player/render/SteppedRun.h"
@@ -43,12 +44,9 @@ std::vector<double> MomentsOf(double seconds) {
 }
 
 std::string TextOf(double moment, double seconds) {
+    if (seconds >= kLongPiece) return ClockText(moment);
     std::array<char, 32> text = {};
-    if (seconds < kLongPiece)
-        std::snprintf(text.data(), text.size(), "%.1f s", moment);
-    else
-        std::snprintf(text.data(), text.size(), "%d:%02d", static_cast<int>(moment) / 60,
-                      static_cast<int>(moment) % 60);
+    std::snprintf(text.data(), text.size(), "%.1f s", moment);
     return text.data();
 }
 

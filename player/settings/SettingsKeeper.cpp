@@ -1,7 +1,6 @@
 #include "player/settings/SettingsKeeper.h"
 
 #include <algorithm>
-#include <cstdio>
 
 #include "player/base/ExitCode.h"
 
@@ -9,10 +8,6 @@ namespace tdkplay {
 namespace {
 
 constexpr DWORD kRest = 500;  // milliseconds
-
-void Warn(const PlayerError& error) {
-    std::fprintf(stderr, "tdkplay: %s\n", error.what());
-}
 
 }  // namespace
 

@@ -23,7 +23,6 @@ class AudioOutput {
 public:
     virtual ~AudioOutput() = default;
 
-    virtual const char* Name() const = 0;
     // The device as the sound server names it; empty if there is none.
     virtual std::string DeviceName() { return {}; }
     // Sample frames that can be written now.

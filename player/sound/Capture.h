@@ -29,7 +29,6 @@ public:
     // Seconds that this has not been paused.
     double Elapsed() const;
 
-    const char* Name() const override { return "capture"; }
     std::string DeviceName() override;
     size_t Room() override;
     uint32_t WaitForRoom() override;

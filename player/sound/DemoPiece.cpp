@@ -6,13 +6,14 @@
 #include <array>
 #include <cmath>
 #include <numbers>
+#include <utility>
 
 #include "player/base/ExitCode.h"
+#include "player/sound/DemoVoices.h"
 
 namespace tdkplay {
 namespace {
 
-constexpr double kRate = 44100.0;
 constexpr double kTwoPi = 2.0 * std::numbers::pi;
 constexpr double kBeat = 60.0 / 112.0;  // seconds
 constexpr double kBar = 4.0 * kBeat;
@@ -20,9 +21,12 @@ constexpr double kEighth = kBeat / 2.0;
 constexpr double kSixteenth = kBeat / 4.0;
 constexpr int kBars = 12;
 constexpr double kTail = 2.0;  // seconds in which the last sounds die away
+constexpr auto kFrames = static_cast<size_t>((kBars * kBar + kTail) * kDemoRate);
+constexpr auto kEchoLag = static_cast<size_t>(3.0 * kSixteenth * kDemoRate);  // samples
+constexpr double kEchoLevel = 0.38;
 constexpr double kPeak = 0.89;
-constexpr double kA4 = 440.0;
-constexpr int kA4Note = 69;
+constexpr double kLoudest = 0.81245;  // the loudest sample of the mix
+constexpr size_t kStep = 64;          // samples that are made at once
 
 // Four chords, one a bar: root of the bass, then the notes of the chord.
 struct Chord {
@@ -37,186 +41,140 @@ constexpr std::array<Chord, 4> kChords = {{
 }};
 constexpr std::array<int, 16> kArpeggio = {0, 2, 1, 3, 2, 0, 3, 1, 0, 3, 2, 1, 3, 2, 1, 2};
 
-double Frequency(int note) {
-    return kA4 * std::pow(2.0, (note - kA4Note) / 12.0);
+// One sample, or one level, for each side.
+struct Stereo {
+    double Left = 0.0;
+    double Right = 0.0;
+};
+using Step = std::array<Stereo, kStep>;
+
+Stereo PanGains(double pan) {
+    const double angle = (pan + 1.0) * std::numbers::pi / 4.0;
+    return {std::cos(angle), std::sin(angle)};
 }
 
-// White noise from a linear congruence, -1 to 1.
-class Noise {
+// A float has more digits than the sample.
+int16_t ToSample(double value) {
+    constexpr auto kScale = static_cast<float>(kPeak * 32767.0 / kLoudest);
+    return static_cast<int16_t>(std::lrint(std::tanh(static_cast<float>(value)) * kScale));
+}
+
+// A voice at its place in the piece.
+class Sound {
 public:
-    double Next() {
-        state_ = state_ * 1664525u + 1013904223u;
-        return static_cast<int32_t>(state_) / 2147483648.0;
+    Sound(double start, std::unique_ptr<Voice> voice)
+        : first_(static_cast<size_t>(start * kDemoRate)),
+          end_(first_ + static_cast<size_t>(voice->Length() * kDemoRate)),
+          voice_(std::move(voice)),
+          gains_(PanGains(voice_->Pan(0.0))) {}
+
+    bool EndsBy(size_t frame) const { return end_ <= frame; }
+    // Adds what falls into the step that begins at this frame of the piece. It moves slowly between left and right, so
+    // its place is worked out at the ends of the step and drawn straight in between.
+    void AddTo(Step& step, size_t frame) {
+        const size_t from = std::max(first_, frame);
+        const size_t to = std::min(end_, frame + kStep);
+        if (from >= to) return;
+        std::array<double, kStep> samples;
+        voice_->Fill(SecondsAt(from), std::span(samples).first(to - from));
+        const Stereo before = std::exchange(gains_, PanGains(voice_->Pan(SecondsAt(to))));
+        const auto count = static_cast<double>(to - from);
+        const Stereo change = {(gains_.Left - before.Left) / count, (gains_.Right - before.Right) / count};
+        for (size_t i = from; i < to; ++i) {
+            const auto sinceFrom = static_cast<double>(i - from);
+            step[i - frame].Left += samples[i - from] * (before.Left + change.Left * sinceFrom);
+            step[i - frame].Right += samples[i - from] * (before.Right + change.Right * sinceFrom);
+        }
     }
 
 private:
-    uint32_t state_ = 1;
+    double SecondsAt(size_t frame) const { return static_cast<double>(frame - first_) / kDemoRate; }
+
+    size_t first_;
+    size_t end_;
+    std::unique_ptr<Voice> voice_;
+    Stereo gains_;  // where it has come to
 };
 
-// The mix that all instruments play into. Times are seconds, `pan` is -1 (left) to 1 (right).
-class Mix {
+// An echo that crosses over from side to side.
+class PingPong {
 public:
-    explicit Mix(double seconds) : left_(static_cast<size_t>(seconds * kRate)), right_(left_.size()) {}
-
-    // Adds voice(t) for `length` seconds from `start` on, placed between left and right by pan(t). The place
-    // moves slowly, so it is worked out now and then and drawn straight in between.
-    template <typename Voice, typename Pan>
-    void Add(double start, double length, Voice voice, Pan pan) {
-        const size_t first = static_cast<size_t>(start * kRate);
-        const size_t end = std::min(left_.size(), first + static_cast<size_t>(length * kRate));
-        for (size_t from = first; from < end; from += kPanStep) {
-            const double t = static_cast<double>(from - first) / kRate;
-            const Gains begin = PanGains(pan(t));
-            const Gains after = PanGains(pan(t + kPanStep / kRate));
-            for (size_t i = from; i < std::min(from + kPanStep, end); ++i) {
-                const double part = static_cast<double>(i - from) / kPanStep;
-                const double value = voice(static_cast<double>(i - first) / kRate);
-                left_[i] += value * (begin.Left + (after.Left - begin.Left) * part);
-                right_[i] += value * (begin.Right + (after.Right - begin.Right) * part);
-            }
+    void AddTo(Step& step) {
+        for (Stereo& sample : step) {
+            Stereo& echoed = past_[next_];
+            next_ = (next_ + 1) % past_.size();
+            sample.Left += kEchoLevel * echoed.Right;
+            sample.Right += kEchoLevel * echoed.Left;
+            echoed = sample;
         }
-    }
-
-    // An echo that crosses over from side to side.
-    void PingPong(double delay, double feedback) {
-        const size_t lag = static_cast<size_t>(delay * kRate);
-        for (size_t i = lag; i < left_.size(); ++i) {
-            left_[i] += feedback * right_[i - lag];
-            right_[i] += feedback * left_[i - lag];
-        }
-    }
-
-    void AddMix(const Mix& other) {
-        for (size_t i = 0; i < left_.size(); ++i) {
-            left_[i] += other.left_[i];
-            right_[i] += other.right_[i];
-        }
-    }
-
-    std::vector<int16_t> ToSamples() const {
-        double loudest = 1e-9;
-        for (const auto* side : {&left_, &right_})
-            for (double value : *side) loudest = std::max(loudest, std::abs(std::tanh(value)));
-        const double scale = kPeak * 32767.0 / loudest;
-        std::vector<int16_t> samples(left_.size() * 2);
-        for (size_t i = 0; i < left_.size(); ++i) {
-            samples[2 * i] = static_cast<int16_t>(std::lround(std::tanh(left_[i]) * scale));
-            samples[2 * i + 1] = static_cast<int16_t>(std::lround(std::tanh(right_[i]) * scale));
-        }
-        return samples;
     }
 
 private:
-    static constexpr size_t kPanStep = 64;  // samples
-    struct Gains {
-        double Left;
-        double Right;
-    };
-    static Gains PanGains(double pan) {
-        const double angle = (pan + 1.0) * std::numbers::pi / 4.0;
-        return {std::cos(angle), std::sin(angle)};
-    }
-
-    std::vector<double> left_;
-    std::vector<double> right_;
+    std::vector<Stereo> past_ = std::vector<Stereo>(kEchoLag);
+    size_t next_ = 0;
 };
-
-// Rises in `attack` seconds and falls to silence at `length`.
-double Swell(double t, double attack, double length) {
-    const double rise = std::min(1.0, t / attack);
-    const double fall = std::clamp((length - t) / attack, 0.0, 1.0);
-    return rise * fall;
-}
-
-void PlayKick(Mix& mix, double start) {
-    const auto voice = [](double t) {
-        const double phase = 48.0 * t + 90.0 / 28.0 * (1.0 - std::exp(-28.0 * t));  // the pitch falls to 48 Hz
-        return 0.85 * std::exp(-9.0 * t) * std::sin(kTwoPi * phase);
-    };
-    mix.Add(start, 0.4, voice, [](double) { return 0.0; });
-}
-
-void PlayHat(Mix& mix, double start, double level, double pan, Noise& noise) {
-    double last = 0.0;
-    const auto voice = [&](double t) {
-        const double white = noise.Next();
-        const double high = white - last;
-        last = white;
-        return level * std::exp(-55.0 * t) * high;
-    };
-    mix.Add(start, 0.1, voice, [pan](double) { return pan; });
-}
-
-void PlayBass(Mix& mix, double start, double length, int note) {
-    const double frequency = Frequency(note);
-    const auto voice = [=](double t) {
-        const double phase = kTwoPi * frequency * t;
-        const double tone = std::sin(phase) + 0.5 * std::sin(2.0 * phase) * std::exp(-6.0 * t) +
-                            0.25 * std::sin(3.0 * phase) * std::exp(-9.0 * t);
-        return 0.34 * tone * Swell(t, 0.012, length);
-    };
-    mix.Add(start, length, voice, [](double) { return 0.0; });
-}
-
-// Two detuned voices that wander slowly across the picture.
-void PlayPad(Mix& mix, double start, double length, int note, double place) {
-    for (const double detune : {-0.0022, 0.0022}) {
-        const double frequency = Frequency(note) * (1.0 + detune);
-        const auto voice = [=](double t) {
-            const double phase = kTwoPi * frequency * t;
-            const double bright = 0.35 + 0.25 * std::sin(kTwoPi * 0.11 * (start + t));
-            const double tone = std::sin(phase) + bright * (0.5 * std::sin(2.0 * phase) + 0.3 * std::sin(3.0 * phase));
-            return 0.045 * tone * Swell(t, 0.25, length);
-        };
-        mix.Add(start, length, voice, [=](double t) {
-            return 0.8 * std::sin(kTwoPi * 0.13 * (start + t) + place + (detune > 0 ? 1.5 : 0.0));
-        });
-    }
-}
-
-void PlayPluck(Mix& mix, double start, int note, double pan) {
-    const double frequency = Frequency(note);
-    const auto voice = [=](double t) {
-        const double phase = kTwoPi * frequency * t;
-        return 0.16 * std::exp(-7.0 * t) * std::min(1.0, t / 0.002) *
-               std::sin(phase + 1.6 * std::exp(-12.0 * t) * std::sin(2.0 * phase));
-    };
-    mix.Add(start, 0.6, voice, [pan](double) { return pan; });
-}
-
-// The arrangement: pad and arpeggio alone, then bass and hats, then everything, and out.
-void PlayBar(int bar, Mix& dry, Mix& echoed, Noise& noise) {
-    const Chord& chord = kChords[static_cast<size_t>(bar) % kChords.size()];
-    const double start = bar * kBar;
-    const bool hasBass = bar >= 2;
-    const bool hasDrums = bar >= 4 && bar < kBars - 1;
-    for (size_t i = 0; i < chord.Notes.size(); ++i)
-        PlayPad(dry, start, kBar + 0.25, chord.Notes[i], static_cast<double>(i));
-    for (size_t step = 0; step < kArpeggio.size(); ++step) {
-        const int octave = bar % 4 == 3 && step >= 8 ? 24 : 12;
-        const double pan = 0.7 * std::sin(kTwoPi * (static_cast<double>(step) / 16.0 + bar * 0.25));
-        PlayPluck(echoed, start + static_cast<double>(step) * kSixteenth,
-                  chord.Notes[static_cast<size_t>(kArpeggio[step])] + octave, pan);
-    }
-    for (int eighth = 0; eighth < 8; ++eighth) {
-        const double at = start + eighth * kEighth;
-        if (hasBass && eighth != 3) PlayBass(dry, at, kEighth * 0.92, chord.Bass + (eighth % 4 == 2 ? 12 : 0));
-        if (hasBass) PlayHat(dry, at, eighth % 2 ? 0.16 : 0.07, eighth % 2 ? 0.35 : -0.35, noise);
-        if (hasDrums && eighth % 2 == 0) PlayKick(dry, at);
-    }
-}
 
 }  // namespace
 
+// The arrangement: pad and arpeggio alone, then bass and hats, then everything, and out.
+class DemoDecoder::Music {
+public:
+    // Adds the next kStep frames.
+    void MakeStep(std::vector<int16_t>& samples) {
+        while (bar_ < kBars && static_cast<size_t>(bar_ * kBar * kDemoRate) < frame_ + kStep) BeginBar(bar_++);
+        Step mix = {};
+        Step echoed = {};
+        for (Sound& sound : dry_) sound.AddTo(mix, frame_);
+        for (Sound& sound : echoed_) sound.AddTo(echoed, frame_);
+        echo_.AddTo(echoed);
+        frame_ += kStep;
+        for (std::vector<Sound>* sounds : {&dry_, &echoed_})
+            std::erase_if(*sounds, [this](const Sound& sound) { return sound.EndsBy(frame_); });
+        for (size_t i = 0; i < kStep; ++i) {
+            samples.push_back(ToSample(mix[i].Left + echoed[i].Left));
+            samples.push_back(ToSample(mix[i].Right + echoed[i].Right));
+        }
+    }
+
+private:
+    void BeginBar(int bar) {
+        const Chord& chord = kChords[static_cast<size_t>(bar) % kChords.size()];
+        const double start = bar * kBar;
+        const bool hasBass = bar >= 2;
+        const bool hasDrums = bar >= 4 && bar < kBars - 1;
+        for (size_t i = 0; i < chord.Notes.size(); ++i) {
+            const auto place = static_cast<double>(i);
+            dry_.emplace_back(start, MakePad(start, kBar + 0.25, chord.Notes[i], -0.0022, place));
+            dry_.emplace_back(start, MakePad(start, kBar + 0.25, chord.Notes[i], 0.0022, place + 1.5));
+        }
+        for (size_t step = 0; step < kArpeggio.size(); ++step) {
+            const int octave = bar % 4 == 3 && step >= 8 ? 24 : 12;
+            const double pan = 0.7 * std::sin(kTwoPi * (static_cast<double>(step) / 16.0 + bar * 0.25));
+            echoed_.emplace_back(start + static_cast<double>(step) * kSixteenth,
+                                 MakePluck(chord.Notes[static_cast<size_t>(kArpeggio[step])] + octave, pan));
+        }
+        for (int eighth = 0; eighth < 8; ++eighth) {
+            const double at = start + eighth * kEighth;
+            const int bass = chord.Bass + (eighth % 4 == 2 ? 12 : 0);
+            if (hasBass && eighth != 3) dry_.emplace_back(at, MakeBass(kEighth * 0.92, bass));
+            if (hasBass) dry_.emplace_back(at, MakeHat(eighth % 2 ? 0.16 : 0.07, eighth % 2 ? 0.35 : -0.35, noise_));
+            if (hasDrums && eighth % 2 == 0) dry_.emplace_back(at, MakeKick());
+        }
+    }
+
+    int bar_ = 0;       // the next one to begin
+    size_t frame_ = 0;  // the next one to make
+    std::vector<Sound> dry_;
+    std::vector<Sound> echoed_;
+    PingPong echo_;
+    Noise noise_;
+};
+
 std::vector<int16_t> MakeDemoPiece() {
-    const double seconds = kBars * kBar + kTail;
-    Mix dry(seconds);
-    Mix echoed(seconds);
-    Noise noise;
-    for (int bar = 0; bar < kBars; ++bar) PlayBar(bar, dry, echoed, noise);
-    echoed.PingPong(3.0 * kSixteenth, 0.38);
-    dry.AddMix(echoed);
-    return dry.ToSamples();
+    DemoDecoder decoder;
+    std::vector<int16_t> samples(kFrames * kDemoFormat.Channels);
+    decoder.Read(samples.data(), kFrames);
+    return samples;
 }
 
 void WriteDemoPiece(const std::string& path) {
@@ -233,8 +191,24 @@ void WriteDemoPiece(const std::string& path) {
         throw PlayerError(ExitCode::kCannotWrite, path + ": can't be written to its end");
 }
 
+// Room for the whole piece, so that no read has to move what was made. Untouched, it costs nothing.
+DemoDecoder::DemoDecoder() : music_(std::make_unique<Music>()) {
+    samples_.reserve((kFrames + kStep) * kDemoFormat.Channels);
+}
+
+DemoDecoder::~DemoDecoder() = default;
+
+uint64_t DemoDecoder::TotalFrames() const {
+    return kFrames;
+}
+
+void DemoDecoder::MakeUpTo(size_t frame) {
+    while (samples_.size() < frame * kDemoFormat.Channels) music_->MakeStep(samples_);
+}
+
 size_t DemoDecoder::Read(int16_t* samples, size_t frames) {
-    const size_t count = std::min(frames, static_cast<size_t>(TotalFrames()) - nextFrame_);
+    const size_t count = std::min(frames, kFrames - nextFrame_);
+    MakeUpTo(nextFrame_ + count);
     const int16_t* from = samples_.data() + nextFrame_ * kDemoFormat.Channels;
     std::copy(from, from + count * kDemoFormat.Channels, samples);
     nextFrame_ += count;
@@ -242,8 +216,9 @@ size_t DemoDecoder::Read(int16_t* samples, size_t frames) {
 }
 
 bool DemoDecoder::Seek(uint64_t frame) {
-    if (frame > TotalFrames()) return false;
+    if (frame > kFrames) return false;
     nextFrame_ = static_cast<size_t>(frame);
+    MakeUpTo(nextFrame_);
     return true;
 }
 

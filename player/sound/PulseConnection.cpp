@@ -1,13 +1,9 @@
 #include "player/sound/PulseConnection.h"
 
-#include <utility>
-
 namespace tdkplay {
 namespace {
 
 constexpr char kClientName[] = "tdkplay";
-constexpr auto kOfInterest = static_cast<pa_subscription_mask_t>(
-    PA_SUBSCRIPTION_MASK_SERVER | PA_SUBSCRIPTION_MASK_SINK | PA_SUBSCRIPTION_MASK_SOURCE);
 
 }  // namespace
 
@@ -56,27 +52,15 @@ void PulseConnection::Forget(pa_operation* operation) {
     if (operation) pa_operation_unref(operation);
 }
 
-void PulseConnection::Report(Events events) {
-    events_ = std::move(events);
-    if (!events_.Changed) return;
-    pa_context_set_subscribe_callback(context_, OnChange, this);
-    Forget(pa_context_subscribe(context_, kOfInterest, nullptr, nullptr));
-}
-
 void PulseConnection::Stop() {
     pa_threaded_mainloop_stop(loop_);
-    events_ = {};
+    lost_ = {};
 }
 
 void PulseConnection::OnState(pa_context*, void* self) {
     const auto* const connection = static_cast<PulseConnection*>(self);
-    if (!connection->IsGood() && connection->events_.Lost) connection->events_.Lost();
+    if (!connection->IsGood() && connection->lost_) connection->lost_();
     connection->Signal();
-}
-
-void PulseConnection::OnChange(pa_context*, pa_subscription_event_type_t event, uint32_t index, void* self) {
-    const auto* const connection = static_cast<PulseConnection*>(self);
-    if (connection->events_.Changed) connection->events_.Changed(event, index);
 }
 
 }  // namespace tdkplay

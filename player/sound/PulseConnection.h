@@ -3,21 +3,14 @@
 
 #include <pulse/pulseaudio.h>
 
-#include <cstdint>
 #include <functional>
 #include <memory>
+#include <utility>
 
 namespace tdkplay {
 
 class PulseConnection {
 public:
-    // What the connection reports: on its own thread, with its lock held.
-    struct Events {
-        std::function<void()> Lost;
-        // Devices came, went or changed, or another one is the default.
-        std::function<void(pa_subscription_event_type_t event, uint32_t index)> Changed;
-    };
-
     // Null if there is no server. Never starts one.
     static std::unique_ptr<PulseConnection> Open();
     // What was made on the connection must have gone before.
@@ -47,8 +40,9 @@ public:
     void Await(pa_operation* operation) const;
     // A reply is not waited for: the server carries requests out in order.
     static void Forget(pa_operation* operation);
-    // From now on. A connection that is lost already isn't told.
-    void Report(Events events);
+    // Calls this when the connection is lost, on its own thread, with its lock held. One that is lost already isn't
+    // told.
+    void ReportLoss(std::function<void()> lost) { lost_ = std::move(lost); }
 
     // Ends the thread: nothing is called back any more, and what was made on the connection can be taken down without
     // the lock. For whoever takes it down, and without the lock.
@@ -59,11 +53,10 @@ private:
     bool Start();
     bool Connect();
     static void OnState(pa_context* context, void* self);
-    static void OnChange(pa_context* context, pa_subscription_event_type_t event, uint32_t index, void* self);
 
     pa_threaded_mainloop* loop_ = nullptr;
     pa_context* context_ = nullptr;
-    Events events_;
+    std::function<void()> lost_;
 };
 
 }  // namespace tdkplay

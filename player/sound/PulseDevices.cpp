@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "player/base/Joined.h"
+
 namespace tdkplay {
 namespace {
 
@@ -59,10 +61,10 @@ std::optional<PulseDevice> FindPulseDevice(const std::vector<PulseDevice>& devic
 }
 
 std::string PulseDeviceNames(const std::vector<PulseDevice>& devices, bool withInputs) {
-    std::string text;
+    std::vector<std::string> names;
     for (const PulseDevice& device : devices)
-        if (device.IsOutput || withInputs) text += (text.empty() ? "" : ", ") + device.Name;
-    return text.empty() ? "none" : text;
+        if (device.IsOutput || withInputs) names.push_back(device.Name);
+    return names.empty() ? "none" : Joined(names, ", ");
 }
 
 }  // namespace tdkplay

@@ -2,13 +2,13 @@
 // measure, down to the loudspeaker.
 #pragma once
 
+#include <algorithm>
 #include <atomic>
 #include <memory>
-#include <optional>
 #include <string>
 
 #include "player/sound/AudioOutput.h"
-#include "player/sound/PulseDeviceWatch.h"
+#include "player/sound/PulseStream.h"
 
 namespace tdkplay {
 
@@ -16,59 +16,45 @@ inline constexpr char kPulseName[] = "pulse";
 
 // Without a chosen device it goes where the default goes, and while the chosen one isn't there, too: the server moves
 // the stream, or this object asks it to.
-class PulseOutput final : public AudioOutput {
+class PulseOutput final : public AudioOutput, private PulseStream {
 public:
     // Null if there is no server, or it doesn't take the format. Never starts a server. Throws PlayerError with
     // kNoSound if the server hasn't the device that it must have.
     static std::unique_ptr<AudioOutput> Open(const OutputRequest& request, const PcmFormat& format, HANDLE wake);
-    ~PulseOutput() override;
+    ~PulseOutput() override { Stop(); }
 
-    const char* Name() const override { return kPulseName; }
     std::string DeviceName() override;
     size_t Room() override;
     uint32_t WaitForRoom() override { return INFINITE; }
     void Write(const int16_t* samples, size_t frames) override;
-    double Latency() override;
-    void SetLead(double seconds) override;
+    double Latency() override { return std::max(SignedLatency(), 0.0); }
+    void SetLead(double seconds) override { SetBuffering(Buffering(seconds)); }
     double LargestLatency() const override { return kHiddenLead + kLargestExtraLatency; }
     void SetPaused(bool paused) override;
     void Flush() override;
     void BeginDrain() override;
-    bool IsDrained() override { return drained_ || failed_; }
+    bool IsDrained() override { return drained_ || IsBroken(); }
     uint32_t WaitForDrain() override { return INFINITE; }
-    bool HasFailed() override { return failed_; }
+    bool HasFailed() override { return IsBroken(); }
     bool TakeMoved() override { return moved_.exchange(false); }
 
 private:
     // What a server or a wireless loudspeaker may add to the lead, in seconds.
     static constexpr double kLargestExtraLatency = 0.5;
 
-    PulseOutput(const PcmFormat& format, HANDLE wake);
+    PulseOutput(const PcmFormat& format, HANDLE wake) : PulseStream(format, wake) {}
     bool Connect(const OutputRequest& request);
-    void Watch(const std::string& chosen, const std::string& defaultOutput);
     bool ConnectStream(const std::string& device);
     pa_buffer_attr Buffering(double lead) const;
-    // With the lock held, as those below.
+    // With the lock held.
     std::string CurrentDevice() const;
     void MoveTo(const std::string& device);
-    void Fail();
 
-    static void OnStreamState(pa_stream* stream, void* self);
-    static void OnRoom(pa_stream* stream, size_t bytes, void* self);
     static void OnMoved(pa_stream* stream, void* self);
     static void OnDrained(pa_stream* stream, int success, void* self);
 
-    const PcmFormat format_;
-    const HANDLE wake_;
-    std::atomic<bool> ready_ = false;  // from here on a broken connection is a failure to tell
-    std::atomic<bool> failed_ = false;
     std::atomic<bool> moved_ = false;
     std::atomic<bool> drained_ = false;
-
-    // Used under the connection's lock, whose thread calls the functions above.
-    std::unique_ptr<PulseConnection> connection_;
-    std::optional<PulseDeviceWatch> watch_;
-    pa_stream* stream_ = nullptr;
 };
 
 }  // namespace tdkplay

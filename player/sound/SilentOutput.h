@@ -14,7 +14,6 @@ class SilentOutput : public AudioOutput {
 public:
     explicit SilentOutput(const PcmFormat& format);
 
-    const char* Name() const override { return kSilentName; }
     size_t Room() override;
     uint32_t WaitForRoom() override;
     void Write(const int16_t* samples, size_t frames) override;

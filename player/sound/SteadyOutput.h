@@ -15,7 +15,6 @@ public:
     // Begins with `first`, and with a search if that has no device. `open` as in DeviceSearch.
     SteadyOutput(std::unique_ptr<AudioOutput> first, OpenFunction open, const PcmFormat& format, HANDLE wake);
 
-    const char* Name() const override { return Inner()->Name(); }
     std::string DeviceName() override { return Inner()->DeviceName(); }
     size_t Room() override { return Inner()->Room(); }
     uint32_t WaitForRoom() override { return Inner()->WaitForRoom(); }

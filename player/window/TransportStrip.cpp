@@ -3,7 +3,7 @@
 #include <cmath>
 #include <utility>
 
-#include "player/window/ClockText.h"
+#include "player/base/ClockText.h"
 
 namespace tdkplay {
 namespace {

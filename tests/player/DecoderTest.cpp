@@ -4,9 +4,11 @@
 
 #include <algorithm>
 #include <complex>
+#include <span>
 
 #include "player/base/ExitCode.h"
 #include "player/sound/DemoPiece.h"
+#include "player/sound/DemoVoices.h"
 #include "tests/player/TestFiles.h"
 
 namespace tdkplay {
@@ -92,8 +94,8 @@ TEST(Decoder, GoesOnFromWhereItWasSentTo) {
     ASSERT_TRUE(WriteSines(path, SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 44100, 2, 1.0));
     for (const std::string& source : {path, std::string()}) {
         SCOPED_TRACE(source.empty() ? "demo piece" : source);
+        const std::vector<int16_t> all = ReadAll(*OpenDecoder(source), 1024);
         const auto decoder = OpenDecoder(source);
-        const std::vector<int16_t> all = ReadAll(*decoder, 1024);
         for (const uint64_t frame :
              {uint64_t{12345}, uint64_t{0}, decoder->TotalFrames() - 10, decoder->TotalFrames()}) {
             ASSERT_TRUE(decoder->Seek(frame));
@@ -128,6 +130,31 @@ TEST(DemoPiece, IsTheSameStereoMusicEachTimeAndComesBackFromItsFile) {
         }
         EXPECT_GT(std::sqrt(power / kDemoFormat.Rate), 700.0) << begin / second;
         EXPECT_GT(difference / kDemoFormat.Rate, 100.0) << "left and right differ in second " << begin / second;
+    }
+}
+
+TEST(DemoPiece, SoundsAreTheSameInWhateverPiecesTheyAreMade) {
+    struct Case {
+        const char* Name;
+        std::unique_ptr<Voice> (*Make)();
+        double Tolerance;  // what changes slowly stands still within a piece
+    };
+    const Case cases[] = {
+        {"kick", [] { return MakeKick(); }, 1e-7},
+        {"bass", [] { return MakeBass(0.25, 33); }, 1e-7},
+        {"pad", [] { return MakePad(20.0, 2.4, 57, 0.0022, 1.0); }, 1e-4},
+        {"pluck", [] { return MakePluck(83, 0.5); }, 1e-6},
+    };
+    for (const Case& test : cases) {
+        SCOPED_TRACE(test.Name);
+        std::vector<double> whole(1000), pieces(1000);
+        test.Make()->Fill(0.01, whole);
+        const auto voice = test.Make();
+        for (size_t at = 0, size = 1; at < pieces.size(); at += size, size = size % 100 + 37) {
+            const std::span<double> rest = std::span(pieces).subspan(at);
+            voice->Fill(0.01 + static_cast<double>(at) / kDemoRate, rest.first(std::min(size, rest.size())));
+        }
+        for (size_t i = 0; i < whole.size(); ++i) ASSERT_NEAR(pieces[i], whole[i], test.Tolerance) << i;
     }
 }
 
