@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "src/host/CopyText.h"
 #include "src/plugins/PluginList.h"
 #include "src/plugins/VizPlugin.h"
 
@@ -171,12 +172,7 @@ HRESULT CViz::Hide() {
 
 HRESULT CViz::GetCurrentPlugin(char* path, uint32_t size) {
     CVizPlugin* plugin = CurrentPlugin;
-    if (!plugin || !path) return E_FAIL;
-    const char* current = plugin->GetPath();
-    const size_t needed = std::strlen(current) + 1;
-    if (needed > size) return E_FAIL;
-    std::memcpy(path, current, needed);
-    return S_OK;
+    return plugin && CopyText(plugin->GetPath(), path, size) ? S_OK : E_FAIL;
 }
 
 HRESULT CViz::SelectPlugin(const char* path) {

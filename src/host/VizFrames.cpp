@@ -1,8 +1,8 @@
 // The view's output window, from its making to its end, and the frames that go there.
-#include "src/host/ThreadLimits.h"
 #include "src/host/Viz.h"
 #include "src/plugins/VizPlugin.h"
 #include "src/render/DDVizWindow.h"
+#include "src/support/ThreadLimits.h"
 
 namespace tdkviz {
 
@@ -15,11 +15,6 @@ constexpr int32_t kFrameBitsPerPixel = 32;
 // ---- The output window, on the worker thread
 
 void CViz::MakeWindow(bool useDirectDraw) {
-    {
-        std::unique_ptr<CVizWindow> old;
-        const MutexLock lock(&StateLock);
-        old.reset(Window.Exchange(nullptr));
-    }
     std::unique_ptr<CVizWindow> window;
     if (useDirectDraw) {
         window = std::make_unique<CDDVizWindow>(Module, ParentWindow);

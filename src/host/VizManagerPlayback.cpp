@@ -1,5 +1,4 @@
 // The manager's side of the player: starting and stopping with it.
-#include <cmath>
 #include <cstdlib>
 #include <string>
 
@@ -66,7 +65,7 @@ void CVizManager::StartVisualization() {
 }
 
 void CVizManager::StopVisualization() {
-    if (CVizTimer* timer = FindTimer()) timer->Stop(true);
+    if (CVizTimer* timer = FindTimer()) timer->Stop();
     for (const RefPtr<CViz>& view : CopyViews()) view->SetActive(false);
 }
 

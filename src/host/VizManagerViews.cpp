@@ -1,7 +1,4 @@
 // The manager's views and the frame cycle.
-#include <algorithm>
-#include <cstring>
-
 #include "src/host/VizManager.h"
 #include "src/plugins/PluginList.h"
 #include "src/render/EffectRandomizer.h"
