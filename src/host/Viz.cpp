@@ -101,10 +101,7 @@ void CViz::ShowWindowOf(CVizWindow& window, int32_t width, int32_t height) {
         ShowPending = false;
     }
     CVizPlugin* plugin = CurrentPlugin;
-    if (plugin && plugin->GetRenderMode() == kRenderToWindow) {
-        MPAVizWindowRecord record = RecordOf(window.GetWindowHandle());
-        plugin->SetWindow(&record);
-    }
+    if (plugin && plugin->GetRenderMode() == kRenderToWindow) GiveWindow(*plugin, window.GetWindowHandle());
 }
 
 bool CViz::MakeRotateButton(int32_t width, int32_t height) {
@@ -163,10 +160,7 @@ HRESULT CViz::Hide() {
     ShowWindow(window->GetWindowHandle(), SW_HIDE);
     window->SetShown(false);
     CVizPlugin* plugin = CurrentPlugin;
-    if (plugin && plugin->GetRenderMode() == kRenderToWindow) {
-        MPAVizWindowRecord none = RecordOf(nullptr);
-        plugin->SetWindow(&none);
-    }
+    if (plugin && plugin->GetRenderMode() == kRenderToWindow) GiveWindow(*plugin, nullptr);
     return S_OK;
 }
 

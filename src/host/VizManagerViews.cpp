@@ -82,6 +82,7 @@ HRESULT CVizManager::DestroyVizWindow(IMPAVizWindow* view) {
     // The worker can't wait for itself; without a worker there is no window.
     const bool canWait = Worker.IsRunning() && !Worker.IsWorkerThread();
     const bool destroyed = canWait && known->WaitForDestruction();
+    if (!Worker.IsRunning()) known->ForgetOwner();
     RefPtr<CViz> tables;
     {
         const MutexLock lock(&ViewsLock);
@@ -136,6 +137,7 @@ void CVizManager::ReleaseRemainingViews() {
         if (Views.Remove(reinterpret_cast<uintptr_t>(static_cast<IMPAVizWindow*>(view.Get())))) view->Release();
     }
     // Only a worker that had to be terminated leaves any of these.
+    for (const RefPtr<CViz>& view : retired_) view->ForgetOwner();
     retired_.clear();
 }
 
