@@ -6,6 +6,20 @@
 
 namespace tdkviz {
 
+void CVizManager::TakePlayer(IUnknown* hostContext) {
+    Player = QueryFor<ITKPlayer>(hostContext, kIID_ITKPlayer);
+    ReadAudioSyncFactor(GetEngine());
+}
+
+// Without a player nothing has used the processor that stands, and it had no host to get audio from.
+void CVizManager::TakeContext(IUnknown* hostContext) {
+    AudioProcessor = std::make_unique<CVizAudioProcessor>(hostContext);
+    AudioProcessor->Attach();
+    TakePlayer(hostContext);
+    RegisterObservers();
+    if (HasViews()) StartIfUnderWay();
+}
+
 ITKPlaybackEngine* CVizManager::GetEngine() const {
     return Player ? static_cast<ITKPlaybackEngine*>(Player->GetPlaybackEngine()) : nullptr;
 }
@@ -55,6 +69,13 @@ CVizTimer& CVizManager::EnsureTimer() {
         Timer->SetPeriod(FramePeriod);
     }
     return *Timer;
+}
+
+// For what comes during playback.
+void CVizManager::StartIfUnderWay() {
+    ITKPlaybackEngine* engine = GetEngine();
+    const uint32_t state = engine ? engine->GetState() : 0;
+    if ((state == kEngineStatePaused || state == kEngineStatePlaying) && CanVisualize()) StartVisualization();
 }
 
 void CVizManager::StartVisualization() {

@@ -61,9 +61,7 @@ HRESULT CVizManager::CreateVizWindow(IMPAVizWindow** view, uint32_t* parent) {
     Worker.RequestMakeWindows();
     *view = made;
     if (only) RegisterObservers();
-    ITKPlaybackEngine* engine = GetEngine();
-    const uint32_t state = engine ? engine->GetState() : 0;
-    if ((state == kEngineStatePaused || state == kEngineStatePlaying) && CanVisualize()) StartVisualization();
+    StartIfUnderWay();
     return S_OK;
 }
 
