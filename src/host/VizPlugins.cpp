@@ -9,6 +9,8 @@ namespace tdkviz {
 
 bool CViz::ChangePlugin(CVizPlugin* plugin) {
     if (!plugin) return CurrentPlugin == nullptr;
+    // Without the lock: it may hang in a frame.
+    if (plugin == CurrentPlugin && plugin->IsReady() && IsConnected(*plugin)) return true;
     CVizPlugin* old = nullptr;
     plugin->LockPlugin();
     const bool isTaken = TakePlugin(*plugin, old);

@@ -160,7 +160,7 @@ private:
     std::atomic<bool> ready_{false};  // calls are forwarded
     std::atomic<bool> withdrawn_{false};
     std::atomic<bool> hasWindow_{false};
-    Relaxed<uint32_t> loadCount_;
+    Relaxed<uint32_t> loadCount_;    // written under the lock
     std::atomic<int32_t> calls_{0};  // forwarded calls under way
     bool abandoned_ = false;         // left in memory by Retire
 };
