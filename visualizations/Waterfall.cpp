@@ -19,8 +19,11 @@ using viz::Color;
 
 constexpr int kColumns = 512;
 constexpr int kRows = 512;
-constexpr char kColorsValue[] = "Colours";
-constexpr char kPaceValue[] = "Pace";
+constexpr char kColorsValue[] = "Waterfall Colours";
+constexpr char kPaceValue[] = "Waterfall Pace";
+// What they were called before; read, but not written.
+constexpr char kOldColorsValue[] = "Colours";
+constexpr char kOldPaceValue[] = "Pace";
 constexpr std::array<float, 3> kPaces = {0.6F, 1, 2};  // rows of a picture of 240 each frame
 
 const std::vector<viz::ChoiceGroup> kChoices = {{"Colours", {"Ember", "Sea", "Orchid"}},
@@ -41,8 +44,9 @@ public:
     }
     HRESULT SetPreferences(IKVAPreferences* preferences) override {
         preferences_ = viz::Preferences(preferences);
-        colors_ = preferences_.Read(kColorsValue, 0, std::size(kPalettes));
-        pace_ = preferences_.Read(kPaceValue, 1, kPaces.size());
+        const size_t colors = std::size(kPalettes);
+        colors_ = preferences_.Read(kColorsValue, preferences_.Read(kOldColorsValue, 0, colors), colors);
+        pace_ = preferences_.Read(kPaceValue, preferences_.Read(kOldPaceValue, 1, kPaces.size()), kPaces.size());
         return S_OK;
     }
     HRESULT Configure(MPAVizWindowRecord*) override {

@@ -51,7 +51,7 @@ struct IMPAVisualization2 : IUnknown {
     virtual HRESULT GetInfo(char* name, char* creator, char* description) = 0;
     // Stores a VizEffectMask and whether Draw reads the spectrum; sets properties. [load] [borrowed]
     virtual HRESULT GetCapabilities(uint32_t* effectMask, bool* wantsSpectrum, IKVAValues* properties) = 0;
-    // Take a reference to keep it. [load]
+    // The store that all plug-ins share; take a reference to keep it. [load]
     virtual HRESULT SetPreferences(IKVAPreferences* preferences) = 0;
     // Shows the plug-in's own dialog with this parent. Only if it said "SupportConfigure". [host]
     virtual HRESULT Configure(MPAVizWindowRecord* parent) = 0;
@@ -86,8 +86,10 @@ struct IMPAVisualization : IUnknown {
     virtual HRESULT Configure(HWND parent) = 0;
 };
 
-// Optional, asked of an IMPAVisualization2 right before it is unloaded.
+// Optional, asked of an IMPAVisualization2 that is about to be unloaded. The last call before the final Release, which
+// comes on the add-on's worker in window mode if there is a window.
 struct IMPAVisualizationClose : IUnknown {
+    // Not during DrawToWindow, nor is the SetWindow before it, unless that frame takes more than two seconds. [any]
     virtual HRESULT Close() = 0;
 };
 

@@ -30,7 +30,7 @@ struct IKVAValues : IUnknown {
     virtual HRESULT GetNextTextValue(const char** key, IKVABuffer** text) = 0;
 };
 
-// [any]
+// One store for all plug-ins of a user: let names begin with the plug-in's own, "Waterfall Colours". [any]
 struct IKVAPreferences : IUnknown {
     // The stored text as a buffer with its terminator [counted]. E_INVALIDARG for a null name, E_FAIL if
     // there is no such text; `buffer` is null then.

@@ -1,6 +1,6 @@
 #include "src/host/FrameWorker.h"
 
-#include "src/host/ThreadLimits.h"
+#include "src/support/ThreadLimits.h"
 
 namespace tdkviz {
 
@@ -37,17 +37,15 @@ HRESULT FrameWorker::Start() {
     return S_OK;
 }
 
-bool FrameWorker::Stop() {
+void FrameWorker::Stop() {
     const MutexLock lock(&controlLock_);
     // Taken out first: what is served during the wait may come here again.
     const Handle thread = std::move(WorkerThread);
-    bool ended = true;
     if (thread) {
         SetEvent(WorkerEvents[kStop].Get());
-        ended = EndThreadInTime(thread.Get());
+        EndThreadInTime(thread.Get());
     }
     ClearThread();
-    return ended;
 }
 
 void FrameWorker::RunFrameAndWait() {

@@ -39,8 +39,8 @@ public:
 
     // S_OK if the thread stands; E_FAIL if it didn't report ready in time and was terminated. [host]
     HRESULT Start();
-    // Ends the thread, by force if it doesn't end in time. True if there was no need for force. [host]
-    bool Stop();
+    // Ends the thread, by force if it doesn't end in time. [host]
+    void Stop();
 
     bool IsRunning() const { return WorkerRunning; }
     bool IsWorkerThread() const { return WorkerRunning && GetCurrentThreadId() == WorkerThreadId; }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "src/host/CopyText.h"
 #include "src/plugins/PluginList.h"
 #include "src/plugins/VizPlugin.h"
 
@@ -100,10 +101,7 @@ void CViz::ShowWindowOf(CVizWindow& window, int32_t width, int32_t height) {
         ShowPending = false;
     }
     CVizPlugin* plugin = CurrentPlugin;
-    if (plugin && plugin->GetRenderMode() == kRenderToWindow) {
-        MPAVizWindowRecord record = RecordOf(window.GetWindowHandle());
-        plugin->SetWindow(&record);
-    }
+    if (plugin && plugin->GetRenderMode() == kRenderToWindow) GiveWindow(*plugin, window.GetWindowHandle());
 }
 
 bool CViz::MakeRotateButton(int32_t width, int32_t height) {
@@ -162,21 +160,13 @@ HRESULT CViz::Hide() {
     ShowWindow(window->GetWindowHandle(), SW_HIDE);
     window->SetShown(false);
     CVizPlugin* plugin = CurrentPlugin;
-    if (plugin && plugin->GetRenderMode() == kRenderToWindow) {
-        MPAVizWindowRecord none = RecordOf(nullptr);
-        plugin->SetWindow(&none);
-    }
+    if (plugin && plugin->GetRenderMode() == kRenderToWindow) GiveWindow(*plugin, nullptr);
     return S_OK;
 }
 
 HRESULT CViz::GetCurrentPlugin(char* path, uint32_t size) {
     CVizPlugin* plugin = CurrentPlugin;
-    if (!plugin || !path) return E_FAIL;
-    const char* current = plugin->GetPath();
-    const size_t needed = std::strlen(current) + 1;
-    if (needed > size) return E_FAIL;
-    std::memcpy(path, current, needed);
-    return S_OK;
+    return plugin && CopyText(plugin->GetPath(), path, size) ? S_OK : E_FAIL;
 }
 
 HRESULT CViz::SelectPlugin(const char* path) {

@@ -9,6 +9,8 @@
 //  3. StateLock is never held across a call into a plug-in or a receiver, nor across a call that waits
 //     for another thread.
 //  4. At most one plug-in lock is held at a time, so two views that trade plug-ins can't block each other.
+//  5. A plug-in's object gets no frame of this view before it has got the view's SetActive and, in window mode, its
+//     window. Another view may have it unloaded and loaded anew meanwhile, and may take the window away.
 #pragma once
 
 #include <windows.h>
@@ -96,7 +98,7 @@ public:
     void DestroyOutput();
     // Set by whoever has called DestroyOutput and let go of the view.
     std::shared_ptr<Handle> GetOutputGone() const { return OutputGone; }
-    // The manager goes before the view: nothing of it is used from here on.
+    // The view has ended, or the manager goes before it: nothing of the manager's is used from here on.
     void ForgetOwner();
     bool WantsSpectrum() const;
     void Blank();
@@ -108,6 +110,12 @@ private:
     ~CViz();
 
     using ReceiverQueue = std::list<IUnknown*>;
+    // What has been said to which object.
+    struct Connection {
+        CVizPlugin* Plugin = nullptr;
+        uint32_t LoadCount = 0;
+        HWND Window = nullptr;  // null in buffer mode, and while the view is hidden
+    };
 
     static MPAVizWindowRecord RecordOf(HWND window);
     bool MakeRotateButton(int32_t width, int32_t height);
@@ -115,20 +123,27 @@ private:
     void ShowWindowOf(CVizWindow& window, int32_t width, int32_t height);
     void RunPlugin(CVizPlugin& plugin, CVizWindow& window, VizAnalysisFrame& frame);
     void RunEffects(CVizPlugin& plugin, CVizWindow& window);
-    void MakePluginCurrent(CVizPlugin& plugin);
-    void ReleasePlugin(CVizPlugin& plugin);
+    // These four with the plug-in's lock held.
+    bool TakePlugin(CVizPlugin& plugin, CVizPlugin*& old);
     void ConnectPlugin(CVizPlugin& plugin);
-    bool ReviveCurrentPlugin(CVizPlugin& plugin);
+    void RevivePlugin(CVizPlugin& plugin);
+    bool IsReadyForFrames(CVizPlugin& plugin);
+    bool IsConnected(const CVizPlugin& plugin) const;
+    void GiveWindow(CVizPlugin& plugin, HWND window);
+    HWND GivenWindow(const CVizPlugin& plugin) const;
+    void ReleasePlugin(CVizPlugin& plugin);
+    bool PostUnload(CVizPlugin& plugin);
     void UnloadWaitingPlugins(HWND window);
 
     Relaxed<CVizWindow*> Window;  // owned; published and withdrawn under StateLock
-    Relaxed<VizOwner*> Owner;     // null once the manager has gone
+    Relaxed<VizOwner*> Owner;     // null once the view has ended
     const HWND ParentWindow;
     const HMODULE Module;
-    ReceiverQueue ClickQueue;       // guarded by StateLock
-    ReceiverQueue RightClickQueue;  // guarded by StateLock
-    Relaxed<PluginList*> Plugins;   // null once the manager has gone
-    Relaxed<CVizPlugin*> CurrentPlugin;
+    ReceiverQueue ClickQueue;            // guarded by StateLock
+    ReceiverQueue RightClickQueue;       // guarded by StateLock
+    Relaxed<PluginList*> Plugins;        // null once the view has ended
+    Relaxed<CVizPlugin*> CurrentPlugin;  // null once the view has ended; set under StateLock
+    Connection connection_;              // guarded by StateLock
     RefCount References;
     Relaxed<uint32_t> Flags = 0u;
     Relaxed<VizEffectParams*> Effects;

@@ -1,8 +1,8 @@
 // The view's output window, from its making to its end, and the frames that go there.
-#include "src/host/ThreadLimits.h"
 #include "src/host/Viz.h"
 #include "src/plugins/VizPlugin.h"
 #include "src/render/DDVizWindow.h"
+#include "src/support/ThreadLimits.h"
 
 namespace tdkviz {
 
@@ -15,11 +15,6 @@ constexpr int32_t kFrameBitsPerPixel = 32;
 // ---- The output window, on the worker thread
 
 void CViz::MakeWindow(bool useDirectDraw) {
-    {
-        std::unique_ptr<CVizWindow> old;
-        const MutexLock lock(&StateLock);
-        old.reset(Window.Exchange(nullptr));
-    }
     std::unique_ptr<CVizWindow> window;
     if (useDirectDraw) {
         window = std::make_unique<CDDVizWindow>(Module, ParentWindow);
@@ -44,6 +39,8 @@ void CViz::MakeWindow(bool useDirectDraw) {
     }
     if (showNow) Show(width, height);
     NeedsWindow = false;
+    // Taken back while its end was on the way to another view's window, when this one had none.
+    if (CVizPlugin* plugin = CurrentPlugin; plugin && plugin->IsWithdrawn()) UnloadPlugin(plugin);
 
     const MutexLock lock(&StateLock);
     for (; !ClickQueue.empty(); ClickQueue.pop_front()) Window->AddClickReceiver(ClickQueue.front());
@@ -60,11 +57,11 @@ void CViz::DestroyOutput() {
         window.reset(Window);
         Window = nullptr;
     }
+    // Another view that shows the plug-in gives it its own window at the next frame.
+    if (CVizPlugin* plugin = CurrentPlugin; plugin && GivenWindow(*plugin)) GiveWindow(*plugin, nullptr);
+    ForgetOwner();
     if (window) {
         UnloadWaitingPlugins(window->GetWindowHandle());
-        CVizPlugin* plugin = CurrentPlugin;
-        MPAVizWindowRecord none = RecordOf(nullptr);
-        if (plugin && plugin->GetRenderMode() == kRenderToWindow) plugin->SetWindow(&none);
         window->Destroy();
     }
     DestroyRotateButton(false);
@@ -80,6 +77,7 @@ void CViz::UnloadWaitingPlugins(HWND window) {
 }
 
 void CViz::ForgetOwner() {
+    const MutexLock lock(&StateLock);
     CurrentPlugin = nullptr;
     Effects = nullptr;
     Plugins = nullptr;
@@ -107,7 +105,12 @@ void CViz::SetActive(bool active) {
 
 bool CViz::WantsSpectrum() const {
     CVizPlugin* plugin = CurrentPlugin;
-    return Visible && Active && plugin && Window && plugin->GetWantsSpectrum();
+    if (!Visible || !Active || !plugin || !Window) return false;
+    // The question would load one that another view has unloaded.
+    plugin->LockPlugin();
+    const bool wants = plugin->IsReady() && plugin->GetWantsSpectrum();
+    plugin->UnlockPlugin();
+    return wants;
 }
 
 void CViz::DrawFrame(VizAnalysisFrame& frame) {
@@ -116,7 +119,7 @@ void CViz::DrawFrame(VizAnalysisFrame& frame) {
     if (!Active || !plugin || !window) return;
     plugin->LockPlugin();
     window->BeginFrame();
-    if (plugin->IsReady()) RunPlugin(*plugin, *window, frame);
+    if (plugin->IsReady() && IsReadyForFrames(*plugin)) RunPlugin(*plugin, *window, frame);
     plugin->UnlockPlugin();
     // What came for the window while the plug-in painted is served here, without the plug-in's lock.
     window->EndFrame();
@@ -124,8 +127,12 @@ void CViz::DrawFrame(VizAnalysisFrame& frame) {
 
 void CViz::RunPlugin(CVizPlugin& plugin, CVizWindow& window, VizAnalysisFrame& frame) {
     if (plugin.GetRenderMode() == kRenderToWindow) {
-        MPAVizWindowRecord record = RecordOf(window.GetWindowHandle());
-        if (record.Window != 0) plugin.DrawToWindow(&record, &frame);
+        const HWND target = window.GetWindowHandle();
+        if (!target) return;
+        // Another view may have taken the plug-in's window away when it ended or was hidden.
+        if (!plugin.HasWindow() || GivenWindow(plugin) != target) GiveWindow(plugin, target);
+        MPAVizWindowRecord record = RecordOf(target);
+        plugin.DrawToWindow(&record, &frame);
         return;
     }
     if (!window.GetFrontPixels()) return;

@@ -34,8 +34,7 @@ CVizManager::CVizManager(HMODULE module, IUnknown* hostContext, ManagerOwner* ow
     SetNeutralEffects(RandomEffects);
     LoadStoredSettings();
     ApplyFrameRate(FrameRate);
-    Player = QueryFor<ITKPlayer>(hostContext, kIID_ITKPlayer);
-    ReadAudioSyncFactor(GetEngine());
+    TakePlayer(hostContext);
 }
 
 CVizManager::~CVizManager() {

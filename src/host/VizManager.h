@@ -130,6 +130,8 @@ public:
     CVizPlugin* FindPlugin(const char* path) override;
 
     // For the component. [host]
+    // The context of the host, for a manager that was made without one: from here on it plays and is observed.
+    void TakeContext(IUnknown* hostContext);
     void EnsurePluginList();
     VizEffectParams* CurrentEffects();
     void RegisterObservers();
@@ -174,6 +176,8 @@ private:
     void FillPluginsByPath();
     bool TellListReceivers(HRESULT (IMPAListReceiver::*news)(const char*), const CVizPlugin& plugin) const;
 
+    void TakePlayer(IUnknown* hostContext);
+    void StartIfUnderWay();
     ITKPlaybackEngine* GetEngine() const;
     bool CanVisualize() const;
     void ReadAudioSyncFactor(IUnknown* engine);

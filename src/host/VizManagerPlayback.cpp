@@ -1,11 +1,24 @@
 // The manager's side of the player: starting and stopping with it.
-#include <cmath>
 #include <cstdlib>
 #include <string>
 
 #include "src/host/VizManager.h"
 
 namespace tdkviz {
+
+void CVizManager::TakePlayer(IUnknown* hostContext) {
+    Player = QueryFor<ITKPlayer>(hostContext, kIID_ITKPlayer);
+    ReadAudioSyncFactor(GetEngine());
+}
+
+// Without a player nothing has used the processor that stands, and it had no host to get audio from.
+void CVizManager::TakeContext(IUnknown* hostContext) {
+    AudioProcessor = std::make_unique<CVizAudioProcessor>(hostContext);
+    AudioProcessor->Attach();
+    TakePlayer(hostContext);
+    RegisterObservers();
+    if (HasViews()) StartIfUnderWay();
+}
 
 ITKPlaybackEngine* CVizManager::GetEngine() const {
     return Player ? static_cast<ITKPlaybackEngine*>(Player->GetPlaybackEngine()) : nullptr;
@@ -58,6 +71,13 @@ CVizTimer& CVizManager::EnsureTimer() {
     return *Timer;
 }
 
+// For what comes during playback.
+void CVizManager::StartIfUnderWay() {
+    ITKPlaybackEngine* engine = GetEngine();
+    const uint32_t state = engine ? engine->GetState() : 0;
+    if ((state == kEngineStatePaused || state == kEngineStatePlaying) && CanVisualize()) StartVisualization();
+}
+
 void CVizManager::StartVisualization() {
     // The worker may be in the middle of a frame: it zeroes the record itself, before it reads audio again.
     clearFrame_ = true;
@@ -66,7 +86,7 @@ void CVizManager::StartVisualization() {
 }
 
 void CVizManager::StopVisualization() {
-    if (CVizTimer* timer = FindTimer()) timer->Stop(true);
+    if (CVizTimer* timer = FindTimer()) timer->Stop();
     for (const RefPtr<CViz>& view : CopyViews()) view->SetActive(false);
 }
 

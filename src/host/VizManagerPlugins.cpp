@@ -1,23 +1,16 @@
 // The manager's side of the plug-in list.
 #include <cstring>
 
-#include "src/host/ThreadLimits.h"
+#include "src/host/CopyText.h"
 #include "src/host/VizManager.h"
 #include "src/plugins/DirectoryWatcher.h"
 #include "src/plugins/PluginList.h"
 #include "src/plugins/VizPlugin.h"
+#include "src/support/ThreadLimits.h"
 
 namespace tdkviz {
 
 namespace {
-
-// Copies a text with its terminator, if it fits.
-bool CopyText(const char* text, char* out, uint32_t size) {
-    const size_t needed = std::strlen(text) + 1;
-    if (!out || needed > size) return false;
-    std::memcpy(out, text, needed);
-    return true;
-}
 
 bool Fits(const char* text, uint32_t size) {
     return std::strlen(text) < size;

@@ -1,7 +1,4 @@
 // The manager's views and the frame cycle.
-#include <algorithm>
-#include <cstring>
-
 #include "src/host/VizManager.h"
 #include "src/plugins/PluginList.h"
 #include "src/render/EffectRandomizer.h"
@@ -64,9 +61,7 @@ HRESULT CVizManager::CreateVizWindow(IMPAVizWindow** view, uint32_t* parent) {
     Worker.RequestMakeWindows();
     *view = made;
     if (only) RegisterObservers();
-    ITKPlaybackEngine* engine = GetEngine();
-    const uint32_t state = engine ? engine->GetState() : 0;
-    if ((state == kEngineStatePaused || state == kEngineStatePlaying) && CanVisualize()) StartVisualization();
+    StartIfUnderWay();
     return S_OK;
 }
 
@@ -85,6 +80,7 @@ HRESULT CVizManager::DestroyVizWindow(IMPAVizWindow* view) {
     // The worker can't wait for itself; without a worker there is no window.
     const bool canWait = Worker.IsRunning() && !Worker.IsWorkerThread();
     const bool destroyed = canWait && known->WaitForDestruction();
+    if (!Worker.IsRunning()) known->ForgetOwner();
     RefPtr<CViz> tables;
     {
         const MutexLock lock(&ViewsLock);
@@ -139,6 +135,7 @@ void CVizManager::ReleaseRemainingViews() {
         if (Views.Remove(reinterpret_cast<uintptr_t>(static_cast<IMPAVizWindow*>(view.Get())))) view->Release();
     }
     // Only a worker that had to be terminated leaves any of these.
+    for (const RefPtr<CViz>& view : retired_) view->ForgetOwner();
     retired_.clear();
 }
 

@@ -9,77 +9,122 @@ namespace tdkviz {
 
 bool CViz::ChangePlugin(CVizPlugin* plugin) {
     if (!plugin) return CurrentPlugin == nullptr;
-    // Another view may have unloaded it for all.
-    if (plugin == CurrentPlugin) return plugin->IsReady() || ReviveCurrentPlugin(*plugin);
-    // One that was found not to be loadable counts as loaded, but never becomes current.
-    if (!plugin->MakeReady()) return false;
-    MakePluginCurrent(*plugin);
-    return true;
-}
-
-bool CViz::ReviveCurrentPlugin(CVizPlugin& plugin) {
-    if (!plugin.MakeReady()) return false;
-    plugin.SetActive(Active);
-    ConnectPlugin(plugin);
-    return true;
-}
-
-void CViz::MakePluginCurrent(CVizPlugin& plugin) {
-    CVizPlugin* old = CurrentPlugin.Exchange(&plugin);
-    plugin.LockPlugin();
-    const bool loaded = plugin.IsReady();
-    if (loaded) plugin.SetActive(Active);
-    plugin.UnlockPlugin();
-    if (!loaded) {
-        CurrentPlugin.CompareExchange(&plugin, old);
-        return;
-    }
-    if (VizOwner* owner = Owner) owner->SetCurrentPlugin(plugin.GetPath());
+    // Without the lock: it may hang in a frame.
+    if (plugin == CurrentPlugin && plugin->IsReady() && IsConnected(*plugin)) return true;
+    CVizPlugin* old = nullptr;
+    plugin->LockPlugin();
+    const bool isTaken = TakePlugin(*plugin, old);
+    plugin->UnlockPlugin();
+    if (!isTaken || old == plugin) return isTaken;
+    if (VizOwner* owner = Owner) owner->SetCurrentPlugin(plugin->GetPath());
     if (old) ReleasePlugin(*old);
-    ConnectPlugin(plugin);
+    plugin->LockPlugin();
+    ConnectPlugin(*plugin);
+    plugin->UnlockPlugin();
+    return true;
+}
+
+// False if it can't be loaded: the view keeps what it has. One that was found not to be loadable counts as loaded, but
+// never becomes current.
+bool CViz::TakePlugin(CVizPlugin& plugin, CVizPlugin*& old) {
+    // A view that left it has told it to close. It starts anew behind its Unload, on the thread of the windows.
+    const bool isLeaving = plugin.IsWithdrawn();
+    if (!isLeaving && !plugin.MakeReady()) return false;
+    {
+        const MutexLock lock(&StateLock);
+        if (!Owner) return false;
+        old = CurrentPlugin.Exchange(&plugin);
+    }
+    if (isLeaving) {
+        PostUnload(plugin);
+    } else if (old == &plugin) {
+        RevivePlugin(plugin);
+    } else {
+        plugin.SetActive(Active);
+    }
+    return true;
 }
 
 void CViz::ConnectPlugin(CVizPlugin& plugin) {
-    plugin.LockPlugin();
     const bool toWindow = plugin.GetRenderMode() == kRenderToWindow;
-    MPAVizWindowRecord record = {};
+    HWND target = nullptr;
     {
         const MutexLock lock(&StateLock);
-        CVizWindow* window = Window;
         // Another thread may have changed the plug-in once more meanwhile.
-        if (window && CurrentPlugin == &plugin) {
+        if (CurrentPlugin != &plugin) return;
+        connection_ = {&plugin, plugin.GetLoadCount(), nullptr};
+        if (CVizWindow* window = Window) {
             window->SetDrawsFrames(!toWindow);
-            record = RecordOf(window->GetWindowHandle());
+            target = window->GetWindowHandle();
         }
     }
-    if (Visible && toWindow && record.Window != 0) plugin.SetWindow(&record);
-    plugin.UnlockPlugin();
+    if (Visible && toWindow && target) GiveWindow(plugin, target);
+}
+
+// Another view may have unloaded it for all, and loaded it anew.
+void CViz::RevivePlugin(CVizPlugin& plugin) {
+    if (CurrentPlugin != &plugin || !plugin.MakeReady() || IsConnected(plugin)) return;
+    plugin.SetActive(Active);
+    ConnectPlugin(plugin);
+}
+
+// False while a change of plug-in is under way, which connects it at its end.
+bool CViz::IsReadyForFrames(CVizPlugin& plugin) {
+    {
+        const MutexLock lock(&StateLock);
+        if (connection_.Plugin != &plugin) return false;
+    }
+    RevivePlugin(plugin);
+    return IsConnected(plugin);
+}
+
+bool CViz::IsConnected(const CVizPlugin& plugin) const {
+    const MutexLock lock(&StateLock);
+    return connection_.Plugin == &plugin && connection_.LoadCount == plugin.GetLoadCount();
+}
+
+void CViz::GiveWindow(CVizPlugin& plugin, HWND window) {
+    MPAVizWindowRecord record = RecordOf(window);
+    plugin.SetWindow(&record);
+    const MutexLock lock(&StateLock);
+    if (connection_.Plugin == &plugin) connection_.Window = window;
+}
+
+HWND CViz::GivenWindow(const CVizPlugin& plugin) const {
+    const MutexLock lock(&StateLock);
+    return connection_.Plugin == &plugin ? connection_.Window : nullptr;
 }
 
 void CViz::ReleasePlugin(CVizPlugin& plugin) {
-    if (plugin.GetRenderMode() != kRenderToWindow) {
-        plugin.LockPlugin();
-        if (plugin.IsLoaded()) plugin.SetActive(false);
-        plugin.UnlockPlugin();
-        if (plugin.IsLoaded()) plugin.Unload();
+    if (plugin.GetRenderMode() == kRenderToWindow) {
+        plugin.Withdraw();
+        if (!PostUnload(plugin)) UnloadPlugin(&plugin);
         return;
     }
-    MPAVizWindowRecord none = RecordOf(nullptr);
-    plugin.SetWindow(&none);
-    plugin.Close();
-    // Unloaded on the window's own thread, after whatever is on the way there.
-    HWND window = nullptr;
-    {
-        const MutexLock lock(&StateLock);
-        if (Window) window = Window->GetWindowHandle();
+    plugin.LockPlugin();
+    if (plugin.IsLoaded()) {
+        plugin.SetActive(false);
+        plugin.Unload();
     }
-    if (!window || !PostMessageA(window, kMessageUnload, reinterpret_cast<WPARAM>(&plugin), 0)) plugin.Unload();
+    // Another thread may have given it back to the view meanwhile.
+    RevivePlugin(plugin);
+    plugin.UnlockPlugin();
+}
+
+// Unloads on the window's own thread, after whatever is on the way there. False without a window.
+bool CViz::PostUnload(CVizPlugin& plugin) {
+    const MutexLock lock(&StateLock);
+    CVizWindow* window = Window;
+    const HWND handle = window ? window->GetWindowHandle() : nullptr;
+    return handle && PostMessageA(handle, kMessageUnload, reinterpret_cast<WPARAM>(&plugin), 0);
 }
 
 void CViz::UnloadPlugin(CVizPlugin* plugin) {
-    plugin->Unload();
-    // The view took it back while the message was on its way: it was told to close, and starts anew.
-    if (plugin == CurrentPlugin) ReviveCurrentPlugin(*plugin);
+    plugin->LockPlugin();
+    // Views that took it back asked for it, too: the first message does it, and each view starts it anew for itself.
+    if (plugin->IsWithdrawn()) plugin->Unload();
+    RevivePlugin(*plugin);
+    plugin->UnlockPlugin();
 }
 
 void CViz::ClearPlugin() {

@@ -43,9 +43,11 @@ void CVizTKA::MakeManager() {
 HRESULT CVizTKA::Initialize(IUnknown* context) {
     HRESULT result = E_NOINTERFACE;
     if (context) result = context->QueryInterface(kIID_IKVAClassFactory, ClassFactory.ReceiveVoid());
-    Context = context;
     // A second call leaves the manager that stands, with its views, as it is.
+    const bool isLate = Manager && !Context;
+    Context = context;
     if (!Manager) MakeManager();
+    if (isLate) Manager->TakeContext(context);
     HostContext = context;
     return result;
 }
@@ -54,6 +56,9 @@ HRESULT CVizTKA::Shutdown() {
     EndDialog();
     Manager.reset();
     ClassFactory.Reset();
+    // The host's objects may go now. Who asks for a manager all the same gets one without them.
+    if (HostContext == Context) HostContext = nullptr;
+    Context = nullptr;
     return S_OK;
 }
 

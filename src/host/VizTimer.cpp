@@ -2,18 +2,15 @@
 
 #include "src/host/FrameWorker.h"
 #include "src/host/HighResClock.h"
-#include "src/host/ThreadLimits.h"
+#include "src/support/ThreadLimits.h"
 
 namespace tdkviz {
 
 CVizTimer::CVizTimer(FrameWorker& worker)
-    : worker_(worker),
-      StopEvent(Handle::ManualResetEvent()),
-      StartedEvent(Handle::ManualResetEvent()),
-      ThreadId(kNoThreadId) {}
+    : worker_(worker), StopEvent(Handle::ManualResetEvent()), StartedEvent(Handle::ManualResetEvent()) {}
 
 CVizTimer::~CVizTimer() {
-    Stop(true);
+    Stop();
 }
 
 HRESULT CVizTimer::Start() {
@@ -22,28 +19,24 @@ HRESULT CVizTimer::Start() {
     if (Running) return S_OK;
     ResetEvent(StopEvent.Get());
     ResetEvent(StartedEvent.Get());
-    DWORD threadId = kNoThreadId;
-    Thread.Reset(CreateThread(nullptr, 0, ThreadMain, this, 0, &threadId));
+    Thread.Reset(CreateThread(nullptr, 0, ThreadMain, this, 0, nullptr));
     if (!Thread) return E_FAIL;
     if (!WaitForAnswer(StartedEvent.Get())) {
         TerminateThread(Thread.Get(), kTerminatedExitCode);
         Thread.Reset();
         return E_FAIL;
     }
-    ThreadId = threadId;
     Running = true;
     return S_OK;
 }
 
-void CVizTimer::Stop(bool wait) {
+void CVizTimer::Stop() {
     const MutexLock lock(&controlLock_);
     if (!Thread) return;
     SetEvent(StopEvent.Get());
-    if (!wait) return;
     // Taken out first: what is served during the wait may come here again.
     const Handle thread = std::move(Thread);
     EndThreadInTime(thread.Get());
-    ThreadId = kNoThreadId;
     Running = false;
 }
 
@@ -65,7 +58,6 @@ void CVizTimer::Run() {
         if (WaitForSingleObject(StopEvent.Get(), late ? 0 : static_cast<DWORD>(wait)) == WAIT_OBJECT_0) break;
         if (!late) worker_.RunFrameAndWait();
     }
-    ThreadId = kNoThreadId;
     Running = false;
 }
 

@@ -25,8 +25,8 @@ public:
 
     // S_OK if the thread stands, E_FAIL if it couldn't be made or didn't start in time. [host]
     HRESULT Start();
-    // Asks the thread to end and, if `wait`, waits for that and ends it by force if need be. [host]
-    void Stop(bool wait);
+    // Waits for the thread to end, and ends it by force if need be. [host]
+    void Stop();
 
     void SetPeriod(uint32_t milliseconds) { Period = milliseconds; }
     bool IsRunning() const { return Running; }
@@ -41,7 +41,6 @@ private:
     Handle StopEvent;     // manual-reset
     Handle StartedEvent;  // manual-reset
     Relaxed<bool> Running = false;
-    Relaxed<DWORD> ThreadId;
     KVAWinMutex controlLock_;  // one Start or Stop at a time; the timer's own thread never takes it
 };
 

@@ -13,13 +13,12 @@
 #include "src/support/Module.h"
 #include "src/support/RefPtr.h"
 #include "src/support/StringTable.h"
+#include "src/support/ThreadLimits.h"
 
 namespace tdkviz {
 namespace {
 
 constexpr DWORD kRetryPause = 100;  // milliseconds
-constexpr DWORD kEndLimit = 2000;   // milliseconds
-constexpr DWORD kTerminatedExitCode = static_cast<DWORD>(-1);
 constexpr uint32_t kFirstBuckets = 16;
 constexpr std::chrono::milliseconds kTryPause{1};
 
@@ -116,7 +115,7 @@ void DirectoryWatcher::Stop(const PluginList* list) {
 void DirectoryWatcher::EndThread(HANDLE thread) {
     stopping_ = true;
     SetEvent(WatcherStopEvent.Get());
-    if (WaitForSingleObject(thread, kEndLimit) == WAIT_OBJECT_0) return;
+    if (WaitForSingleObject(thread, kThreadAnswerLimit) == WAIT_OBJECT_0) return;
     if (StandsOutside()) {
         KeepModule(ThreadMain);
     } else {

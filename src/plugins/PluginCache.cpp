@@ -14,8 +14,6 @@
 namespace tdkviz {
 namespace {
 
-constexpr char kBaseKey[] = "Software\\Corvane\\Visualizations";
-
 bool OpenCacheKey(const CVizPlugin& plugin, RegistryKey& key) {
     const char* subKey = plugin.GetCacheKey();
     return *subKey != 0 && key.Open(HKEY_CURRENT_USER, subKey);
@@ -52,7 +50,7 @@ struct CachedTexts {
 CNQString PluginCacheKey(const char* path) {
     const char* name = FileNamePart(path);
     if (std::strlen(name) >= MAX_PATH) return CNQString();
-    return CNQString(kBaseKey) + "\\" + name;
+    return CNQString(kSettingsKey) + "\\" + name;
 }
 
 bool ReadCache(CVizPlugin& plugin) {

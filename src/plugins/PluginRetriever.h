@@ -49,8 +49,6 @@ public:
     ~CTKVPluginRetriever() override;
     void StopWatching() override;
 
-    const char* GetFolder() const { return Folder.GetText(); }
-
 private:
     // Gives the files that it found.
     std::vector<std::string> Retrieve();

@@ -7,7 +7,7 @@ namespace tdkviz {
 
 class PreferencesMaker {
 public:
-    // With one reference for the caller, or null. [load]
+    // The store that all plug-ins share, with one reference for the caller, or null. [load]
     virtual IKVAPreferences* MakePreferences() = 0;
 
 protected:

@@ -14,6 +14,7 @@
 #include "src/support/NQHeader.h"
 #include "src/support/RefPtr.h"
 #include "src/support/RegistryKey.h"
+#include "src/support/ThreadLimits.h"
 
 namespace tdkviz {
 namespace {
@@ -189,6 +190,7 @@ bool CVizPlugin::MakeReady() {
 void CVizPlugin::Unload() {
     const MutexLock hold(Lock.get());
     const bool isUnused = DropInterfaces();
+    withdrawn_ = false;
     if (!Module || !Loaded) return;
     OnUnload();
     if (isUnused) FreeLibrary(Module);
@@ -219,8 +221,12 @@ HRESULT CVizPlugin::SetActive(bool active) {
     return ForwardToTwo([&](IMPAVisualization2* held) { return held->SetActive(active ? 1 : 0); });
 }
 
+// Set before the call and cleared behind it: where two views cross, the one that lost its window gives it once more.
 void CVizPlugin::SetWindow(MPAVizWindowRecord* target) {
+    const bool isGiven = target && target->Window != 0;
+    if (isGiven) hasWindow_ = true;
     ForwardToTwo([&](IMPAVisualization2* held) { return held->SetWindow(target); });
+    if (!isGiven) hasWindow_ = false;
 }
 
 HRESULT CVizPlugin::DrawToWindow(MPAVizWindowRecord* target, VizAnalysisFrame* frame) {
@@ -233,6 +239,16 @@ HRESULT CVizPlugin::Close() {
         return closer && Loaded ? closer->Close() : S_OK;
     });
     return S_OK;
+}
+
+void CVizPlugin::Withdraw() {
+    const bool isLocked = LockBefore(std::chrono::steady_clock::now() + std::chrono::milliseconds(kThreadAnswerLimit));
+    MPAVizWindowRecord none = {};
+    SetWindow(&none);
+    Close();
+    if (ready_) withdrawn_ = true;
+    ready_ = false;
+    if (isLocked) UnlockPlugin();
 }
 
 void CVizPlugin::AskHostString(IUnknown* host) {
@@ -291,6 +307,8 @@ bool CVizPlugin::LoadLocked() {
     Loaded = true;
     WriteDescription();
     InfoValid = true;
+    loadCount_ = loadCount_ + 1;
+    hasWindow_ = withdrawn_ = false;
     ready_ = true;
     return true;
 }

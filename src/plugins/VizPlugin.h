@@ -27,6 +27,7 @@ class PreferencesMaker;
 // 2. Calls are forwarded only to an object that was accepted. It is let go, and its library freed, only when
 //    no forwarded call is under way. One that doesn't end in kPatience leaves both in memory for good.
 // 3. Text that was given out stays good while the wrapper lives.
+// 4. Nothing is forwarded between Withdraw and the next load.
 //
 // Any thread may call anything. Callers hold LockPlugin around drawing, configuring and a change of plug-in;
 // clicks, and SetActive and SetWindow outside of a change, come without it. Owned by the plug-in list.
@@ -68,6 +69,12 @@ public:
     bool IsLoaded() const { return Loaded; }
     // In memory with an object that was accepted: can become a view's plug-in.
     bool IsReady() const { return ready_; }
+    // In memory and told that it goes: its Unload is on the way.
+    bool IsWithdrawn() const { return withdrawn_; }
+    // Another number, another object.
+    uint32_t GetLoadCount() const { return loadCount_; }
+    // Some view's window was given to the object, and none was withdrawn since.
+    bool HasWindow() const { return hasWindow_; }
     bool IsInfoValid() const { return InfoValid; }
     // These load and free the library once if nothing is known yet. What couldn't be loaded is tried again when its
     // file has changed: it may have been half copied.
@@ -101,6 +108,9 @@ public:
     HRESULT DrawToWindow(MPAVizWindowRecord* target, VizAnalysisFrame* frame);
     // Tells a loaded plug-in that asks for it that it is about to go. S_OK.
     HRESULT Close();
+    // What comes before an Unload on another thread: takes the window away and closes. Waits for the frame that is
+    // under way, but no longer than kThreadAnswerLimit: the plug-in may hang in it.
+    void Withdraw() TDKVIZ_UNCHECKED;
 
 private:
     class CallScope;
@@ -148,8 +158,11 @@ private:
     PreferencesMaker* const maker_;
     CNQString triedStamp_;            // of the file when it was loaded last; under the lock
     std::atomic<bool> ready_{false};  // calls are forwarded
-    std::atomic<int32_t> calls_{0};   // forwarded calls under way
-    bool abandoned_ = false;          // left in memory by Retire
+    std::atomic<bool> withdrawn_{false};
+    std::atomic<bool> hasWindow_{false};
+    Relaxed<uint32_t> loadCount_;    // written under the lock
+    std::atomic<int32_t> calls_{0};  // forwarded calls under way
+    bool abandoned_ = false;         // left in memory by Retire
 };
 
 }  // namespace tdkviz

@@ -7,9 +7,6 @@
 
 namespace tdkviz {
 
-// The registry key of the settings; the plug-in cache keeps its subkeys below it.
-inline constexpr char kSettingsKey[] = "Software\\Corvane\\Visualizations";
-
 struct StoredSettings {
     VizEffectParams UserEffects;
     uint32_t FrameRate = 0;  // frames a second, as stored: not clamped

@@ -7,6 +7,9 @@
 
 namespace tdkviz {
 
+// The add-on's own key, below HKEY_CURRENT_USER. Its values are the settings; each subkey is what is kept of a plug-in.
+inline constexpr char kSettingsKey[] = "Software\\Corvane\\Visualizations";
+
 // Closed when made, closed at its end. Used by one thread at a time. Every failure is a false.
 class RegistryKey {
 public:

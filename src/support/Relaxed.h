@@ -25,10 +25,6 @@ public:
     T operator->() const { return Load(); }
     // Stores a value and gives the one that stood before, as one step.
     T Exchange(T value) { return value_.exchange(value, std::memory_order_acq_rel); }
-    // Stores `value` if `expected` stands there. True if it did.
-    bool CompareExchange(T expected, T value) {
-        return value_.compare_exchange_strong(expected, value, std::memory_order_acq_rel, std::memory_order_relaxed);
-    }
     T Load() const { return value_.load(std::memory_order_relaxed); }
 
 private:

@@ -21,7 +21,7 @@ protected:
         begin_ = HighResMilliseconds();
     }
     ~FrameLoop() override {
-        timer_.Stop(true);
+        timer_.Stop();
         worker_.Stop();
     }
 
@@ -73,17 +73,17 @@ TEST_F(FrameLoop, RateChangeActsFromTheNextTick) {
 }
 
 TEST_F(FrameLoop, StartAndStopInEveryState) {
-    timer_.Stop(true);
+    timer_.Stop();
     EXPECT_FALSE(timer_.IsRunning());
     ASSERT_EQ(timer_.Start(), S_OK);
     ASSERT_EQ(timer_.Start(), S_OK) << "a second start makes no second thread";
     TdkpAdvanceClock(100);
-    timer_.Stop(true);
+    timer_.Stop();
     TdkpAdvanceClock(500);
     EXPECT_EQ(Frames(), (Times{50, 100}));
     ASSERT_EQ(timer_.Start(), S_OK);
     TdkpAdvanceClock(60);
-    timer_.Stop(true);
+    timer_.Stop();
     EXPECT_EQ(Frames(), (Times{50, 100, 650}));
 }
 

@@ -17,19 +17,25 @@ TEST(End, ShutdownTakesDownViewsThatTheHostForgot) {
     ASSERT_TRUE(host.MakeView("Probe.tkv", 320, 240));
     IMPAVizWindow* held = host.MakeView("WindowMode.tkv", 200, 100);
     ASSERT_TRUE(held);
+    IMPAVizWindow* ended = host.MakeView("Probe.tkv", 100, 100);
+    ASSERT_TRUE(ended);
     held->AddRef();
+    ended->AddRef();
     host.StartDevice(100, 441);
     host.SetState(kEngineStatePlaying);
     host.Advance(300);
+    EXPECT_EQ(host.Manager()->DestroyVizWindow(ended), S_OK);
     host.ForgetViews();
     const HMODULE library = LoadLibraryA(STAGE_DIR "/tdkviz.so");
     host.Shutdown();
     // A view that the host still holds has nothing to show, and says so.
-    char path[MAX_PATH];
-    EXPECT_EQ(held->GetCurrentPlugin(path, sizeof path), E_FAIL);
-    EXPECT_EQ(held->SelectPlugin(TestHost::PluginPath("Probe.tkv").c_str()), E_FAIL);
-    EXPECT_EQ(held->Show(100, 100), E_FAIL);
-    EXPECT_EQ(held->Release(), 0u);
+    for (IMPAVizWindow* view : {held, ended}) {
+        char path[MAX_PATH];
+        EXPECT_EQ(view->GetCurrentPlugin(path, sizeof path), E_FAIL);
+        EXPECT_EQ(view->SelectPlugin(TestHost::PluginPath("Probe.tkv").c_str()), E_FAIL);
+        EXPECT_EQ(view->Show(100, 100), E_FAIL);
+        EXPECT_EQ(view->Release(), 0u);
+    }
     FreeLibrary(library);
 }
 

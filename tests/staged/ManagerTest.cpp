@@ -147,6 +147,22 @@ TEST_F(ManagerTest, FramesFollowThePlayersStates) {
     EXPECT_EQ(FramesInASecond(), 20);
 }
 
+TEST_F(ManagerTest, OneThatComesBeforeTheContextGetsItLater) {
+    Install({"Probe.tkv"});
+    host_->Component()->Shutdown();
+    host_->TakeManager();
+    EXPECT_FALSE(host_->Hook()) << "the context has gone with Shutdown";
+    ASSERT_TRUE(host_->MakeView("Probe.tkv", 64, 48));
+    host_->SetState(kEngineStatePlaying);
+    EXPECT_EQ(FramesInASecond(), 0);
+    EXPECT_EQ(host_->Initialize(), S_OK);
+    ASSERT_TRUE(host_->Hook());
+    host_->StartDevice(100, 441);
+    EXPECT_EQ(FramesInASecond(), 20) << "it plays already";
+    host_->SetState(4);
+    EXPECT_EQ(FramesInASecond(), 0);
+}
+
 TEST_F(ManagerTest, HostWithNothingToOfferGetsNoFramesAndNoCrash) {
     StackObject<IUnknown> silent;
     TestHost::InstallPlugins({"Probe.tkv"});

@@ -5,6 +5,7 @@
 
 #include <filesystem>
 
+#include "tests/plugins/testplugins/TestPlugin.h"
 #include "tests/staged/TestBag.h"
 #include "tests/support/Wait.h"
 
@@ -76,7 +77,11 @@ TestHost::TestHost(const std::string& codecs) : engine(&firstEngine) {
     IUnknown* made = nullptr;
     EXPECT_EQ(create(&made), S_OK);
     component_ = static_cast<ITKCommandButton*>(made);
-    EXPECT_EQ(component_->Initialize(static_cast<ITKPlayer*>(this)), S_OK);
+    EXPECT_EQ(Initialize(), S_OK);
+    TakeManager();
+}
+
+void TestHost::TakeManager() {
     void* manager = nullptr;
     EXPECT_EQ(component_->QueryInterface(kIID_IMPAVizMgr, &manager), S_OK);
     manager_ = static_cast<IMPAVizMgr*>(manager);
@@ -101,6 +106,7 @@ IUnknown* TestHost::Find(const GUID& id) {
     if (id == kIID_ITKPlayer || id == kIID_IUnknown) return static_cast<ITKPlayer*>(this);
     if (id == kIID_ITKStateSource) return static_cast<ITKStateSource*>(this);
     if (id == kIID_IKVAClassFactory) return static_cast<IKVAClassFactory*>(this);
+    if (id == kIID_ITestLog) return log;
     if (id == kIID_IKVAAudioService || id == kIID_IKVAAudioHookService) return static_cast<IKVAAudioHookService*>(this);
     return nullptr;
 }

@@ -20,6 +20,8 @@
 #include "tests/support/Picture.h"
 #include "tests/support/TestObjects.h"
 
+struct ITestLog;
+
 namespace tdkviz::test {
 
 // Each sample frame says at which stream position it stands: in steps of kFramesPerStamp, the high
@@ -78,6 +80,9 @@ public:
 
     // The component. Ends it: views, Shutdown, the last Release, the library.
     void Shutdown();
+    // The component's manager, asked for anew.
+    void TakeManager();
+    HRESULT Initialize() { return component_->Initialize(static_cast<ITKPlayer*>(this)); }
     ITKCommandButton* Component() { return component_; }
     IMPAVizMgr* Manager() { return manager_; }
     IMPAVizWindow* MakeView(const std::string& plugin, int width, int height, uint32_t flags = 0);
@@ -116,6 +121,7 @@ public:
 
     TestEngine* engine = nullptr;
     TestEngine firstEngine;
+    ITestLog* log = nullptr;  // of the test plug-ins that are loaded from here on
     uint32_t delay = 0;
     uint32_t deliveryFrames = 441;
     std::atomic<uint64_t> heard{0};  // sample frames

@@ -118,6 +118,10 @@ protected:
         TdkpUseMemoryDisplay(1400, 900, 32);
         RegDeleteTreeA(HKEY_CURRENT_USER, kKey);
     }
+    void Store(const char* name, const char* text) {
+        FakeBuffer buffer(text, std::strlen(text) + 1);
+        EXPECT_EQ(preferences_->WriteValue(name, &buffer), S_OK);
+    }
     std::string Stored(const char* name) {
         RefPtr<IKVABuffer> text;
         return preferences_->ReadValue(name, text.Receive()) == S_OK ? static_cast<char*>(text->GetBuffer()) : "";
@@ -139,19 +143,28 @@ TEST_F(ConfigureTest, ChoicesAreKeptAndTheDialogGoesWithThePlugin) {
         EXPECT_EQ(plugin.Two()->Configure(&none), S_OK) << "shown already";
         constexpr int kPaceButton = 101;
         SendMessageA(GetDlgItem(dialog, kPaceButton), BM_CLICK, 0, 0);
-        EXPECT_EQ(Stored("Pace"), expected) << "one further than what was stored";
+        EXPECT_EQ(Stored("Waterfall Pace"), expected) << "one further than what was stored";
     }
     EXPECT_EQ(Dialog(), nullptr);
 }
 
 TEST_F(ConfigureTest, NonsenseThatIsStoredCountsAsNothing) {
     for (const char* text : {"", "x", "3", "-1", "99999999999999999999"}) {
-        FakeBuffer nonsense(text, std::strlen(text) + 1);
-        preferences_->WriteValue("Colours", &nonsense);
+        Store("Waterfall Colours", text);
         StagedPlugin plugin("Waterfall", preferences_.Get());
         plugin.Two()->OnClick(0, 0, 0);
-        EXPECT_EQ(Stored("Colours"), "1") << text;
+        EXPECT_EQ(Stored("Waterfall Colours"), "1") << text;
     }
+}
+
+TEST_F(ConfigureTest, WhatWasStoredUnderTheOldNameCountsUntilThereIsANewOne) {
+    Store("Colours", "1");
+    for (const char* expected : {"2", "0"}) {
+        StagedPlugin plugin("Waterfall", preferences_.Get());
+        plugin.Two()->OnClick(0, 0, 0);
+        EXPECT_EQ(Stored("Waterfall Colours"), expected);
+    }
+    EXPECT_EQ(Stored("Colours"), "1");
 }
 
 TEST(MetersTest, PaintsOnlyWhileItHasTheWindow) {

@@ -16,7 +16,7 @@ inline constexpr DWORD kNoThreadId = static_cast<DWORD>(-1);
 // meanwhile: they may need their answer before they can give theirs. True if `object` was signalled.
 bool WaitForAnswer(HANDLE object);
 
-// Waits for a thread to end in the same way, and terminates it if it takes longer. True if it ended by itself.
-bool EndThreadInTime(HANDLE thread);
+// Waits for a thread to end in the same way, and terminates it if it takes longer.
+void EndThreadInTime(HANDLE thread);
 
 }  // namespace tdkviz

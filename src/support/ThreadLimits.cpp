@@ -1,4 +1,4 @@
-#include "src/host/ThreadLimits.h"
+#include "src/support/ThreadLimits.h"
 
 namespace tdkviz {
 
@@ -15,10 +15,8 @@ bool WaitForAnswer(HANDLE object) {
     return false;
 }
 
-bool EndThreadInTime(HANDLE thread) {
-    if (WaitForAnswer(thread)) return true;
-    TerminateThread(thread, kTerminatedExitCode);
-    return false;
+void EndThreadInTime(HANDLE thread) {
+    if (!WaitForAnswer(thread)) TerminateThread(thread, kTerminatedExitCode);
 }
 
 }  // namespace tdkviz
