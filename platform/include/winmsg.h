@@ -193,14 +193,10 @@ TDKP_API LRESULT SendMessageA(HWND window, UINT message, WPARAM wParam, LPARAM l
 TDKP_API LRESULT SendDlgItemMessageA(HWND parent, INT id, UINT message, WPARAM wParam, LPARAM lParam);
 TDKP_API BOOL GetMessageA(MSG* message, HWND window, UINT first, UINT last);
 TDKP_API BOOL PeekMessageA(MSG* message, HWND window, UINT first, UINT last, UINT remove);
-TDKP_API BOOL WaitMessage(void);
 TDKP_API BOOL TranslateMessage(const MSG* message);
 TDKP_API LRESULT DispatchMessageA(const MSG* message);
 TDKP_API LRESULT DefWindowProcA(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 TDKP_API LRESULT CallWindowProcA(WNDPROC procedure, HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 TDKP_API LONG GetMessageTime(void);
-TDKP_API DWORD GetMessagePos(void);
-TDKP_API DWORD GetQueueStatus(UINT flags);
-TDKP_API BOOL InSendMessage(void);
 TDKP_API DWORD MsgWaitForMultipleObjects(DWORD count, const HANDLE* handles, BOOL waitAll, DWORD milliseconds,
                                          DWORD wakeMask);

@@ -235,7 +235,6 @@ inline LPSTR MAKEINTRESOURCEA(ULONG_PTR id) {
 TDKP_API ATOM RegisterClassA(const WNDCLASSA* windowClass);
 TDKP_API BOOL UnregisterClassA(LPCSTR className, HINSTANCE instance);
 TDKP_API BOOL GetClassInfoA(HINSTANCE instance, LPCSTR className, WNDCLASSA* windowClass);
-TDKP_API INT GetClassNameA(HWND window, LPSTR text, INT size);
 
 // Windows.
 TDKP_API HWND CreateWindowExA(DWORD exStyle, LPCSTR className, LPCSTR title, DWORD style, INT x, INT y, INT width,
@@ -270,7 +269,6 @@ TDKP_API DWORD GetWindowThreadProcessId(HWND window, DWORD* process);
 TDKP_API BOOL GetClientRect(HWND window, RECT* rect);
 TDKP_API BOOL GetWindowRect(HWND window, RECT* rect);
 // The window manager's frame is outside of the window: the rectangle comes back as it was.
-TDKP_API BOOL AdjustWindowRectEx(RECT* rect, DWORD style, BOOL menu, DWORD exStyle);
 TDKP_API BOOL AdjustWindowRect(RECT* rect, DWORD style, BOOL menu);
 TDKP_API BOOL ClientToScreen(HWND window, POINT* point);
 TDKP_API BOOL ScreenToClient(HWND window, POINT* point);
@@ -306,10 +304,7 @@ TDKP_API BOOL ReleaseCapture(void);
 TDKP_API SHORT GetKeyState(INT virtualKey);
 // Also while the pointer is over another program's window.
 TDKP_API BOOL GetCursorPos(POINT* point);
-// The innermost window of the process under this place of the screen; null if another program's lies there.
-TDKP_API HWND WindowFromPoint(POINT point);
 #define TME_LEAVE 0x00000002u
-#define TME_CANCEL 0x80000000u
 struct TRACKMOUSEEVENT {
     DWORD cbSize;
     DWORD dwFlags;

@@ -124,16 +124,3 @@ TDKP_API BOOL GetClassInfoA(HINSTANCE instance, LPCSTR className, WNDCLASSA* win
     *windowClass = found->info;
     return TRUE;
 }
-
-TDKP_API INT GetClassNameA(HWND window, LPSTR text, INT size) {
-    if (text == nullptr || size <= 0) return 0;
-    DispatcherGuard guard(DispatcherLock());
-    const tdkp::Window* state = tdkp::FindWindowState(guard, window);
-    if (state == nullptr) {
-        SetLastError(ERROR_INVALID_WINDOW_HANDLE);
-        return 0;
-    }
-    const size_t length = state->windowClass->name.copy(text, static_cast<size_t>(size) - 1);
-    text[length] = '\0';
-    return static_cast<INT>(length);
-}

@@ -1,11 +1,9 @@
-// Looking for a window by class and title, or by a place.
+// Looking for a window by class and title.
 #include <strings.h>
 
-#include "platform/user/DisplayUse.h"
 #include "platform/user/WindowTable.h"
 
 namespace tdkp {
-
 namespace {
 
 bool Matches(const Window& window, const char* className, const char* title) {
@@ -25,7 +23,6 @@ std::vector<HWND> WindowsBelow(const DispatcherGuard& guard, HWND parent) {
 }
 
 }  // namespace
-
 }  // namespace tdkp
 
 TDKP_API HWND FindWindowExA(HWND parent, HWND after, LPCSTR className, LPCSTR title) {
@@ -38,18 +35,4 @@ TDKP_API HWND FindWindowExA(HWND parent, HWND after, LPCSTR className, LPCSTR ti
         if (handle == after) passed = true;
     }
     return nullptr;
-}
-
-TDKP_API HWND WindowFromPoint(POINT point) {
-    using namespace tdkp;
-    {
-        const DispatcherGuard guard(DispatcherLock());
-        if (!AnyWindow(guard)) return nullptr;
-    }
-    const HWND outermost = HandleOf(DisplayUse()->WindowAt(point));
-    POINT inside = point;
-    if (outermost == nullptr || !ScreenToClient(outermost, &inside)) return nullptr;
-    const DispatcherGuard guard(DispatcherLock());
-    Window* state = FindWindowState(guard, outermost);
-    return state != nullptr ? WindowAt(guard, *state, &inside) : nullptr;
 }

@@ -67,7 +67,6 @@ WindowId MemoryDisplay::CreateWindow(const DisplayWindowInfo& info) {
     Window& window = windows_[id];
     window.parent = info.parent;
     window.place = {info.x, info.y, info.width, info.height};
-    window.order = ++lastOrder_;
     return id;
 }
 
@@ -79,34 +78,6 @@ void MemoryDisplay::DestroyWindow(WindowId id) {
 void MemoryDisplay::Move(WindowId id, int x, int y, int width, int height) {
     const LayerGuard guard(mutex_);
     if (const auto found = windows_.find(id); found != windows_.end()) found->second.place = {x, y, width, height};
-}
-
-void MemoryDisplay::Show(WindowId id, bool visible, bool activate) {
-    const LayerGuard guard(mutex_);
-    const auto found = windows_.find(id);
-    if (found == windows_.end()) return;
-    found->second.visible = visible;
-    if (activate) found->second.order = ++lastOrder_;
-}
-
-void MemoryDisplay::Raise(WindowId id) {
-    const LayerGuard guard(mutex_);
-    if (const auto found = windows_.find(id); found != windows_.end()) found->second.order = ++lastOrder_;
-}
-
-WindowId MemoryDisplay::WindowAt(POINT point) const {
-    const LayerGuard guard(mutex_);
-    WindowId topmost = 0;
-    uint64_t order = 0;
-    for (const auto& [id, window] : windows_) {
-        const Place& place = window.place;
-        const bool inside = point.x >= place.x && point.x < place.x + place.width && point.y >= place.y &&
-                            point.y < place.y + place.height;
-        if (window.parent != 0 || !window.visible || !inside || window.order < order) continue;
-        topmost = id;
-        order = window.order;
-    }
-    return topmost;
 }
 
 void MemoryDisplay::SetFullScreen(WindowId id, bool on) {

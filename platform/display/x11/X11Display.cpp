@@ -284,33 +284,10 @@ bool X11Display::GetPointer(POINT* point) const {
     return true;
 }
 
-WindowId X11Display::WindowAt(POINT point) const {
-    const TerminationDeferral deferral;
-    xcb_connection_t* const connection = connection_->Get();
-    const xcb_window_t root = connection_->Screen().root;
-    xcb_window_t window = root;
-    // Inwards through the frames of the window manager.
-    while (window != 0 && !windows_.Has(window)) {
-        const auto cookie =
-            xcb_translate_coordinates(connection, root, window, Coordinate(point.x), Coordinate(point.y));
-        xcb_generic_error_t* error = nullptr;
-        const auto reply = X11Reply(xcb_translate_coordinates_reply(connection, cookie, &error));
-        const auto errorOwner = X11Reply(error);
-        window = reply ? reply->child : 0;
-    }
-    return window;
-}
-
 void X11Display::KeepAwake(bool on) {
     const TerminationDeferral deferral;
     // The server counts each client's requests, and drops them with the connection.
     if (keepsAwake_.exchange(on) != on) SuspendX11ScreenSaver(connection_->Get(), on);
-    connection_->Flush();
-}
-
-void X11Display::WakeUp() {
-    const TerminationDeferral deferral;
-    xcb_force_screen_saver(connection_->Get(), XCB_SCREEN_SAVER_RESET);
     connection_->Flush();
 }
 
