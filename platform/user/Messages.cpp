@@ -11,8 +11,6 @@ namespace {
 
 enum class Look { kPeek, kTake, kWaitAndTake };
 
-const HWND kThreadMessages = reinterpret_cast<HWND>(static_cast<LONG_PTR>(-1));
-
 bool CheckFilter(const DispatcherGuard& guard, const MessageFilter& filter) {
     const bool known = filter.window == nullptr || filter.window == kThreadMessages ||
                        FindWindowState(guard, filter.window) != nullptr;

@@ -1,13 +1,12 @@
 // Looking for a window by class and title.
-#include <strings.h>
-
+#include "platform/kernel/PathText.h"
 #include "platform/user/WindowTable.h"
 
 namespace tdkp {
 namespace {
 
 bool Matches(const Window& window, const char* className, const char* title) {
-    if (className && strcasecmp(window.windowClass->name.c_str(), className) != 0) return false;
+    if (className && !EqualsIgnoringCase(window.windowClass->name, className)) return false;
     return !title || window.title == title;
 }
 

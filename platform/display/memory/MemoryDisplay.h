@@ -75,7 +75,4 @@ private:
     std::unordered_map<WindowId, Window> windows_;
 };
 
-// Bytes from one row to the next of a picture `width` pixels wide, rows padded to 32 bits.
-int32_t PicturePitch(PixelFormat format, int width);
-
 }  // namespace tdkp
