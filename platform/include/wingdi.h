@@ -48,15 +48,6 @@ struct BITMAPINFO {
     RGBQUAD bmiColors[1];
 };
 using LPBITMAPINFO = BITMAPINFO*;
-#pragma pack(push, 2)
-struct BITMAPFILEHEADER {
-    WORD bfType;
-    DWORD bfSize;
-    WORD bfReserved1;
-    WORD bfReserved2;
-    DWORD bfOffBits;
-};
-#pragma pack(pop)
 struct BITMAP {
     LONG bmType;
     LONG bmWidth;
@@ -218,7 +209,6 @@ struct DEVMODEA;
 #define ERROR 0
 #define NULLREGION 1
 #define SIMPLEREGION 2
-#define COMPLEXREGION 3
 
 // GetDeviceCaps.
 #define TECHNOLOGY 2
@@ -230,7 +220,6 @@ struct DEVMODEA;
 #define PLANES 14
 #define NUMBRUSHES 16
 #define NUMPENS 18
-#define NUMFONTS 22
 #define NUMCOLORS 24
 #define RASTERCAPS 38
 #define LOGPIXELSX 88
