@@ -81,12 +81,8 @@ public:
 
     // Where the pointer is on the screen. False, and nothing written, for a display that has none of its own.
     virtual bool GetPointer(POINT* point) const = 0;
-    // The outermost window of this process at that place of the screen; 0 if another program's lies there.
-    virtual WindowId WindowAt(POINT point) const = 0;
     // Holds the screen saver off until that is taken back or the display closes.
     virtual void KeepAwake(bool on) = 0;
-    // As if somebody had touched a key.
-    virtual void WakeUp() = 0;
 
     // Does a window of this id exist that some other client made?
     virtual bool IsForeign(WindowId window) const = 0;

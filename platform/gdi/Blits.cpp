@@ -41,17 +41,13 @@ bool SetPattern(const DeviceContext& dc, BlitJob& job) {
     return !dc.brush->hollow;
 }
 
-void RunOn(DrawTarget& target, const BlitJob& job) {
-    target.Damage(RunBlit(job, target.Clips(), target.ClipCount()));
-}
-
 void FillWith(const DeviceContext& dc, const RECT& rect, uint8_t rop) {
     DrawTarget target(dc);
     BlitJob job;
     job.to = target.Pixels();
     job.toRect = rect;
     job.rop = rop;
-    if (target.ClipCount() > 0 && SetPattern(dc, job)) RunOn(target, job);
+    if (target.ClipCount() > 0 && SetPattern(dc, job)) target.Run(job);
 }
 
 BOOL Blit(HDC toDc, const Extents& to, HDC fromDc, const Extents& from, DWORD operation) {
@@ -77,7 +73,7 @@ BOOL Blit(HDC toDc, const Extents& to, HDC fromDc, const Extents& from, DWORD op
     job.mirrorY = (to.height < 0) != (from.height < 0);
     job.rop = rop;
     SetMonoRules(*toContext, *fromContext, job, palette);
-    if (SetPattern(*toContext, job)) RunOn(target, job);
+    if (SetPattern(*toContext, job)) target.Run(job);
     return TRUE;
 }
 
@@ -99,15 +95,7 @@ TDKP_API INT FillRect(HDC dc, const RECT* rect, HBRUSH handle) {
     const auto context = FindContext(dc);
     const auto brush = FindBrush(handle);
     if (!context || !brush || rect == nullptr) return 0;
-    if (brush->hollow) return 1;
-    DrawTarget target(*context);
-    if (target.ClipCount() == 0) return 1;
-    BlitJob job;
-    job.to = target.Pixels();
-    job.toRect = *rect;
-    job.rop = kRopCopyPattern;
-    job.pattern = EncodeColor(job.to, ColorFromRef(brush->color));
-    RunOn(target, job);
+    if (!brush->hollow) DrawTarget(*context).Fill(*rect, brush->color);
     return 1;
 }
 

@@ -38,6 +38,20 @@ bool DrawTarget::IsVisible(int x, int y) const {
     });
 }
 
+void DrawTarget::Run(const BlitJob& job) {
+    Damage(RunBlit(job, Clips(), clipCount_));
+}
+
+void DrawTarget::Fill(const RECT& rect, COLORREF color) {
+    if (clipCount_ == 0) return;
+    BlitJob job;
+    job.to = Pixels();
+    job.toRect = rect;
+    job.rop = kRopCopyPattern;
+    job.pattern = EncodeColor(job.to, ColorFromRef(color));
+    Run(job);
+}
+
 void DrawTarget::Damage(const RECT& rect) {
     if (!window_) return;
     const RECT visible = Intersect(rect, ClipHull());

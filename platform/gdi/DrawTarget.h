@@ -11,6 +11,8 @@
 
 namespace tdkp {
 
+struct BlitJob;
+
 // Holds a context's pixels for one drawing operation; a window's picture is locked meanwhile, so only one
 // target lives at a time in a thread.
 class DrawTarget {
@@ -26,7 +28,10 @@ public:
     RECT ClipHull() const;
     bool IsVisible(int x, int y) const;
 
-    // Tells what was drawn. Pixels outside of the clip rectangles don't matter.
+    // Does the job, whose target these pixels are.
+    void Run(const BlitJob& job);
+    void Fill(const RECT& rect, COLORREF color);
+    // Tells what was drawn otherwise. Pixels outside of the clip rectangles don't matter.
     void Damage(const RECT& rect);
 
 private:

@@ -10,6 +10,7 @@
 
 #include "platform/kernel/Dispatcher.h"
 #include "platform/kernel/Immortal.h"
+#include "platform/kernel/Utf16Text.h"
 
 // Null without a leak sanitizer in the process.
 extern "C" {
@@ -68,7 +69,7 @@ size_t SequenceLength(std::string_view text) {
                                                         : 0;
     if (length > text.size()) return 0;
     for (size_t i = 1; i < length; ++i) {
-        if ((byte(i) & 0xC0) != 0x80) return 0;
+        if (!IsContinuation(text[i])) return 0;
     }
     const bool tooLong = (lead == 0xE0 && byte(1) < 0xA0) || (lead == 0xF0 && byte(1) < 0x90);
     const bool noCharacter = (lead == 0xED && byte(1) > 0x9F) || (lead == 0xF4 && byte(1) > 0x8F);

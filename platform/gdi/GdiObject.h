@@ -15,14 +15,7 @@
 
 namespace tdkp {
 
-// The numbers of GetObjectType.
-enum class GdiKind : uint8_t {
-    kPen = OBJ_PEN,
-    kBrush = OBJ_BRUSH,
-    kContext = OBJ_DC,
-    kFont = OBJ_FONT,
-    kBitmap = OBJ_BITMAP,
-};
+enum class GdiKind : uint8_t { kPen, kBrush, kContext, kFont, kBitmap };
 
 struct GdiObject {
     explicit GdiObject(GdiKind objectKind) : kind(objectKind) {}

@@ -121,15 +121,6 @@ TDKP_API HGDIOBJ GetCurrentObject(HDC dc, UINT kind) {
     }
 }
 
-TDKP_API DWORD GetObjectType(HGDIOBJ handle) {
-    const TerminationDeferral deferral;
-    const auto object = ObjectTable::Instance().Find(handle);
-    if (!object) return 0;
-    if (object->kind == GdiKind::kContext && As<DeviceContext>(object.get())->ground == DeviceContext::Ground::kMemory)
-        return OBJ_MEMDC;
-    return static_cast<DWORD>(object->kind);
-}
-
 TDKP_API INT GetObjectA(HANDLE handle, INT size, LPVOID out) {
     const TerminationDeferral deferral;
     const auto object = ObjectTable::Instance().Find(handle);
@@ -154,16 +145,9 @@ TDKP_API INT GetObjectA(HANDLE handle, INT size, LPVOID out) {
 }
 
 TDKP_API HBRUSH CreateSolidBrush(COLORREF color) {
-    const LOGBRUSH description = {BS_SOLID, color, 0};
-    return CreateBrushIndirect(&description);
-}
-
-TDKP_API HBRUSH CreateBrushIndirect(const LOGBRUSH* description) {
     const TerminationDeferral deferral;
-    if (description == nullptr || description->lbStyle > BS_HOLLOW) return nullptr;
     auto brush = std::make_shared<Brush>();
-    brush->hollow = description->lbStyle == BS_HOLLOW;
-    brush->color = description->lbColor & kColorMask;
+    brush->color = color & kColorMask;
     return static_cast<HBRUSH>(ObjectTable::Instance().Add(std::move(brush)));
 }
 

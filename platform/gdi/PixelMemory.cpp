@@ -26,8 +26,8 @@ bool PixelMemory::Map(HANDLE section, uint64_t offset, size_t bytes) {
     const uint64_t pageSize = static_cast<uint64_t>(sysconf(_SC_PAGESIZE));
     const uint64_t start = offset / pageSize * pageSize;
     const size_t length = bytes + static_cast<size_t>(offset - start);
-    const int protection = mapping->Writable() ? PROT_READ | PROT_WRITE : PROT_READ;
-    void* memory = mmap(nullptr, length, protection, MAP_SHARED, mapping->Descriptor(), static_cast<off_t>(start));
+    void* memory =
+        mmap(nullptr, length, PROT_READ | PROT_WRITE, MAP_SHARED, mapping->Descriptor(), static_cast<off_t>(start));
     if (memory == MAP_FAILED) return false;
     mapped_ = memory;
     mappedBytes_ = length;

@@ -4,21 +4,10 @@
 #include "platform/gdi/DrawTarget.h"
 #include "platform/gdi/ObjectTable.h"
 #include "platform/gdi/PenPainter.h"
-#include "platform/gdi/RasterBlit.h"
 #include "platform/gdi/Rects.h"
 
 namespace tdkp {
 namespace {
-
-void FillWithBrush(const DeviceContext& dc, DrawTarget& target, const RECT& rect) {
-    if (dc.brush->hollow || target.ClipCount() == 0) return;
-    BlitJob job;
-    job.to = target.Pixels();
-    job.toRect = rect;
-    job.rop = kRopCopyPattern;
-    job.pattern = EncodeColor(job.to, ColorFromRef(dc.brush->color));
-    target.Damage(RunBlit(job, target.Clips(), target.ClipCount()));
-}
 
 // What a shape in this rectangle fills: a pen that draws nothing takes the right and bottom edge along.
 RECT ShapeRect(const DeviceContext& dc, INT left, INT top, INT right, INT bottom) {
@@ -77,7 +66,7 @@ TDKP_API BOOL Rectangle(HDC dc, INT left, INT top, INT right, INT bottom) {
     if (IsEmpty(rect)) return TRUE;
     DrawTarget target(*context);
     PenPainter pen(*context, target, 0);
-    FillWithBrush(*context, target, pen.Draws() ? Inside(rect) : rect);
+    if (!context->brush->hollow) target.Fill(pen.Draws() ? Inside(rect) : rect, context->brush->color);
     if (pen.Draws()) {
         DrawOutline(pen, rect);
         target.Damage(rect);

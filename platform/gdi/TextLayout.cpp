@@ -4,15 +4,13 @@
 
 #include <algorithm>
 
+#include "platform/kernel/Utf16Text.h"
+
 namespace tdkp {
 namespace {
 
 constexpr const char* kEllipsis = "...";
 constexpr int kTabColumns = 8;
-
-bool IsContinuation(char byte) {
-    return (static_cast<uint8_t>(byte) & 0xC0) == 0x80;
-}
 
 // One line up to a line end, which is taken off `rest`. With DT_SINGLELINE line ends count as blanks.
 std::string_view TakeLine(std::string_view* rest, bool single) {

@@ -1,7 +1,6 @@
 #include "platform/gdi/TextPainter.h"
 
 #include "platform/gdi/PixelCodec.h"
-#include "platform/gdi/RasterBlit.h"
 #include "platform/gdi/Rects.h"
 
 namespace tdkp {
@@ -21,15 +20,6 @@ uint32_t Mix(uint32_t below, uint32_t above, uint32_t coverage) {
 }
 
 }  // namespace
-
-void TextPainter::Fill(const RECT& rect, COLORREF color, const RECT& limit) {
-    BlitJob job;
-    job.to = target_.Pixels();
-    job.toRect = Intersect(rect, limit);
-    job.rop = kRopCopyPattern;
-    job.pattern = EncodeColor(job.to, ColorFromRef(color));
-    target_.Damage(RunBlit(job, target_.Clips(), target_.ClipCount()));
-}
 
 void TextPainter::BlendRow(const uint8_t* coverage, int x, int y, int count, uint32_t color) {
     const Raster& raster = target_.Pixels();
@@ -58,15 +48,14 @@ void TextPainter::Draw(int x, int y, std::string_view text, const RECT& limit) {
     if (text.empty() || target_.ClipCount() == 0) return;
     const FontFace& face = dc_.font->face;
     if (dc_.bkMode == OPAQUE)
-        Fill(Shift({0, 0, face.Advance(text), face.Metrics().Height()}, x, y), dc_.bkColor, limit);
+        target_.Fill(Intersect(Shift({0, 0, face.Advance(text), face.Metrics().Height()}, x, y), limit), dc_.bkColor);
     const TextMask mask = face.Draw(text);
     if (!mask.coverage.empty()) Blend(mask, ClampToLong(int64_t{x} + mask.x), ClampToLong(int64_t{y} + mask.y), limit);
 }
 
 void TextPainter::Underline(int x, int y, int width, const RECT& limit) {
-    if (target_.ClipCount() == 0) return;
     const int below = dc_.font->face.Metrics().ascent + 1;
-    Fill(Shift({0, below, width, below + 1}, x, y), dc_.textColor, limit);
+    target_.Fill(Intersect(Shift({0, below, width, below + 1}, x, y), limit), dc_.textColor);
 }
 
 }  // namespace tdkp

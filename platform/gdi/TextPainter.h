@@ -20,7 +20,6 @@ public:
     void Underline(int x, int y, int width, const RECT& limit);
 
 private:
-    void Fill(const RECT& rect, COLORREF color, const RECT& limit);
     void Blend(const TextMask& mask, int x, int y, const RECT& limit);
     void BlendRow(const uint8_t* coverage, int x, int y, int count, uint32_t color);
 

@@ -12,6 +12,4 @@ TDKP_API VOID DragAcceptFiles(HWND window, BOOL accept);
 // With the number 0xFFFFFFFF the number of files. Else the length of what was copied, or, with a null buffer, the
 // length that the path has; 0 if there is no such file. Lengths without the terminating zero.
 TDKP_API UINT DragQueryFileA(HDROP drop, UINT number, LPSTR path, UINT size);
-// Where they were dropped, in client coordinates of the window that was told. TRUE if that is in its client area.
-TDKP_API BOOL DragQueryPoint(HDROP drop, POINT* point);
 TDKP_API VOID DragFinish(HDROP drop);

@@ -17,7 +17,6 @@
 
 // Comparison of byte text without regard to the case of the letters A to Z. A null text sorts first.
 TDKP_API int _stricmp(const char* left, const char* right);
-TDKP_API int _strnicmp(const char* left, const char* right, size_t count);
 
 // Cuts a path into drive ("C:"), directory with its closing separator, name, and extension with its dot.
 // Backslash and slash both separate. Any part may be null; the others hold _MAX_DRIVE, _MAX_DIR,

@@ -8,7 +8,6 @@
 
 #define NO_ERROR 0u
 #define ERROR_SUCCESS 0u
-#define ERROR_INVALID_FUNCTION 1u
 #define ERROR_FILE_NOT_FOUND 2u
 #define ERROR_PATH_NOT_FOUND 3u
 #define ERROR_ACCESS_DENIED 5u
@@ -18,12 +17,9 @@
 #define ERROR_NOT_SUPPORTED 50u
 #define ERROR_INVALID_PARAMETER 87u
 #define ERROR_INSUFFICIENT_BUFFER 122u
-#define ERROR_INVALID_NAME 123u
 #define ERROR_MOD_NOT_FOUND 126u
 #define ERROR_PROC_NOT_FOUND 127u
 #define ERROR_BAD_EXE_FORMAT 193u
-#define ERROR_INVALID_ADDRESS 487u
-#define ERROR_MAPPED_ALIGNMENT 1132u
 
 TDKP_API DWORD GetLastError(void);
 TDKP_API void SetLastError(DWORD error);
@@ -45,7 +41,7 @@ struct SECURITY_ATTRIBUTES {
 };
 using LPSECURITY_ATTRIBUTES = SECURITY_ATTRIBUTES*;
 
-// Events, threads and file mappings. A thread runs on without its handle; a view stays without its mapping.
+// Events, threads and file mappings. A thread runs on without its handle; a bitmap stays without its mapping.
 TDKP_API BOOL CloseHandle(HANDLE object);
 
 // ---- Events. Names are not supported: a name other than null fails with ERROR_NOT_SUPPORTED. ----
@@ -75,8 +71,6 @@ TDKP_API BOOL TerminateThread(HANDLE thread, DWORD exitCode);
 
 #define INFINITE 0xFFFFFFFFu
 #define WAIT_OBJECT_0 0u
-#define WAIT_ABANDONED 0x80u
-#define WAIT_ABANDONED_0 0x80u
 #define WAIT_TIMEOUT 258u
 #define WAIT_FAILED 0xFFFFFFFFu
 #define MAXIMUM_WAIT_OBJECTS 64
@@ -147,10 +141,10 @@ using EXECUTION_STATE = DWORD;
 #define ES_DISPLAY_REQUIRED 0x00000002u
 #define ES_CONTINUOUS 0x80000000u
 
-// With ES_CONTINUOUS what the calling thread needs until its next such call or its end, else what it needs just now.
-// While any thread needs the display and the process has a window, the screen saver of the X server is held off;
-// what a desktop does beside that, and the sleep of the machine, are not the layer's. Gives the former state of the
-// thread, 0 for a flag that isn't known.
+// What the calling thread needs until its next call or its end; without ES_CONTINUOUS it isn't supported. While any
+// thread needs the display and the process has a window, the screen saver of the X server is held off; what a desktop
+// does beside that, and the sleep of the machine, are not the layer's. Gives the former state of the thread, 0 for
+// what isn't supported.
 TDKP_API EXECUTION_STATE SetThreadExecutionState(EXECUTION_STATE state);
 
 // ---- Files. Backslash and slash both separate. ----
@@ -158,7 +152,6 @@ TDKP_API EXECUTION_STATE SetThreadExecutionState(EXECUTION_STATE state);
 #define FILE_ATTRIBUTE_READONLY 0x00000001u
 #define FILE_ATTRIBUTE_DIRECTORY 0x00000010u
 #define FILE_ATTRIBUTE_NORMAL 0x00000080u
-#define INVALID_FILE_ATTRIBUTES 0xFFFFFFFFu
 
 struct FILETIME {
     DWORD dwLowDateTime;
@@ -185,7 +178,6 @@ using LPWIN32_FIND_DATAA = WIN32_FIND_DATAA*;
 TDKP_API HANDLE FindFirstFileA(LPCSTR pattern, LPWIN32_FIND_DATAA data);
 TDKP_API BOOL FindNextFileA(HANDLE search, LPWIN32_FIND_DATAA data);
 TDKP_API BOOL FindClose(HANDLE search);
-TDKP_API DWORD GetFileAttributesA(LPCSTR path);
 
 // ---- Change notifications ----
 
@@ -200,19 +192,12 @@ TDKP_API HANDLE FindFirstChangeNotificationA(LPCSTR folder, BOOL withSubfolders,
 TDKP_API BOOL FindNextChangeNotification(HANDLE notification);
 TDKP_API BOOL FindCloseChangeNotification(HANDLE notification);
 
-// ---- File mappings: memory of its own only (INVALID_HANDLE_VALUE), without a name ----
+// ---- File mappings: memory of its own only (INVALID_HANDLE_VALUE), without a name, for CreateDIBSection ----
 
-#define PAGE_READONLY 0x02u
 #define PAGE_READWRITE 0x04u
-#define FILE_MAP_WRITE 0x0002u
-#define FILE_MAP_READ 0x0004u
-#define FILE_MAP_ALL_ACCESS 0x000F001Fu
 
 TDKP_API HANDLE CreateFileMappingA(HANDLE file, LPSECURITY_ATTRIBUTES attributes, DWORD protection, DWORD sizeHigh,
                                    DWORD sizeLow, LPCSTR name);
-// The offset is a multiple of 65,536. Size 0 takes the mapping from the offset to its end.
-TDKP_API LPVOID MapViewOfFile(HANDLE mapping, DWORD access, DWORD offsetHigh, DWORD offsetLow, SIZE_T size);
-TDKP_API BOOL UnmapViewOfFile(LPCVOID view);
 
 // ---- Libraries. A module handle is an address. ----
 

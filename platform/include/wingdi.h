@@ -48,15 +48,6 @@ struct BITMAPINFO {
     RGBQUAD bmiColors[1];
 };
 using LPBITMAPINFO = BITMAPINFO*;
-#pragma pack(push, 2)
-struct BITMAPFILEHEADER {
-    WORD bfType;
-    DWORD bfSize;
-    WORD bfReserved1;
-    WORD bfReserved2;
-    DWORD bfOffBits;
-};
-#pragma pack(pop)
 struct BITMAP {
     LONG bmType;
     LONG bmWidth;
@@ -172,13 +163,11 @@ struct DEVMODEA;
 #define SYSTEM_FIXED_FONT 16
 #define DEFAULT_GUI_FONT 17
 
-// GetCurrentObject, GetObjectType.
+// GetCurrentObject.
 #define OBJ_PEN 1
 #define OBJ_BRUSH 2
-#define OBJ_DC 3
 #define OBJ_FONT 6
 #define OBJ_BITMAP 7
-#define OBJ_MEMDC 10
 
 #define PS_SOLID 0
 #define PS_DASH 1
@@ -220,7 +209,6 @@ struct DEVMODEA;
 #define ERROR 0
 #define NULLREGION 1
 #define SIMPLEREGION 2
-#define COMPLEXREGION 3
 
 // GetDeviceCaps.
 #define TECHNOLOGY 2
@@ -232,7 +220,6 @@ struct DEVMODEA;
 #define PLANES 14
 #define NUMBRUSHES 16
 #define NUMPENS 18
-#define NUMFONTS 22
 #define NUMCOLORS 24
 #define RASTERCAPS 38
 #define LOGPIXELSX 88
@@ -273,10 +260,8 @@ TDKP_API HGDIOBJ SelectObject(HDC dc, HGDIOBJ object);
 TDKP_API BOOL DeleteObject(HGDIOBJ object);
 TDKP_API HGDIOBJ GetStockObject(INT index);
 TDKP_API HGDIOBJ GetCurrentObject(HDC dc, UINT kind);
-TDKP_API DWORD GetObjectType(HGDIOBJ object);
 TDKP_API INT GetObjectA(HANDLE object, INT size, LPVOID out);
 TDKP_API HBRUSH CreateSolidBrush(COLORREF color);
-TDKP_API HBRUSH CreateBrushIndirect(const LOGBRUSH* brush);
 TDKP_API HPEN CreatePen(INT style, INT width, COLORREF color);
 TDKP_API HFONT CreateFontA(INT height, INT width, INT escapement, INT orientation, INT weight, DWORD italic,
                            DWORD underline, DWORD strikeOut, DWORD charSet, DWORD outPrecision, DWORD clipPrecision,

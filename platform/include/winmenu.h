@@ -50,19 +50,12 @@ TDKP_API BOOL DestroyMenu(HMENU menu);
 TDKP_API BOOL IsMenu(HMENU menu);
 // With MF_POPUP `item` is the submenu's handle, which belongs to this menu from then on; else the command.
 TDKP_API BOOL AppendMenuA(HMENU menu, UINT flags, UINT_PTR item, LPCSTR text);
-// Both give the former state, 0xFFFFFFFF if there is no such item.
-TDKP_API DWORD CheckMenuItem(HMENU menu, UINT item, UINT flags);
-TDKP_API BOOL EnableMenuItem(HMENU menu, UINT item, UINT flags);
 // Gives the dot to `checked` and takes the mark from the others from `first` to `last`.
 TDKP_API BOOL CheckMenuRadioItem(HMENU menu, UINT first, UINT last, UINT checked, UINT flags);
 TDKP_API INT GetMenuItemCount(HMENU menu);  // -1 if there is no such menu
-// 0xFFFFFFFF for an item that opens a submenu, and if there is none.
-TDKP_API UINT GetMenuItemID(HMENU menu, INT position);
-TDKP_API HMENU GetSubMenu(HMENU menu, INT position);
-// MF_ flags, with the number of items in the high byte of the low word if the item opens a submenu.
+// MF_ flags, with the number of items in the high byte of the low word if the item opens a submenu. 0xFFFFFFFF if
+// there is no such item.
 TDKP_API UINT GetMenuState(HMENU menu, UINT item, UINT flags);
-// Gives the length of what was copied; with a null buffer that of the whole text.
-TDKP_API INT GetMenuStringA(HMENU menu, UINT item, LPSTR text, INT size, UINT flags);
 // Where an item of an open menu lies on the screen. The window isn't looked at.
 TDKP_API BOOL GetMenuItemRect(HWND window, HMENU menu, UINT position, RECT* rect);
 

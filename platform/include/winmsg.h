@@ -38,7 +38,6 @@ using LPMSG = MSG*;
 #define WM_SETCURSOR 0x0020
 #define WM_SETFONT 0x0030
 #define WM_GETFONT 0x0031
-#define WM_NOTIFY 0x004E
 #define WM_NCCREATE 0x0081
 #define WM_NCDESTROY 0x0082
 #define WM_NCHITTEST 0x0084
@@ -47,7 +46,6 @@ using LPMSG = MSG*;
 #define WM_KEYDOWN 0x0100
 #define WM_KEYUP 0x0101
 #define WM_CHAR 0x0102
-#define WM_DEADCHAR 0x0103
 #define WM_SYSKEYDOWN 0x0104
 #define WM_SYSKEYUP 0x0105
 #define WM_SYSCHAR 0x0106
@@ -57,10 +55,6 @@ using LPMSG = MSG*;
 #define WM_SYSCOMMAND 0x0112
 #define WM_TIMER 0x0113
 #define WM_HSCROLL 0x0114
-#define WM_VSCROLL 0x0115
-#define WM_CTLCOLORBTN 0x0135
-#define WM_CTLCOLORDLG 0x0136
-#define WM_CTLCOLORSTATIC 0x0138
 #define WM_MOUSEFIRST 0x0200
 #define WM_MOUSEMOVE 0x0200
 #define WM_LBUTTONDOWN 0x0201
@@ -87,7 +81,6 @@ using LPMSG = MSG*;
 #define WA_INACTIVE 0
 #define WA_ACTIVE 1
 #define WA_CLICKACTIVE 2
-#define HTNOWHERE 0
 #define HTCLIENT 1
 #define SC_CLOSE 0xF060
 
@@ -193,14 +186,10 @@ TDKP_API LRESULT SendMessageA(HWND window, UINT message, WPARAM wParam, LPARAM l
 TDKP_API LRESULT SendDlgItemMessageA(HWND parent, INT id, UINT message, WPARAM wParam, LPARAM lParam);
 TDKP_API BOOL GetMessageA(MSG* message, HWND window, UINT first, UINT last);
 TDKP_API BOOL PeekMessageA(MSG* message, HWND window, UINT first, UINT last, UINT remove);
-TDKP_API BOOL WaitMessage(void);
 TDKP_API BOOL TranslateMessage(const MSG* message);
 TDKP_API LRESULT DispatchMessageA(const MSG* message);
 TDKP_API LRESULT DefWindowProcA(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 TDKP_API LRESULT CallWindowProcA(WNDPROC procedure, HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 TDKP_API LONG GetMessageTime(void);
-TDKP_API DWORD GetMessagePos(void);
-TDKP_API DWORD GetQueueStatus(UINT flags);
-TDKP_API BOOL InSendMessage(void);
 TDKP_API DWORD MsgWaitForMultipleObjects(DWORD count, const HANDLE* handles, BOOL waitAll, DWORD milliseconds,
                                          DWORD wakeMask);

@@ -63,7 +63,6 @@ TDKP_API LSTATUS RegCloseKey(HKEY key);
 // `size` the size needed.
 TDKP_API LSTATUS RegQueryValueExA(HKEY key, LPCSTR name, DWORD* reserved, DWORD* type, BYTE* data, DWORD* size);
 TDKP_API LSTATUS RegSetValueExA(HKEY key, LPCSTR name, DWORD reserved, DWORD type, const BYTE* data, DWORD size);
-TDKP_API LSTATUS RegDeleteValueA(HKEY key, LPCSTR name);
 
 // Lengths of names are without their terminating zero when told, with it when given as a buffer's size.
 TDKP_API LSTATUS RegEnumValueA(HKEY key, DWORD index, LPSTR name, DWORD* nameLength, DWORD* reserved, DWORD* type,
@@ -71,7 +70,5 @@ TDKP_API LSTATUS RegEnumValueA(HKEY key, DWORD index, LPSTR name, DWORD* nameLen
 TDKP_API LSTATUS RegEnumKeyExA(HKEY key, DWORD index, LPSTR name, DWORD* nameLength, DWORD* reserved, LPSTR keyClass,
                                DWORD* classLength, FILETIME* lastWrite);
 
-// A key with subkeys can't be deleted by RegDeleteKeyA. RegDeleteTreeA takes a key with all below it; with a null
-// `subKey` it empties the key itself.
-TDKP_API LSTATUS RegDeleteKeyA(HKEY key, LPCSTR subKey);
+// Takes a key with all below it; with a null `subKey` it empties the key itself.
 TDKP_API LSTATUS RegDeleteTreeA(HKEY key, LPCSTR subKey);

@@ -65,13 +65,9 @@ inline LPSTR MAKEINTRESOURCEA(ULONG_PTR id) {
 #define CS_HREDRAW 0x0002
 #define CS_DBLCLKS 0x0008
 #define CS_OWNDC 0x0020
-#define CS_CLASSDC 0x0040
-#define CS_PARENTDC 0x0080
-#define CS_NOCLOSE 0x0200
 #define CS_SAVEBITS 0x0800
 #define CS_BYTEALIGNCLIENT 0x1000
 #define CS_BYTEALIGNWINDOW 0x2000
-#define CS_GLOBALCLASS 0x4000
 
 // Window styles.
 #define WS_OVERLAPPED 0x00000000u
@@ -149,9 +145,6 @@ inline LPSTR MAKEINTRESOURCEA(ULONG_PTR id) {
 #define GWLP_HWNDPARENT (-8)
 #define GWLP_ID (-12)
 #define GWLP_USERDATA (-21)
-#define GWL_WNDPROC (-4)
-#define GWL_HINSTANCE (-6)
-#define GWL_HWNDPARENT (-8)
 #define GWL_ID (-12)
 #define GWL_STYLE (-16)
 #define GWL_EXSTYLE (-20)
@@ -235,7 +228,6 @@ inline LPSTR MAKEINTRESOURCEA(ULONG_PTR id) {
 TDKP_API ATOM RegisterClassA(const WNDCLASSA* windowClass);
 TDKP_API BOOL UnregisterClassA(LPCSTR className, HINSTANCE instance);
 TDKP_API BOOL GetClassInfoA(HINSTANCE instance, LPCSTR className, WNDCLASSA* windowClass);
-TDKP_API INT GetClassNameA(HWND window, LPSTR text, INT size);
 
 // Windows.
 TDKP_API HWND CreateWindowExA(DWORD exStyle, LPCSTR className, LPCSTR title, DWORD style, INT x, INT y, INT width,
@@ -270,7 +262,6 @@ TDKP_API DWORD GetWindowThreadProcessId(HWND window, DWORD* process);
 TDKP_API BOOL GetClientRect(HWND window, RECT* rect);
 TDKP_API BOOL GetWindowRect(HWND window, RECT* rect);
 // The window manager's frame is outside of the window: the rectangle comes back as it was.
-TDKP_API BOOL AdjustWindowRectEx(RECT* rect, DWORD style, BOOL menu, DWORD exStyle);
 TDKP_API BOOL AdjustWindowRect(RECT* rect, DWORD style, BOOL menu);
 TDKP_API BOOL ClientToScreen(HWND window, POINT* point);
 TDKP_API BOOL ScreenToClient(HWND window, POINT* point);
@@ -306,10 +297,7 @@ TDKP_API BOOL ReleaseCapture(void);
 TDKP_API SHORT GetKeyState(INT virtualKey);
 // Also while the pointer is over another program's window.
 TDKP_API BOOL GetCursorPos(POINT* point);
-// The innermost window of the process under this place of the screen; null if another program's lies there.
-TDKP_API HWND WindowFromPoint(POINT point);
 #define TME_LEAVE 0x00000002u
-#define TME_CANCEL 0x80000000u
 struct TRACKMOUSEEVENT {
     DWORD cbSize;
     DWORD dwFlags;

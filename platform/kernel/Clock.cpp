@@ -51,9 +51,10 @@ bool UsesSteppedClock() {
 }
 
 uint64_t Now() {
-    if (UsesSteppedClock()) {
-        return steppedNow.load(std::memory_order_relaxed);
-    }
+    return UsesSteppedClock() ? steppedNow.load(std::memory_order_relaxed) : MachineNow();
+}
+
+uint64_t MachineNow() {
     timespec now{};
     clock_gettime(CLOCK_MONOTONIC, &now);
     return static_cast<uint64_t>(now.tv_sec) * kNanosecondsPerSecond + static_cast<uint64_t>(now.tv_nsec);

@@ -13,6 +13,8 @@ bool UsesSteppedClock();
 
 // Nanoseconds since a fixed point. Any thread.
 uint64_t Now();
+// The same of the machine, whatever the layer's clock is.
+uint64_t MachineNow();
 
 // The point of time `milliseconds` from now; kNoDeadline for kInfinite.
 uint64_t DeadlineAfter(uint32_t milliseconds);

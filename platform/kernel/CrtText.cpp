@@ -8,11 +8,6 @@
 
 namespace {
 
-// Whatever the process's locale is: names of files and settings must not change with it.
-int ToLower(unsigned char character) {
-    return character >= 'A' && character <= 'Z' ? character - 'A' + 'a' : character;
-}
-
 void CopyPart(char* target, size_t capacity, const char* begin, const char* end) {
     if (target != nullptr) {
         const size_t length = std::min(capacity - 1, static_cast<size_t>(end - begin));
@@ -23,21 +18,17 @@ void CopyPart(char* target, size_t capacity, const char* begin, const char* end)
 
 }  // namespace
 
-int _strnicmp(const char* left, const char* right, size_t count) {
+int _stricmp(const char* left, const char* right) {
     if (left == nullptr || right == nullptr) {
         return (left != nullptr ? 1 : 0) - (right != nullptr ? 1 : 0);
     }
-    for (; count > 0; --count, ++left, ++right) {
-        const int difference = ToLower(static_cast<unsigned char>(*left)) - ToLower(static_cast<unsigned char>(*right));
+    for (;; ++left, ++right) {
+        const int difference = static_cast<unsigned char>(tdkp::SmallLetter(*left)) -
+                               static_cast<unsigned char>(tdkp::SmallLetter(*right));
         if (difference != 0 || *left == '\0') {
             return difference;
         }
     }
-    return 0;
-}
-
-int _stricmp(const char* left, const char* right) {
-    return _strnicmp(left, right, SIZE_MAX);
 }
 
 void _splitpath(const char* path, char* drive, char* directory, char* name, char* extension) {

@@ -81,9 +81,6 @@ uint32_t CurrentThreadId();
 using ThreadEndHook = void (*)(uint32_t threadId);
 void AddThreadEndHook(ThreadEndHook hook);
 
-// Is the thread with this id still running? The guard must be held.
-bool ThreadIsAlive(DispatcherGuard& guard, uint32_t threadId);
-
 // Supplied by the room above (user) for waits that include messages: says whether input newer than
 // the last look waits for this thread, in the categories of `wakeMask` (QS_ bits). Called under the lock.
 // `ServeSentMessages` is called without the lock, when a message wait wakes for a sent message; the wait

@@ -1,4 +1,4 @@
-// Memory that several views, and bitmaps, can show at once.
+// Memory that several bitmaps can show at once.
 #pragma once
 
 #include <cstdint>
@@ -8,22 +8,19 @@
 
 namespace tdkp {
 
-// Owns its descriptor. The bytes live as long as the object or a view of it.
+// Owns its descriptor. The bytes live as long as the object or a bitmap of it.
 class FileMapping : public KernelObject {
 public:
-    FileMapping(int descriptor, uint64_t size, bool writable)
-        : descriptor_(descriptor), size_(size), writable_(writable) {}
+    FileMapping(int descriptor, uint64_t size) : descriptor_(descriptor), size_(size) {}
     ~FileMapping() override;
 
     // For mmap with MAP_SHARED; stays the object's own.
     int Descriptor() const { return descriptor_; }
     uint64_t Size() const { return size_; }
-    bool Writable() const { return writable_; }
 
 private:
     const int descriptor_;
     const uint64_t size_;
-    const bool writable_;
 };
 
 // Null if the handle isn't one of a file mapping. Any thread.

@@ -2,8 +2,7 @@
 
 #include <sys/stat.h>
 
-#include "platform/include/winbase.h"
-#include "platform/kernel/FileAttributes.h"
+#include "platform/include/tdkcrt.h"
 #include "platform/kernel/PathText.h"
 
 int _stat32(const char* path, struct _stat32* record) {
@@ -27,13 +26,4 @@ int _stat32(const char* path, struct _stat32* record) {
     record->st_mtim.tv_sec = static_cast<int32_t>(status.st_mtim.tv_sec);
     record->st_ctim.tv_sec = static_cast<int32_t>(status.st_ctim.tv_sec);
     return 0;
-}
-
-DWORD GetFileAttributesA(LPCSTR path) {
-    struct stat status {};
-    if (path == nullptr || stat(tdkp::NativePath(path).c_str(), &status) != 0) {
-        SetLastError(path == nullptr || errno == ENOENT ? ERROR_FILE_NOT_FOUND : ERROR_PATH_NOT_FOUND);
-        return INVALID_FILE_ATTRIBUTES;
-    }
-    return tdkp::AttributesOf(status);
 }

@@ -7,10 +7,10 @@
 #include <vector>
 
 #include <dirent.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "platform/include/winbase.h"
-#include "platform/kernel/FileAttributes.h"
 #include "platform/kernel/HandleTable.h"
 #include "platform/kernel/PathText.h"
 
@@ -54,6 +54,15 @@ FILETIME ToFileTime(const timespec& time) {
     const auto seconds = static_cast<uint64_t>(static_cast<int64_t>(time.tv_sec) + kSecondsFrom1601To1970);
     const uint64_t value = seconds * kFileTimesPerSecond + static_cast<uint64_t>(time.tv_nsec) / 100;
     return {static_cast<DWORD>(value), static_cast<DWORD>(value >> 32)};
+}
+
+// Write permission of nobody makes a file read-only.
+DWORD AttributesOf(const struct stat& status) {
+    constexpr mode_t kAnyWrite = S_IWUSR | S_IWGRP | S_IWOTH;
+    DWORD attributes = 0;
+    attributes |= S_ISDIR(status.st_mode) ? FILE_ATTRIBUTE_DIRECTORY : 0;
+    attributes |= (status.st_mode & kAnyWrite) == 0 ? FILE_ATTRIBUTE_READONLY : 0;
+    return attributes != 0 ? attributes : FILE_ATTRIBUTE_NORMAL;
 }
 
 class FileSearch : public KernelObject {

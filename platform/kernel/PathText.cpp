@@ -8,8 +8,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "platform/include/tdkcrt.h"
-
 namespace tdkp {
 namespace {
 
@@ -73,7 +71,8 @@ bool LeadsUpwards(const std::string& link) {
 }
 
 bool EqualsIgnoringCase(std::string_view left, std::string_view right) {
-    return left.size() == right.size() && _strnicmp(left.data(), right.data(), left.size()) == 0;
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                      [](char a, char b) { return SmallLetter(a) == SmallLetter(b); });
 }
 
 }  // namespace tdkp

@@ -18,6 +18,10 @@ std::string AbsolutePath(const std::string& path);
 // Whether a link leads to a folder that it lies in, or was reached through: a walk that follows it would never end.
 bool LeadsUpwards(const std::string& link);
 
+// Names of files, classes, keys: the letters A to Z count the same in either case, whatever the process's locale is.
+constexpr char SmallLetter(char letter) {
+    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+}
 bool EqualsIgnoringCase(std::string_view left, std::string_view right);
 
 }  // namespace tdkp

@@ -12,13 +12,6 @@ namespace {
 
 constexpr uintptr_t kLastNumber = 0xFFFF;
 
-// In UTF-8, a byte with these two bits goes on with the character in front of it.
-constexpr unsigned char kContinuationMask = 0xC0, kContinuation = 0x80;
-
-bool StartsCharacter(char byte) {
-    return (static_cast<unsigned char>(byte) & kContinuationMask) != kContinuation;
-}
-
 }  // namespace
 
 HRSRC FindResourceA(HMODULE module, LPCSTR name, LPCSTR type) {
@@ -58,7 +51,7 @@ INT LoadStringA(HINSTANCE instance, UINT id, LPSTR buffer, INT size) {
         tdkp::TextFromUtf16(tdkp::StringInBlock(tdkp::ResEntryData(reinterpret_cast<const uint8_t*>(block)), number));
     size_t length = std::min(text.size(), static_cast<size_t>(size) - 1);
     // A text that is cut ends with a whole character.
-    while (length > 0 && length < text.size() && !StartsCharacter(text[length])) --length;
+    while (length > 0 && length < text.size() && tdkp::IsContinuation(text[length])) --length;
     std::memcpy(buffer, text.data(), length);
     buffer[length] = '\0';
     return static_cast<INT>(length);

@@ -176,12 +176,6 @@ void PauseForRetry() {
     nanosleep(&pause, nullptr);
 }
 
-uint64_t MachineNow() {
-    timespec now{};
-    clock_gettime(CLOCK_MONOTONIC, &now);
-    return static_cast<uint64_t>(now.tv_sec) * kNanosecondsPerSecond + static_cast<uint64_t>(now.tv_nsec);
-}
-
 bool HasEnded(const ThreadRecord& record) {
     DispatcherGuard guard(DispatcherLock());
     return record.Ended;

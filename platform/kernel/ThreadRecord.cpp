@@ -128,11 +128,6 @@ void RunThreadEndHooks(uint32_t threadId) {
     }
 }
 
-bool ThreadIsAlive(DispatcherGuard&, uint32_t threadId) {
-    LayerGuard registerGuard(Register().Lock);
-    return Register().Records.count(threadId) != 0;
-}
-
 void MarkServiceThread() {
     ThreadRecord& record = CurrentRecord();
     DispatcherGuard guard(DispatcherLock());

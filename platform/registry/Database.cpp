@@ -28,7 +28,6 @@ constexpr const char* kInsertKey = "INSERT OR IGNORE INTO keys(path) VALUES(?1)"
 constexpr const char* kSetValue =
     "INSERT INTO vals(path, name, type, data) VALUES(?1, ?2, ?3, ?4)"
     " ON CONFLICT(path, name) DO UPDATE SET type = excluded.type, data = excluded.data";
-constexpr const char* kDeleteValue = "DELETE FROM vals WHERE path = ?1 AND name = ?2";
 constexpr const char* kAllKeys = "SELECT path FROM keys";
 constexpr const char* kAllValues = "SELECT path, name, type, data FROM vals";
 
@@ -79,7 +78,6 @@ Database::~Database() {
 void Database::Close() {
     insertKey_.reset();
     setValue_.reset();
-    deleteValue_.reset();
     sqlite3_close(connection_);
     connection_ = nullptr;
     writable_ = false;
@@ -245,16 +243,6 @@ DatabaseResult Database::SetValue(std::string_view path, std::string_view name, 
         sqlite3_bind_blob(setValue_.get(), 4, data.empty() ? "" : data.data(), static_cast<int>(data.size()),
                           SQLITE_STATIC);
         return Step(setValue_);
-    });
-}
-
-DatabaseResult Database::DeleteValue(std::string_view path, std::string_view name) {
-    return Transact([&] {
-        const DatabaseResult result = Prepare(deleteValue_, kDeleteValue);
-        if (result != DatabaseResult::kDone) return result;
-        BindText(deleteValue_.get(), 1, path);
-        BindText(deleteValue_.get(), 2, name);
-        return Step(deleteValue_);
     });
 }
 

@@ -44,7 +44,6 @@ public:
     // Paths are complete, roots' names included. A key that isn't there is made, with its parents.
     DatabaseResult CreateKey(std::string_view path);
     DatabaseResult SetValue(std::string_view path, std::string_view name, uint32_t type, std::string_view data);
-    DatabaseResult DeleteValue(std::string_view path, std::string_view name);
     // The key, unless only what is in and below it is to go.
     DatabaseResult DeleteTree(std::string_view path, bool keepKey);
 
@@ -72,7 +71,6 @@ private:
     bool writable_ = false;
     Statement insertKey_;
     Statement setValue_;
-    Statement deleteValue_;
 };
 
 }  // namespace tdkp

@@ -6,6 +6,8 @@
 
 #include <cstdlib>
 
+#include "platform/kernel/PathText.h"
+
 namespace tdkp {
 namespace {
 
@@ -33,9 +35,7 @@ std::string HomeFolder() {
 
 std::string FoldCase(std::string_view name) {
     std::string folded(name);
-    for (char& letter : folded) {
-        if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
-    }
+    for (char& letter : folded) letter = SmallLetter(letter);
     return folded;
 }
 

@@ -51,18 +51,6 @@ bool Stands(const RegistryValue* value, DWORD type, std::string_view data) {
     return value != nullptr && value->type == type && value->data == data;
 }
 
-LSTATUS DeleteKey(HKEY key, LPCSTR subKey, bool withSubKeys) {
-    const Registry::Session registry;
-    std::string path;
-    const LSTATUS found = registry->PathOf(key, 0, &path);
-    if (found != ERROR_SUCCESS) return found;
-    const std::string target = JoinKeyPath(path, subKey);
-    const bool keepKey = target == path;
-    if (registry->FindKey(target) == nullptr) return ERROR_FILE_NOT_FOUND;
-    if (!withSubKeys && (keepKey || !registry->Contents().SubKeys(target).empty())) return ERROR_ACCESS_DENIED;
-    return registry->Write(&Database::DeleteTree, target, keepKey);
-}
-
 }  // namespace
 }  // namespace tdkp
 
@@ -129,21 +117,15 @@ TDKP_API LSTATUS RegSetValueExA(HKEY key, LPCSTR name, DWORD, DWORD type, const 
     return registry->Write(&Database::SetValue, path, NameOf(name), type, bytes);
 }
 
-TDKP_API LSTATUS RegDeleteValueA(HKEY key, LPCSTR name) {
+TDKP_API LSTATUS RegDeleteTreeA(HKEY key, LPCSTR subKey) {
     const Registry::Session registry;
     std::string path;
-    const LSTATUS found = registry->PathOf(key, KEY_SET_VALUE, &path);
+    const LSTATUS found = registry->PathOf(key, 0, &path);
     if (found != ERROR_SUCCESS) return found;
-    if (registry->Contents().FindValue(path, NameOf(name)) == nullptr) return ERROR_FILE_NOT_FOUND;
-    return registry->Write(&Database::DeleteValue, path, NameOf(name));
-}
-
-TDKP_API LSTATUS RegDeleteKeyA(HKEY key, LPCSTR subKey) {
-    return subKey != nullptr ? DeleteKey(key, subKey, false) : ERROR_INVALID_PARAMETER;
-}
-
-TDKP_API LSTATUS RegDeleteTreeA(HKEY key, LPCSTR subKey) {
-    return DeleteKey(key, subKey, true);
+    const std::string target = JoinKeyPath(path, subKey);
+    const bool keepKey = target == path;
+    if (registry->FindKey(target) == nullptr) return ERROR_FILE_NOT_FOUND;
+    return registry->Write(&Database::DeleteTree, target, keepKey);
 }
 
 TDKP_API LSTATUS RegEnumValueA(HKEY key, DWORD index, LPSTR name, DWORD* nameLength, DWORD*, DWORD* type, BYTE* data,

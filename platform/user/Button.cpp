@@ -101,12 +101,6 @@ LRESULT OnFocus(HWND button, bool gained) {
     return 0;
 }
 
-LRESULT PassOn(HWND button, UINT message, WPARAM wParam, LPARAM lParam) {
-    const LRESULT result = DefWindowProcA(button, message, wParam, lParam);
-    InvalidateRect(button, nullptr, FALSE);
-    return result;
-}
-
 // What lies inside a group box is beside it in the tree, and shows on top of it.
 LRESULT OnNcCreate(HWND button) {
     const LONG_PTR style = GetWindowLongPtrA(button, GWL_EXSTYLE);
@@ -152,10 +146,10 @@ LRESULT CALLBACK ButtonProcedure(HWND button, UINT message, WPARAM wParam, LPARA
             return OnFocus(button, message == WM_SETFOCUS);
         case WM_ENABLE:
         case WM_SETTEXT:
-            return PassOn(button, message, wParam, lParam);
+            return PassOnAndRepaint(button, message, wParam, lParam);
         case WM_SETFONT:
             SetWindowLongPtrA(button, kFontOffset, static_cast<LONG_PTR>(wParam));
-            return PassOn(button, message, wParam, lParam);
+            return PassOnAndRepaint(button, message, wParam, lParam);
         case WM_GETFONT:
             return GetWindowLongPtrA(button, kFontOffset);
         case WM_GETDLGCODE:

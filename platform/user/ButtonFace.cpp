@@ -2,6 +2,7 @@
 
 #include "platform/gdi/Resolution.h"
 #include "platform/user/ControlPaint.h"
+#include "platform/user/TextMeasure.h"
 
 namespace tdkp {
 namespace {
@@ -51,7 +52,7 @@ void PaintCheck(HWND button, LONG_PTR state) {
 
     constexpr UINT kFormat = DT_LEFT | DT_VCENTER | DT_SINGLELINE;
     const std::string text = ControlText(button);
-    const SIZE size = paint.LabelSize(text, kFormat);
+    const SIZE size = TextSize(paint.Dc(), text, kFormat);
     RECT label = all;
     label.left = CheckLabelStart();
     paint.Label(text, label, kFormat);
@@ -66,7 +67,7 @@ void PaintGroup(HWND button) {
     ControlPaint paint(button);
     constexpr UINT kFormat = DT_LEFT | DT_SINGLELINE;
     const std::string text = ControlText(button);
-    const SIZE size = paint.LabelSize(text, kFormat);
+    const SIZE size = TextSize(paint.Dc(), text, kFormat);
     const LONG gap = ScaledPixels(kCaptionGap);
     RECT box = paint.Box();
     paint.Fill(box, COLOR_BTNFACE);

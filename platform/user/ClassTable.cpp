@@ -1,16 +1,15 @@
 #include "platform/user/ClassTable.h"
 
 #include <commctrl.h>
-#include <strings.h>
 
 #include <algorithm>
 
 #include "platform/kernel/Immortal.h"
+#include "platform/kernel/PathText.h"
 #include "platform/user/Button.h"
 #include "platform/user/DialogWindow.h"
 #include "platform/user/MenuWindow.h"
 #include "platform/user/Static.h"
-#include "platform/user/SystemColors.h"
 #include "platform/user/Trackbar.h"
 #include "platform/user/WindowTable.h"
 
@@ -51,7 +50,7 @@ Classes& TheClasses() {
 
 bool HasName(const WindowClass& windowClass, LPCSTR name) {
     const auto number = reinterpret_cast<ULONG_PTR>(name);
-    return number <= kLargestAtom ? windowClass.atom == number : strcasecmp(windowClass.name.c_str(), name) == 0;
+    return number <= kLargestAtom ? windowClass.atom == number : EqualsIgnoringCase(windowClass.name, name);
 }
 
 auto FindOwn(Classes& classes, LPCSTR name, HINSTANCE instance) {
@@ -105,8 +104,8 @@ TDKP_API BOOL UnregisterClassA(LPCSTR className, HINSTANCE instance) {
         brush = (*found)->info.hbrBackground;
         classes.list.erase(found);
     }
-    // The brush came with the class and goes with it.
-    if (!tdkp::IsSystemBrush(brush)) DeleteObject(brush);
+    // The brush came with the class and goes with it; those of the system stay.
+    DeleteObject(brush);
     return TRUE;
 }
 
@@ -123,17 +122,4 @@ TDKP_API BOOL GetClassInfoA(HINSTANCE instance, LPCSTR className, WNDCLASSA* win
     }
     *windowClass = found->info;
     return TRUE;
-}
-
-TDKP_API INT GetClassNameA(HWND window, LPSTR text, INT size) {
-    if (text == nullptr || size <= 0) return 0;
-    DispatcherGuard guard(DispatcherLock());
-    const tdkp::Window* state = tdkp::FindWindowState(guard, window);
-    if (state == nullptr) {
-        SetLastError(ERROR_INVALID_WINDOW_HANDLE);
-        return 0;
-    }
-    const size_t length = state->windowClass->name.copy(text, static_cast<size_t>(size) - 1);
-    text[length] = '\0';
-    return static_cast<INT>(length);
 }

@@ -1,5 +1,7 @@
 #include "platform/user/ControlPaint.h"
 
+#include <cctype>
+
 namespace tdkp {
 
 ControlPaint::ControlPaint(HWND control) : control_(control) {
@@ -51,17 +53,24 @@ void ControlPaint::Label(const std::string& text, RECT box, UINT format) {
     DrawTextA(Dc(), text.c_str(), length, &box, format);
 }
 
-SIZE ControlPaint::LabelSize(const std::string& text, UINT format) {
-    RECT box = {0, 0, 0, 0};
-    DrawTextA(Dc(), text.c_str(), static_cast<INT>(text.size()), &box, format | DT_CALCRECT);
-    return {box.right, box.bottom};
-}
-
 std::string ControlText(HWND control) {
     const INT length = GetWindowTextLengthA(control);
     std::string text(static_cast<size_t>(length) + 1, '\0');
     text.resize(static_cast<size_t>(GetWindowTextA(control, text.data(), length + 1)));
     return text;
+}
+
+char MnemonicOf(const std::string& text) {
+    for (size_t at = text.find('&'); at != std::string::npos && at + 1 < text.size(); at = text.find('&', at + 2)) {
+        if (text[at + 1] != '&') return static_cast<char>(std::tolower(static_cast<unsigned char>(text[at + 1])));
+    }
+    return 0;
+}
+
+LRESULT PassOnAndRepaint(HWND control, UINT message, WPARAM wParam, LPARAM lParam) {
+    const LRESULT result = DefWindowProcA(control, message, wParam, lParam);
+    InvalidateRect(control, nullptr, FALSE);
+    return result;
 }
 
 }  // namespace tdkp

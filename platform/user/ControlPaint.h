@@ -26,7 +26,6 @@ public:
     void FocusRect(const RECT& box);
     // The control's text with DT_ flags; embossed if the control is disabled.
     void Label(const std::string& text, RECT box, UINT format);
-    SIZE LabelSize(const std::string& text, UINT format);
 
 private:
     HWND control_;
@@ -36,6 +35,12 @@ private:
 };
 
 std::string ControlText(HWND control);
+// The character behind the first single '&', which stands for the control or the item, in lower case; 0 if there is
+// none.
+char MnemonicOf(const std::string& text);
+
+// For a message that changes what the control shows.
+LRESULT PassOnAndRepaint(HWND control, UINT message, WPARAM wParam, LPARAM lParam);
 
 // Parts of the box, for callers that cut it up.
 constexpr LONG WidthOf(const RECT& box) {

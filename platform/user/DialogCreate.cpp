@@ -5,6 +5,8 @@
 #include "platform/user/DialogFont.h"
 #include "platform/user/DialogWindow.h"
 #include "platform/user/Focus.h"
+#include "platform/user/WindowPosition.h"
+#include "platform/user/WindowRaster.h"
 
 namespace tdkp {
 namespace {
@@ -12,7 +14,7 @@ namespace {
 // Where the dialog goes on the screen: all of it is seen if there is room for it.
 RECT PlaceOf(const DialogLayout& dialog, const DialogUnits& units, HWND parent) {
     const DLGTEMPLATE& layout = dialog.layout;
-    const SIZE screen = {GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
+    const SIZE screen = DisplaySize();
     const POINT size = units.Scale(layout.cx, layout.cy);
     RECT within = {0, 0, screen.cx, screen.cy};
     const bool onScreen = parent == nullptr || (layout.style & DS_ABSALIGN) != 0;
@@ -24,8 +26,7 @@ RECT PlaceOf(const DialogLayout& dialog, const DialogUnits& units, HWND parent) 
         corner.x = within.left + (within.right - within.left - size.x) / 2;
         corner.y = within.top + (within.bottom - within.top - size.y) / 2;
     }
-    corner.x = std::max(std::min(corner.x, screen.cx - size.x), LONG{0});
-    corner.y = std::max(std::min(corner.y, screen.cy - size.y), LONG{0});
+    corner = OntoScreen(corner, {size.x, size.y}, screen);
     return {corner.x, corner.y, corner.x + size.x, corner.y + size.y};
 }
 

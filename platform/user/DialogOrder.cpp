@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cctype>
 
+#include "platform/user/ControlPaint.h"
 #include "platform/user/DialogWindow.h"
 #include "platform/user/WindowTable.h"
 
@@ -37,14 +38,6 @@ int IndexOf(const std::vector<Control>& controls, HWND window) {
 
 bool IsStatic(HWND control) {
     return (SendMessageA(control, WM_GETDLGCODE, 0, 0) & DLGC_STATIC) != 0;
-}
-
-// The character behind the first single '&', in lower case; 0 if there is none.
-char MnemonicOf(const std::string& text) {
-    for (size_t at = text.find('&'); at != std::string::npos && at + 1 < text.size(); at = text.find('&', at + 2)) {
-        if (text[at + 1] != '&') return static_cast<char>(std::tolower(static_cast<unsigned char>(text[at + 1])));
-    }
-    return 0;
 }
 
 }  // namespace

@@ -14,16 +14,10 @@ namespace {
 constexpr UINT kHowMany = 0xFFFFFFFFu;
 constexpr uintptr_t kFirstHandle = 0x00080001;
 
-struct Drop {
-    std::vector<std::string> paths;
-    POINT place = {0, 0};  // in the client area
-    bool inClient = false;
-};
-
 struct Drops {
     LayerMutex mutex;
     // Guarded by it.
-    std::map<HDROP, Drop> byHandle;
+    std::map<HDROP, std::vector<std::string>> byHandle;
     uintptr_t nextHandle = kFirstHandle;
 };
 
@@ -31,52 +25,38 @@ Drops& TheDrops() {
     return Immortal<Drops>();
 }
 
-HDROP AddDrop(Drop drop) {
+HDROP AddDrop(std::vector<std::string> paths) {
     Drops& drops = TheDrops();
     const LayerGuard guard(drops.mutex);
     const auto handle = reinterpret_cast<HDROP>(drops.nextHandle++);
-    drops.byHandle[handle] = std::move(drop);
+    drops.byHandle[handle] = std::move(paths);
     CountHandle(1);
     return handle;
 }
 
-// Who takes files at this place, which is moved into its client area. Null if nobody does.
-Window* TakerAt(const DispatcherGuard& guard, HWND window, POINT* point) {
+// Who takes files at this place of the screen. Null if nobody does.
+HWND TakerAt(HWND window, POINT point) {
+    const DispatcherGuard guard(DispatcherLock());
     Window* state = FindWindowState(guard, window);
     if (state == nullptr) return nullptr;
     Window* root = RootOf(guard, *state);
-    point->x -= root->bounds.left;
-    point->y -= root->bounds.top;
-    Window* taker = FindWindowState(guard, WindowAt(guard, *root, point));
-    while (taker != nullptr && (taker->exStyle & WS_EX_ACCEPTFILES) == 0) {
-        point->x += taker->bounds.left + taker->edge;
-        point->y += taker->bounds.top + taker->edge;
-        taker = FindWindowState(guard, taker->parent);
-    }
-    return taker;
+    point.x -= root->bounds.left;
+    point.y -= root->bounds.top;
+    const Window* taker = FindWindowState(guard, WindowAt(guard, *root, &point));
+    while (taker != nullptr && (taker->exStyle & WS_EX_ACCEPTFILES) == 0) taker = FindWindowState(guard, taker->parent);
+    return taker != nullptr ? taker->handle : nullptr;
 }
 
 }  // namespace
 
 bool AcceptsFiles(HWND window, POINT screen) {
-    DispatcherGuard guard(DispatcherLock());
-    return TakerAt(guard, window, &screen) != nullptr;
+    return TakerAt(window, screen) != nullptr;
 }
 
 bool DropFiles(HWND window, POINT screen, std::vector<std::string> paths) {
-    Drop drop;
-    HWND taker = nullptr;
-    {
-        DispatcherGuard guard(DispatcherLock());
-        drop.place = screen;
-        const Window* state = TakerAt(guard, window, &drop.place);
-        if (state == nullptr) return false;
-        taker = state->handle;
-        const RECT client = state->Client();
-        drop.inClient = PtInRect(&client, drop.place) != FALSE;
-    }
-    drop.paths = std::move(paths);
-    const HDROP handle = AddDrop(std::move(drop));
+    const HWND taker = TakerAt(window, screen);
+    if (taker == nullptr) return false;
+    const HDROP handle = AddDrop(std::move(paths));
     if (PostMessageA(taker, WM_DROPFILES, reinterpret_cast<WPARAM>(handle), 0)) return true;
     DragFinish(handle);
     return false;
@@ -97,7 +77,7 @@ TDKP_API UINT DragQueryFileA(HDROP handle, UINT number, LPSTR path, UINT size) {
     const LayerGuard guard(drops.mutex);
     const auto found = drops.byHandle.find(handle);
     if (found == drops.byHandle.end()) return 0;
-    const std::vector<std::string>& paths = found->second.paths;
+    const std::vector<std::string>& paths = found->second;
     if (number == tdkp::kHowMany) return static_cast<UINT>(paths.size());
     if (number >= paths.size()) return 0;
     if (path == nullptr) return static_cast<UINT>(paths[number].size());
@@ -105,15 +85,6 @@ TDKP_API UINT DragQueryFileA(HDROP handle, UINT number, LPSTR path, UINT size) {
     const size_t length = paths[number].copy(path, size - 1);
     path[length] = '\0';
     return static_cast<UINT>(length);
-}
-
-TDKP_API BOOL DragQueryPoint(HDROP handle, POINT* point) {
-    tdkp::Drops& drops = tdkp::TheDrops();
-    const LayerGuard guard(drops.mutex);
-    const auto found = drops.byHandle.find(handle);
-    if (found == drops.byHandle.end() || point == nullptr) return FALSE;
-    *point = found->second.place;
-    return found->second.inClient;
 }
 
 TDKP_API VOID DragFinish(HDROP handle) {

@@ -63,17 +63,8 @@ void ForgetExecutionState(uint32_t thread) {
 }  // namespace tdkp
 
 TDKP_API EXECUTION_STATE SetThreadExecutionState(EXECUTION_STATE state) {
-    if ((state & ~tdkp::kKnown) != 0) return 0;
-    const uint32_t thread = tdkp::CurrentThreadId();
-    const bool continuous = (state & ES_CONTINUOUS) != 0;
-    if (!continuous) {
-        if ((state & ES_DISPLAY_REQUIRED) != 0 && tdkp::DisplayIsOpen()) tdkp::DisplayUse()->WakeUp();
-        tdkp::States& states = tdkp::TheStates();
-        const tdkp::LayerGuard guard(states.mutex);
-        const auto found = states.byThread.find(thread);
-        return found != states.byThread.end() ? found->second : ES_CONTINUOUS;
-    }
-    const EXECUTION_STATE former = tdkp::Exchange(thread, state);
+    if ((state & ~tdkp::kKnown) != 0 || (state & ES_CONTINUOUS) == 0) return 0;
+    const EXECUTION_STATE former = tdkp::Exchange(tdkp::CurrentThreadId(), state);
     if (former != state && tdkp::DisplayIsOpen()) tdkp::TellExecutionState(*tdkp::DisplayUse());
     return former;
 }

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cctype>
 
+#include "platform/user/ControlPaint.h"
 #include "platform/user/MenuTracker.h"
 
 namespace tdkp {
@@ -12,14 +13,9 @@ constexpr WPARAM kLastPlainCharacter = 0x7F;
 
 // The character that chooses the item: the marked one, else the first. 0 if it has none of the plain ones.
 char KeyOf(const MenuItem& item) {
-    const std::string& text = item.text;
-    char key = text.empty() ? '\0' : text[0];
-    for (size_t at = text.find('&'); at != std::string::npos && at + 1 < text.size(); at = text.find('&', at + 2)) {
-        if (text[at + 1] == '&') continue;
-        key = text[at + 1];
-        break;
-    }
-    return static_cast<char>(std::tolower(static_cast<unsigned char>(key)));
+    const char marked = MnemonicOf(item.text);
+    const char first = item.text.empty() ? '\0' : item.text[0];
+    return marked != 0 ? marked : static_cast<char>(std::tolower(static_cast<unsigned char>(first)));
 }
 
 bool IsInput(UINT message) {

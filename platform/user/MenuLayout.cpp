@@ -3,7 +3,8 @@
 #include <algorithm>
 
 #include "platform/gdi/Resolution.h"
-#include "platform/user/ControlPaint.h"
+#include "platform/user/TextMeasure.h"
+#include "platform/user/WindowPosition.h"
 
 namespace tdkp {
 namespace {
@@ -27,37 +28,11 @@ struct Measure {
     }
 };
 
-class TextMeasure {
-public:
-    explicit TextMeasure(HFONT font) : dc_(CreateCompatibleDC(nullptr)), former_(SelectObject(dc_, font)) {}
-    ~TextMeasure() {
-        SelectObject(dc_, former_);
-        DeleteDC(dc_);
-    }
-    TextMeasure(const TextMeasure&) = delete;
-    TextMeasure& operator=(const TextMeasure&) = delete;
-
-    LONG LineHeight() const {
-        TEXTMETRICA metrics = {};
-        GetTextMetricsA(dc_, &metrics);
-        return metrics.tmHeight;
-    }
-    void Add(const std::string& text, Measure* measure) const {
-        const MenuText parts = CutMenuText(text);
-        measure->label = std::max(measure->label, Width(parts.label, DT_SINGLELINE));
-        measure->shortcut = std::max(measure->shortcut, Width(parts.shortcut, DT_SINGLELINE | DT_NOPREFIX));
-    }
-
-private:
-    LONG Width(const std::string& text, UINT format) const {
-        RECT box = {0, 0, 0, 0};
-        DrawTextA(dc_, text.c_str(), static_cast<INT>(text.size()), &box, format | DT_CALCRECT);
-        return box.right;
-    }
-
-    HDC dc_;
-    HGDIOBJ former_;
-};
+void Add(const TextMeasure& measure, const std::string& text, Measure* widest) {
+    const MenuText parts = CutMenuText(text);
+    widest->label = std::max(widest->label, measure.Size(parts.label, DT_SINGLELINE).cx);
+    widest->shortcut = std::max(widest->shortcut, measure.Size(parts.shortcut, DT_SINGLELINE | DT_NOPREFIX).cx);
+}
 
 // How many items from `first` on fit one column; at least one.
 size_t ItemsThatFit(const std::vector<LONG>& heights, size_t first, LONG room) {
@@ -96,7 +71,7 @@ int MenuLayout::ItemAt(POINT point) const {
 
 MenuLayout LayOutMenu(const MenuItems& items, HFONT font, SIZE screen) {
     const TextMeasure measure(font);
-    const LONG row = measure.LineHeight() + 2 * ScaledPixels(kRowPadding);
+    const LONG row = measure.Metrics().tmHeight + 2 * ScaledPixels(kRowPadding);
     std::vector<LONG> heights;
     for (const MenuItem& item : items) heights.push_back(item.Separates() ? ScaledPixels(kSeparatorHeight) : row);
 
@@ -107,7 +82,7 @@ MenuLayout LayOutMenu(const MenuItems& items, HFONT font, SIZE screen) {
     for (size_t first = 0; first < items.size();) {
         const size_t end = first + ItemsThatFit(heights, first, screen.cy - 2 * border);
         Measure texts;
-        for (size_t index = first; index < end; ++index) measure.Add(items[index].text, &texts);
+        for (size_t index = first; index < end; ++index) Add(measure, items[index].text, &texts);
         const LONG right = left + texts.RowWidth();
         LONG top = border;
         for (; first < end; ++first) {
@@ -131,8 +106,7 @@ POINT PlaceMenu(SIZE size, POINT at, UINT flags, SIZE screen) {
         corner.y -= size.cy;
     else if ((flags & TPM_VCENTERALIGN) != 0)
         corner.y -= size.cy / 2;
-    return {std::max(std::min(corner.x, screen.cx - size.cx), LONG{0}),
-            std::max(std::min(corner.y, screen.cy - size.cy), LONG{0})};
+    return OntoScreen(corner, size, screen);
 }
 
 POINT PlaceSubmenu(SIZE size, const RECT& item, SIZE screen) {
@@ -141,8 +115,7 @@ POINT PlaceSubmenu(SIZE size, const RECT& item, SIZE screen) {
     POINT corner = {item.right, item.top - border};
     const bool fitsLeft = item.left >= size.cx;
     if (corner.x + size.cx > screen.cx && fitsLeft) corner.x = item.left - size.cx;
-    return {std::max(std::min(corner.x, screen.cx - size.cx), LONG{0}),
-            std::max(std::min(corner.y, screen.cy - size.cy), LONG{0})};
+    return OntoScreen(corner, size, screen);
 }
 
 }  // namespace tdkp

@@ -4,6 +4,8 @@
 
 #include "platform/gdi/Resolution.h"
 #include "platform/user/Input.h"
+#include "platform/user/WindowPosition.h"
+#include "platform/user/WindowRaster.h"
 #include "platform/user/WindowTable.h"
 
 namespace tdkp {
@@ -17,17 +19,6 @@ thread_local MenuTracker* trackerOfThisThread = nullptr;
 HFONT MakeMenuFont() {
     return CreateFontA(-ScaledPixels(kFontHeight), 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET, 0, 0, 0, 0,
                        "MS Sans Serif");
-}
-
-SIZE ScreenSize() {
-    return {GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
-}
-
-// Of a window of the calling thread; null if it has gone.
-Display* DisplayOf(HWND window) {
-    DispatcherGuard guard(DispatcherLock());
-    const Window* state = FindWindowState(guard, window);
-    return state != nullptr ? state->display : nullptr;
 }
 
 }  // namespace
@@ -59,7 +50,7 @@ bool MenuTracker::ShowFirst(HMENU menu, POINT at) {
     ReleaseCapture();
     std::unique_ptr<OpenMenu> open = Prepare(menu, 0);
     if (!open) return false;
-    const POINT corner = PlaceMenu(open->layout.size, at, flags_, ScreenSize());
+    const POINT corner = PlaceMenu(open->layout.size, at, flags_, DisplaySize());
     if (ShowMenuWindow(open.get(), corner, owner_) == nullptr) return false;
     open_.push_back(std::move(open));
     if (!BeginMenuInput(Innermost().window)) {
@@ -88,7 +79,7 @@ std::unique_ptr<OpenMenu> MenuTracker::Prepare(HMENU menu, UINT position) {
     open->menu = menu;
     open->items = std::move(*items);
     open->font = font_;
-    open->layout = LayOutMenu(open->items, font_, ScreenSize());
+    open->layout = LayOutMenu(open->items, font_, DisplaySize());
     return open;
 }
 
@@ -100,7 +91,7 @@ void MenuTracker::OpenSubmenu() {
     std::unique_ptr<OpenMenu> open = Prepare(item->Submenu(), static_cast<UINT>(opener));
     if (!open || open->items.empty()) return;
     open->opener = opener;
-    const POINT corner = PlaceSubmenu(open->layout.size, ScreenRectOf(parent, opener), ScreenSize());
+    const POINT corner = PlaceSubmenu(open->layout.size, ScreenRectOf(parent, opener), DisplaySize());
     if (ShowMenuWindow(open.get(), corner, owner_) != nullptr) open_.push_back(std::move(open));
 }
 

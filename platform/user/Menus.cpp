@@ -11,8 +11,7 @@ namespace tdkp {
 namespace {
 
 constexpr DWORD kNoItem = 0xFFFFFFFFu;
-constexpr UINT kEnablingFlags = MF_GRAYED | MF_DISABLED;
-constexpr UINT kStoredFlags = kEnablingFlags | MF_CHECKED | MF_POPUP | MF_SEPARATOR | MFT_RADIOCHECK;
+constexpr UINT kStoredFlags = MF_GRAYED | MF_DISABLED | MF_CHECKED | MF_POPUP | MF_SEPARATOR | MFT_RADIOCHECK;
 constexpr uintptr_t kFirstHandle = 0x00100001;
 
 struct Menus {
@@ -65,17 +64,6 @@ Place FindItem(Menus& menus, HMENU menu, UINT item, UINT flags) {
         place = {items, item};
     if (!place) SetLastError(ERROR_MENU_ITEM_NOT_FOUND);
     return place;
-}
-
-// Replaces these bits of the item's state by those of `flags`.
-DWORD ChangeState(HMENU menu, UINT item, UINT flags, UINT bits) {
-    Menus& menus = TheMenus();
-    const LayerGuard guard(menus.mutex);
-    const Place place = FindItem(menus, menu, item, flags);
-    if (!place) return kNoItem;
-    const UINT former = place->state & bits;
-    place->state = (place->state & ~bits) | (flags & bits);
-    return former;
 }
 
 bool Destroy(Menus& menus, HMENU menu) {
@@ -141,14 +129,6 @@ TDKP_API BOOL AppendMenuA(HMENU menu, UINT flags, UINT_PTR item, LPCSTR text) {
     return TRUE;
 }
 
-TDKP_API DWORD CheckMenuItem(HMENU menu, UINT item, UINT flags) {
-    return tdkp::ChangeState(menu, item, flags, MF_CHECKED);
-}
-
-TDKP_API BOOL EnableMenuItem(HMENU menu, UINT item, UINT flags) {
-    return static_cast<BOOL>(tdkp::ChangeState(menu, item, flags, tdkp::kEnablingFlags));
-}
-
 TDKP_API BOOL CheckMenuRadioItem(HMENU menu, UINT first, UINT last, UINT checked, UINT flags) {
     Menus& menus = TheMenus();
     const LayerGuard guard(menus.mutex);
@@ -168,20 +148,6 @@ TDKP_API INT GetMenuItemCount(HMENU menu) {
     return items ? static_cast<INT>(items->size()) : -1;
 }
 
-TDKP_API UINT GetMenuItemID(HMENU menu, INT position) {
-    Menus& menus = TheMenus();
-    const LayerGuard guard(menus.mutex);
-    const tdkp::Place place = tdkp::FindItem(menus, menu, static_cast<UINT>(position), MF_BYPOSITION);
-    return place && place->Submenu() == nullptr ? static_cast<UINT>(place->id) : tdkp::kNoItem;
-}
-
-TDKP_API HMENU GetSubMenu(HMENU menu, INT position) {
-    Menus& menus = TheMenus();
-    const LayerGuard guard(menus.mutex);
-    const tdkp::Place place = tdkp::FindItem(menus, menu, static_cast<UINT>(position), MF_BYPOSITION);
-    return place ? place->Submenu() : nullptr;
-}
-
 TDKP_API UINT GetMenuState(HMENU menu, UINT item, UINT flags) {
     constexpr int kCountShift = 8;
     Menus& menus = TheMenus();
@@ -192,15 +158,4 @@ TDKP_API UINT GetMenuState(HMENU menu, UINT item, UINT flags) {
     const MenuItems* inside = submenu != nullptr ? tdkp::Find(menus, submenu) : nullptr;
     const auto count = static_cast<UINT>(inside != nullptr ? inside->size() : 0);
     return submenu != nullptr ? (place->state & 0xFFu) | count << kCountShift : place->state;
-}
-
-TDKP_API INT GetMenuStringA(HMENU menu, UINT item, LPSTR text, INT size, UINT flags) {
-    Menus& menus = TheMenus();
-    const LayerGuard guard(menus.mutex);
-    const tdkp::Place place = tdkp::FindItem(menus, menu, item, flags);
-    if (!place || (text != nullptr && size <= 0)) return 0;
-    if (text == nullptr) return static_cast<INT>(place->text.size());
-    const size_t length = place->text.copy(text, static_cast<size_t>(size) - 1);
-    text[length] = '\0';
-    return static_cast<INT>(length);
 }

@@ -5,12 +5,11 @@
 #include <sys/timerfd.h>
 #include <unistd.h>
 
+#include "platform/kernel/Clock.h"
+#include "platform/kernel/Dispatcher.h"
+
 namespace tdkp {
 namespace {
-
-constexpr uint32_t kNever = ~0u;
-constexpr long kMillisecondsPerSecond = 1000;
-constexpr long kNanosecondsPerMillisecond = 1000000;
 
 void CloseIfOpen(int fd) {
     if (fd >= 0) close(fd);
@@ -57,9 +56,10 @@ void MessageFd::Set(bool readable, uint32_t untilTimer) {
         static_cast<void>(moved);
     }
     itimerspec when = {};
-    if (untilTimer != kNever) {
-        when.it_value.tv_sec = untilTimer / kMillisecondsPerSecond;
-        when.it_value.tv_nsec = (untilTimer % kMillisecondsPerSecond) * kNanosecondsPerMillisecond;
+    if (untilTimer != kInfinite) {
+        const uint64_t nanoseconds = untilTimer * kNanosecondsPerMillisecond;
+        when.it_value.tv_sec = static_cast<time_t>(nanoseconds / kNanosecondsPerSecond);
+        when.it_value.tv_nsec = static_cast<long>(nanoseconds % kNanosecondsPerSecond);
         if (untilTimer == 0) when.it_value.tv_nsec = 1;  // zero would disarm it
     }
     timerfd_settime(timer_, 0, &when, nullptr);

@@ -15,7 +15,7 @@ public:
     // Made by the first call; -1 if the system has no descriptor left. Belongs to this object.
     int Descriptor();
     bool IsMade() const { return poll_ >= 0; }
-    // `untilTimer`: milliseconds after which it turns readable by itself, ~0 for never.
+    // `untilTimer`: milliseconds after which it turns readable by itself, or kInfinite.
     void Set(bool readable, uint32_t untilTimer);
 
 private:

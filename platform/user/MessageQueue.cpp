@@ -13,8 +13,6 @@ namespace {
 
 struct Queues : std::map<uint32_t, std::unique_ptr<MessageQueue>> {};
 
-const HWND kThreadMessagesOnly = reinterpret_cast<HWND>(static_cast<LONG_PTR>(-1));
-
 Queues& TheQueues() {
     return Immortal<Queues>();
 }
@@ -98,7 +96,7 @@ uint32_t WaitingWithoutTimers(const DispatcherGuard& guard, const MessageQueue& 
 
 bool MessageFilter::TakesWindow(const DispatcherGuard& guard, HWND of) const {
     if (window == nullptr || window == of) return true;
-    return window == kThreadMessagesOnly ? of == nullptr : IsInside(guard, window, of);
+    return window == kThreadMessages ? of == nullptr : IsInside(guard, window, of);
 }
 
 MessageQueue& QueueOf(const DispatcherGuard& guard, uint32_t thread) {

@@ -16,6 +16,8 @@ namespace tdkp {
 
 constexpr size_t kMaxPosted = 10000;
 constexpr size_t kVirtualKeys = 256;
+// In place of a window: the messages that are for none.
+const HWND kThreadMessages = reinterpret_cast<HWND>(static_cast<LONG_PTR>(-1));
 
 // Work that another thread wants done here: a sent message, or something that must run on this thread.
 struct SentCall {

@@ -11,8 +11,6 @@ namespace {
 
 enum class Look { kPeek, kTake, kWaitAndTake };
 
-const HWND kThreadMessages = reinterpret_cast<HWND>(static_cast<LONG_PTR>(-1));
-
 bool CheckFilter(const DispatcherGuard& guard, const MessageFilter& filter) {
     const bool known = filter.window == nullptr || filter.window == kThreadMessages ||
                        FindWindowState(guard, filter.window) != nullptr;
@@ -121,10 +119,6 @@ TDKP_API BOOL PeekMessageA(MSG* message, HWND window, UINT first, UINT last, UIN
     return tdkp::LookForMessage(message, MessageFilter{window, first, last}, look) > 0;
 }
 
-TDKP_API BOOL WaitMessage() {
-    return MsgWaitForMultipleObjects(0, nullptr, FALSE, INFINITE, QS_ALLINPUT) == WAIT_OBJECT_0;
-}
-
 TDKP_API BOOL TranslateMessage(const MSG* message) {
     const bool system = message != nullptr && message->message == WM_SYSKEYDOWN;
     if (message == nullptr || (message->message != WM_KEYDOWN && !system)) return FALSE;
@@ -165,30 +159,4 @@ TDKP_API LONG GetMessageTime() {
     DispatcherGuard guard(DispatcherLock());
     const MessageQueue* queue = tdkp::FindQueue(guard, thread);
     return queue != nullptr ? static_cast<LONG>(queue->lastTime) : 0;
-}
-
-TDKP_API DWORD GetMessagePos() {
-    const uint32_t thread = CurrentThreadId();
-    DispatcherGuard guard(DispatcherLock());
-    const MessageQueue* queue = tdkp::FindQueue(guard, thread);
-    const POINT point = queue != nullptr ? queue->lastPoint : POINT{0, 0};
-    return static_cast<DWORD>(MAKELONG(static_cast<WORD>(point.x), static_cast<WORD>(point.y)));
-}
-
-TDKP_API DWORD GetQueueStatus(UINT flags) {
-    const uint32_t thread = CurrentThreadId();
-    const DWORD now = GetTickCount();
-    DispatcherGuard guard(DispatcherLock());
-    MessageQueue& queue = tdkp::QueueOf(guard, thread);
-    const uint32_t waiting = tdkp::WaitingInput(guard, queue, now) & flags;
-    const uint32_t fresh = queue.changed & waiting;
-    queue.changed &= ~flags;
-    return static_cast<DWORD>(MAKELONG(static_cast<WORD>(fresh), static_cast<WORD>(waiting)));
-}
-
-TDKP_API BOOL InSendMessage() {
-    const uint32_t thread = CurrentThreadId();
-    DispatcherGuard guard(DispatcherLock());
-    const MessageQueue* queue = tdkp::FindQueue(guard, thread);
-    return queue != nullptr && !queue->serving.empty();
 }

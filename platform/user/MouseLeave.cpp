@@ -40,7 +40,7 @@ void NoteLeave(HWND window, DWORD time) {
 
 TDKP_API BOOL TrackMouseEvent(TRACKMOUSEEVENT* event) {
     const DWORD now = GetTickCount();
-    if (event == nullptr || event->cbSize != sizeof(*event) || (event->dwFlags & ~(TME_LEAVE | TME_CANCEL)) != 0) {
+    if (event == nullptr || event->cbSize != sizeof(*event) || event->dwFlags != TME_LEAVE) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return FALSE;
     }
@@ -50,8 +50,7 @@ TDKP_API BOOL TrackMouseEvent(TRACKMOUSEEVENT* event) {
         SetLastError(ERROR_INVALID_WINDOW_HANDLE);
         return FALSE;
     }
-    if ((event->dwFlags & TME_LEAVE) == 0) return TRUE;
-    window->wantsLeave = (event->dwFlags & TME_CANCEL) == 0;
-    if (window->wantsLeave && tdkp::hovered != window->handle) tdkp::QueueLeave(guard, *window, now);
+    window->wantsLeave = true;
+    if (tdkp::hovered != window->handle) tdkp::QueueLeave(guard, *window, now);
     return TRUE;
 }

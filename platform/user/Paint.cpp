@@ -2,7 +2,6 @@
 
 #include "platform/user/MessageQueue.h"
 #include "platform/user/SentCalls.h"
-#include "platform/user/SystemColors.h"
 #include "platform/user/WindowTable.h"
 
 namespace tdkp {
@@ -111,7 +110,7 @@ LRESULT EraseByDefault(HWND window, HDC dc) {
         rect = IsRectEmpty(&state->paintRect) ? state->Client() : state->paintRect;
     }
     if (brush == nullptr) return 0;
-    FillRect(dc, &rect, BrushOfClass(brush));
+    FillRect(dc, &rect, brush);
     return 1;
 }
 

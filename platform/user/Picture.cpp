@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <cstring>
 
+#include "platform/gdi/PixelCodec.h"
+#include "platform/gdi/RasterBlit.h"
+#include "platform/gdi/Rects.h"
 #include "platform/user/ClientEdge.h"
 #include "platform/user/WindowTable.h"
 
@@ -14,15 +17,6 @@ void CopyRows(const Raster& from, uint8_t* to, int32_t toPitch, int32_t width, i
     for (ptrdiff_t row = 0; row < height; ++row) std::memcpy(to + row * toPitch, from.topRow + row * from.pitch, bytes);
 }
 
-// The index of black in the display's palette; 0 in all other formats.
-int BlackPixel(const Raster& raster) {
-    constexpr int kColors = 256;
-    for (int i = 0; raster.format == PixelFormat::kIndexed8 && raster.palette != nullptr && i < kColors; ++i) {
-        if (raster.palette[i] == 0) return i;
-    }
-    return 0;
-}
-
 bool MakeLarger(Display& display, HWND window, const RECT& size, const Raster& old, Raster* made) {
     const int32_t width = std::min(old.width, size.right);
     const int32_t height = std::min(old.height, size.bottom);
@@ -30,10 +24,7 @@ bool MakeLarger(Display& display, HWND window, const RECT& size, const Raster& o
     std::vector<uint8_t> kept(static_cast<size_t>(keptPitch) * static_cast<size_t>(std::max(height, 0)));
     if (!kept.empty()) CopyRows(old, kept.data(), keptPitch, width, height);
     if (!display.MakePicture(IdOf(window), size.right, size.bottom, made) || made->topRow == nullptr) return false;
-    const size_t rowBytes = static_cast<size_t>(made->width) * static_cast<size_t>(BytesPerPixel(made->format));
-    const int black = BlackPixel(*made);
-    for (int32_t row = 0; row < made->height; ++row)
-        std::memset(made->topRow + static_cast<ptrdiff_t>(row) * made->pitch, black, rowBytes);
+    FillPixels(*made, BoundsOf(*made), EncodeColor(*made, RGB(0, 0, 0)));
     if (!kept.empty() && old.format == made->format) {
         const Raster source = {kept.data(), keptPitch, width, height, old.format, nullptr};
         CopyRows(source, made->topRow, made->pitch, width, height);
@@ -63,7 +54,7 @@ Window* HoldPicture(DispatcherGuard& guard, HWND handle, uint32_t thread) {
 void LetGoPicture(DispatcherGuard& guard, Window& window) {
     WindowPicture& picture = window.picture;
     while (picture.depth == 1 && picture.raster.topRow != nullptr && !IsRectEmpty(&picture.exposed)) {
-        const RECT all = {0, 0, picture.raster.width, picture.raster.height};
+        const RECT all = BoundsOf(picture.raster);
         RECT shown;
         IntersectRect(&shown, &picture.exposed, &all);
         picture.exposed = RECT{0, 0, 0, 0};

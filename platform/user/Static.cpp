@@ -61,12 +61,6 @@ LRESULT Paint(HWND control) {
     return 0;
 }
 
-LRESULT PassOn(HWND control, UINT message, WPARAM wParam, LPARAM lParam) {
-    const LRESULT result = DefWindowProcA(control, message, wParam, lParam);
-    InvalidateRect(control, nullptr, FALSE);
-    return result;
-}
-
 LRESULT CALLBACK StaticProcedure(HWND control, UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_CREATE:
@@ -80,10 +74,10 @@ LRESULT CALLBACK StaticProcedure(HWND control, UINT message, WPARAM wParam, LPAR
             return 1;
         case WM_ENABLE:
         case WM_SETTEXT:
-            return PassOn(control, message, wParam, lParam);
+            return PassOnAndRepaint(control, message, wParam, lParam);
         case WM_SETFONT:
             SetWindowLongPtrA(control, kFontOffset, static_cast<LONG_PTR>(wParam));
-            return PassOn(control, message, wParam, lParam);
+            return PassOnAndRepaint(control, message, wParam, lParam);
         case WM_GETFONT:
             return GetWindowLongPtrA(control, kFontOffset);
         case WM_GETDLGCODE:

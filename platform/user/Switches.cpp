@@ -4,8 +4,9 @@
 #include <tdkplatform.h>
 
 #include <algorithm>
-#include <cstring>
 
+#include "platform/gdi/PixelCodec.h"
+#include "platform/gdi/RowConvert.h"
 #include "platform/user/DialogWindow.h"
 #include "platform/user/DroppedFiles.h"
 #include "platform/user/Input.h"
@@ -20,43 +21,12 @@ namespace {
 // A handler that keeps giving its thread work doesn't keep the host's loop in here.
 constexpr uint32_t kMostServed = 1000;
 
-constexpr uint32_t Widen(uint32_t value, int bits) {
-    const uint32_t top = value << (8 - bits);
-    return (top | (top >> bits)) & 0xFF;
-}
-
-uint32_t ColorAt(const Raster& raster, const uint8_t* row, int32_t x) {
-    const uint8_t* at = row + static_cast<ptrdiff_t>(x) * BytesPerPixel(raster.format);
-    const auto word = [at] { return static_cast<uint32_t>(at[0] | at[1] << 8); };
-    switch (raster.format) {
-        case PixelFormat::kIndexed8:
-            return raster.palette != nullptr ? raster.palette[*at] & 0xFFFFFF : 0;
-        case PixelFormat::kRgb555:
-            return Widen(word() >> 10 & 31, 5) << 16 | Widen(word() >> 5 & 31, 5) << 8 | Widen(word() & 31, 5);
-        case PixelFormat::kRgb565:
-            return Widen(word() >> 11, 5) << 16 | Widen(word() >> 5 & 63, 6) << 8 | Widen(word() & 31, 5);
-        case PixelFormat::kRgb24:
-        case PixelFormat::kRgb32:
-            return static_cast<uint32_t>(at[2] << 16 | at[1] << 8 | at[0]);
-        case PixelFormat::kBgr32:
-            return static_cast<uint32_t>(at[0] << 16 | at[1] << 8 | at[2]);
-        case PixelFormat::kNone:
-        case PixelFormat::kMono:
-            break;
-    }
-    return 0;
-}
-
-void CopyColors(const Raster& raster, const uint8_t* row, int32_t x, int32_t count, DWORD* to) {
-    if (raster.format == PixelFormat::kRgb32 && count > 0) {
-        constexpr int32_t kBlock = 16;  // a fixed number is what compilers make vectors of
-        std::memcpy(to, row + static_cast<ptrdiff_t>(x) * sizeof(DWORD), static_cast<size_t>(count) * sizeof(DWORD));
-        for (; count >= kBlock; count -= kBlock, to += kBlock)
-            for (int32_t i = 0; i < kBlock; ++i) to[i] &= 0xFFFFFF;
-        for (int32_t i = 0; i < count; ++i) to[i] &= 0xFFFFFF;
-        return;
-    }
-    for (int32_t i = 0; i < count; ++i) to[i] = ColorAt(raster, row, x + i);
+// What a picture has above its colours means nothing.
+void ClearUpperBytes(DWORD* pixels, int32_t count) {
+    constexpr int32_t kBlock = 16;  // a fixed number is what compilers make vectors of
+    for (; count >= kBlock; count -= kBlock, pixels += kBlock)
+        for (int32_t i = 0; i < kBlock; ++i) pixels[i] &= kColorMask;
+    for (int32_t i = 0; i < count; ++i) pixels[i] &= kColorMask;
 }
 
 struct Layer {
@@ -85,6 +55,9 @@ void CopyLayer(const Layer& layer, uint32_t thread, DWORD* pixels, int32_t width
     if (window == nullptr) return;
     const Raster raster = window->picture.raster;
     guard.unlock();
+    Raster colors;
+    colors.format = PixelFormat::kRgb32;
+    RowConverter converter(raster, colors, {});
     for (LONG y = layer.seen.top; y < layer.seen.bottom; ++y) {
         const LONG sourceY = y - layer.origin.y;
         const uint8_t* row = raster.topRow != nullptr && sourceY < raster.height
@@ -94,8 +67,9 @@ void CopyLayer(const Layer& layer, uint32_t thread, DWORD* pixels, int32_t width
         const LONG from = layer.seen.left - layer.origin.x;
         const LONG end =
             row != nullptr ? std::clamp<LONG>(raster.width - from, 0, layer.seen.right - layer.seen.left) : 0;
-        CopyColors(raster, row, from, end, to + layer.seen.left);
+        if (end > 0) converter.Convert(row, from, reinterpret_cast<uint8_t*>(to), layer.seen.left, end);
         std::fill(to + layer.seen.left + end, to + layer.seen.right, 0);
+        ClearUpperBytes(to + layer.seen.left, end);
     }
     guard.lock();
     LetGoPicture(guard, *window);

@@ -1,7 +1,9 @@
-#include "platform/user/SystemColors.h"
+// The colours of the system: the classic ones, all of them among the twenty that every palette has.
+#include <windows.h>
 
 #include <array>
 
+#include "platform/gdi/StockObjects.h"
 #include "platform/kernel/Dispatcher.h"
 
 namespace {
@@ -23,40 +25,7 @@ constexpr std::array<COLORREF, kColors> kTable = {
 tdkp::LayerMutex brushLock;
 std::array<HBRUSH, kColors> madeBrushes = {};
 
-HBRUSH MakeBrush(COLORREF color) {
-    switch (color) {
-        case kBlack:
-            return static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH));
-        case kWhite:
-            return static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH));
-        case kGray:
-            return static_cast<HBRUSH>(GetStockObject(LTGRAY_BRUSH));
-        case kDarkGray:
-            return static_cast<HBRUSH>(GetStockObject(GRAY_BRUSH));
-        default:
-            return CreateSolidBrush(color);
-    }
-}
-
 }  // namespace
-
-namespace tdkp {
-
-HBRUSH BrushOfClass(HBRUSH brush) {
-    const auto number = reinterpret_cast<uintptr_t>(brush);
-    return number >= 1 && number <= kColors ? GetSysColorBrush(static_cast<INT>(number) - 1) : brush;
-}
-
-bool IsSystemBrush(HBRUSH brush) {
-    if (reinterpret_cast<uintptr_t>(brush) <= kColors) return true;
-    LayerGuard guard(brushLock);
-    for (const HBRUSH made : madeBrushes) {
-        if (made == brush) return true;
-    }
-    return false;
-}
-
-}  // namespace tdkp
 
 TDKP_API DWORD GetSysColor(INT index) {
     return index >= 0 && index < kColors ? kTable[static_cast<size_t>(index)] : 0;
@@ -66,6 +35,6 @@ TDKP_API HBRUSH GetSysColorBrush(INT index) {
     if (index < 0 || index >= kColors) return nullptr;
     tdkp::LayerGuard guard(brushLock);
     HBRUSH& brush = madeBrushes[static_cast<size_t>(index)];
-    if (brush == nullptr) brush = MakeBrush(kTable[static_cast<size_t>(index)]);
+    if (brush == nullptr) brush = tdkp::MakeStockBrush(kTable[static_cast<size_t>(index)]);
     return brush;
 }

@@ -1,15 +1,12 @@
-// Looking for a window by class and title, or by a place.
-#include <strings.h>
-
-#include "platform/user/DisplayUse.h"
+// Looking for a window by class and title.
+#include "platform/kernel/PathText.h"
 #include "platform/user/WindowTable.h"
 
 namespace tdkp {
-
 namespace {
 
 bool Matches(const Window& window, const char* className, const char* title) {
-    if (className && strcasecmp(window.windowClass->name.c_str(), className) != 0) return false;
+    if (className && !EqualsIgnoringCase(window.windowClass->name, className)) return false;
     return !title || window.title == title;
 }
 
@@ -25,7 +22,6 @@ std::vector<HWND> WindowsBelow(const DispatcherGuard& guard, HWND parent) {
 }
 
 }  // namespace
-
 }  // namespace tdkp
 
 TDKP_API HWND FindWindowExA(HWND parent, HWND after, LPCSTR className, LPCSTR title) {
@@ -38,18 +34,4 @@ TDKP_API HWND FindWindowExA(HWND parent, HWND after, LPCSTR className, LPCSTR ti
         if (handle == after) passed = true;
     }
     return nullptr;
-}
-
-TDKP_API HWND WindowFromPoint(POINT point) {
-    using namespace tdkp;
-    {
-        const DispatcherGuard guard(DispatcherLock());
-        if (!AnyWindow(guard)) return nullptr;
-    }
-    const HWND outermost = HandleOf(DisplayUse()->WindowAt(point));
-    POINT inside = point;
-    if (outermost == nullptr || !ScreenToClient(outermost, &inside)) return nullptr;
-    const DispatcherGuard guard(DispatcherLock());
-    Window* state = FindWindowState(guard, outermost);
-    return state != nullptr ? WindowAt(guard, *state, &inside) : nullptr;
 }

@@ -10,13 +10,6 @@
 namespace tdkp {
 namespace {
 
-// Of the calling thread's own window, which stays while the thread is in here. Null if it has gone.
-Display* DisplayOf(HWND window) {
-    DispatcherGuard guard(DispatcherLock());
-    const Window* state = FindWindowState(guard, window);
-    return state != nullptr ? state->display : nullptr;
-}
-
 void EraseTree(HWND window) {
     std::vector<HWND> windows;
     {
@@ -215,6 +208,12 @@ bool PositionOnOwner(HWND window, HWND after, RECT place, UINT flags) {
 
 }  // namespace
 
+Display* DisplayOf(HWND window) {
+    DispatcherGuard guard(DispatcherLock());
+    const Window* state = FindWindowState(guard, window);
+    return state != nullptr ? state->display : nullptr;
+}
+
 void TakeDisplayRect(HWND window) {
     RECT former;
     {
@@ -251,6 +250,11 @@ void SendSize(HWND window) {
     if (!GetClientRect(window, &client)) return;
     CallProcedure(window, WM_SIZE, SIZE_RESTORED,
                   MAKELPARAM(static_cast<WORD>(client.right), static_cast<WORD>(client.bottom)));
+}
+
+POINT OntoScreen(POINT corner, SIZE size, SIZE screen) {
+    return {std::max(std::min(corner.x, screen.cx - size.cx), LONG{0}),
+            std::max(std::min(corner.y, screen.cy - size.cy), LONG{0})};
 }
 
 void RaiseSiblings(HWND window) {

@@ -201,9 +201,6 @@ TDKP_API BOOL GetWindowRect(HWND window, RECT* rect) {
     return rect != nullptr && (tdkp::ScreenRect(window, rect, false) || tdkp::Fail());
 }
 
-TDKP_API BOOL AdjustWindowRectEx(RECT* rect, DWORD, BOOL, DWORD) {
-    return rect != nullptr;
-}
 TDKP_API BOOL AdjustWindowRect(RECT* rect, DWORD, BOOL) {
     return rect != nullptr;
 }

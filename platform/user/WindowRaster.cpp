@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/gdi/Rects.h"
 #include "platform/user/DisplayUse.h"
 #include "platform/user/Paint.h"
 #include "platform/user/Picture.h"
@@ -77,13 +78,13 @@ WindowRasterLock::WindowRasterLock(HWND window) : window_(window) {
     }
     state_ = state;
     raster = InsideEdge(state->picture.raster, state->edge);
-    clipCount = ClipOf(guard, *state, RECT{0, 0, raster.width, raster.height}, clip);
+    clipCount = ClipOf(guard, *state, BoundsOf(raster), clip);
 }
 
 WindowRasterLock::~WindowRasterLock() {
     if (state_ == nullptr) return;
     Window& state = *static_cast<Window*>(state_);
-    const RECT all = {0, 0, raster.width, raster.height};
+    const RECT all = BoundsOf(raster);
     RECT damaged;
     if (IntersectRect(&damaged, &damage_, &all)) {
         OffsetRect(&damaged, state.edge, state.edge);

@@ -74,4 +74,25 @@ TEST(Clip, NothingIsDrawnOutside) {
     EXPECT_EQ(NULLREGION, IntersectClipRect(canvas.dc, 0, 0, 1, 1));
 }
 
+TEST(Frame, IsOnePixelWideAndLeavesItsInside) {
+    Canvas canvas(6, 5);
+    const RECT rect = {1, 1, 5, 4};
+    FrameRect(canvas.dc, &rect, static_cast<HBRUSH>(GetCurrentObject(canvas.dc, OBJ_BRUSH)));
+    EXPECT_TRUE(SetPixelV(canvas.dc, 2, 2, RGB(255, 0, 0)));
+    EXPECT_FALSE(SetPixelV(canvas.dc, 6, 2, RGB(255, 0, 0)));
+    EXPECT_EQ((Rows{"......", ".bbbb.", ".bp.b.", ".bbbb.", "......"}), canvas.Rows());
+}
+
+TEST(Ground, OfATextIsItsWholeCellInTheBackgroundColor) {
+    Canvas canvas(30, 30);
+    SetBkColor(canvas.dc, RGB(0, 255, 0));
+    SIZE cell = {};
+    ASSERT_TRUE(GetTextExtentPoint32A(canvas.dc, " ", 1, &cell));
+    TextOutA(canvas.dc, 2, 3, " ", 1);
+    Canvas expected(30, 30);
+    SelectObject(expected.dc, GetStockObject(NULL_PEN));
+    Rectangle(expected.dc, 2, 3, 2 + cell.cx + 1, 3 + cell.cy + 1);
+    EXPECT_EQ(expected.Rows(), canvas.Rows());
+}
+
 }  // namespace

@@ -18,6 +18,12 @@ Pairs PairsOf(const std::vector<TestClass::Entry>& entries) {
     return pairs;
 }
 
+WNDPROC replaced = nullptr;
+
+LRESULT CALLBACK KeepPresses(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    return message == WM_LBUTTONDOWN ? 7 : CallWindowProcA(replaced, window, message, wParam, lParam);
+}
+
 }  // namespace
 
 TEST(UserWindows, CreationAndDestructionSpeakInThePublishedOrder) {
@@ -130,4 +136,17 @@ TEST(UserWindows, AKeyIsForTheTopLevelWindowThatTheDisplayGaveItTo) {
     EXPECT_EQ(GetFocus(), former);
     EXPECT_EQ(PairsOf(windows.Take({WM_KEYDOWN})), (Pairs{{next, WM_KEYDOWN}, {former, WM_KEYDOWN}}));
     for (const HWND window : {next, former}) DestroyWindow(window);
+}
+
+TEST(UserWindows, AProcedureThatReplacesAnotherPassesOnWhatItLeaves) {
+    TestClass windows;
+    const HWND window = windows.Make();
+    windows.Take({});
+    const LONG_PTR own = reinterpret_cast<LONG_PTR>(KeepPresses);
+    replaced = reinterpret_cast<WNDPROC>(SetWindowLongPtrA(window, GWLP_WNDPROC, own));
+    EXPECT_EQ(SendMessageA(window, WM_LBUTTONDOWN, 0, 0), 7);
+    SendMessageA(window, WM_APP, 0, 0);
+    DestroyWindow(window);
+    EXPECT_EQ(PairsOf(windows.Take({WM_LBUTTONDOWN, WM_APP, WM_NCDESTROY})),
+              (Pairs{{window, WM_APP}, {window, WM_NCDESTROY}}));
 }

@@ -4,6 +4,7 @@
 #include <new>
 
 #include "platform/display/memory/FixedPalette.h"
+#include "platform/gdi/PixelCodec.h"
 
 namespace tdkp {
 namespace {
@@ -28,6 +29,10 @@ PixelFormat FormatOfDepth(int depth) {
     }
 }
 
+const uint32_t* PaletteOf(PixelFormat format) {
+    return format == PixelFormat::kIndexed8 ? FixedPalette().data() : nullptr;
+}
+
 // Ids go on counting from one display to the next, so that a stale handle never names a new window.
 WindowId NextWindow() {
     static std::atomic<WindowId> next{kFirstWindow};
@@ -41,16 +46,11 @@ bool IsMemoryDisplayMode(const MemoryDisplayMode& mode) {
     return sizeFits && FormatOfDepth(mode.depth) != PixelFormat::kNone;
 }
 
-int32_t PicturePitch(PixelFormat format, int width) {
-    constexpr int kPad = 4;
-    return (width * BytesPerPixel(format) + kPad - 1) / kPad * kPad;
-}
-
 MemoryDisplay::MemoryDisplay(const MemoryDisplayMode& mode)
     : format_(FormatOfDepth(mode.depth)), size_{mode.width, mode.height} {}
 
 const uint32_t* MemoryDisplay::Palette() const {
-    return format_ == PixelFormat::kIndexed8 ? FixedPalette().data() : nullptr;
+    return PaletteOf(format_);
 }
 
 bool MemoryDisplay::ChangeDepth(int depth) {
@@ -67,7 +67,6 @@ WindowId MemoryDisplay::CreateWindow(const DisplayWindowInfo& info) {
     Window& window = windows_[id];
     window.parent = info.parent;
     window.place = {info.x, info.y, info.width, info.height};
-    window.order = ++lastOrder_;
     return id;
 }
 
@@ -79,34 +78,6 @@ void MemoryDisplay::DestroyWindow(WindowId id) {
 void MemoryDisplay::Move(WindowId id, int x, int y, int width, int height) {
     const LayerGuard guard(mutex_);
     if (const auto found = windows_.find(id); found != windows_.end()) found->second.place = {x, y, width, height};
-}
-
-void MemoryDisplay::Show(WindowId id, bool visible, bool activate) {
-    const LayerGuard guard(mutex_);
-    const auto found = windows_.find(id);
-    if (found == windows_.end()) return;
-    found->second.visible = visible;
-    if (activate) found->second.order = ++lastOrder_;
-}
-
-void MemoryDisplay::Raise(WindowId id) {
-    const LayerGuard guard(mutex_);
-    if (const auto found = windows_.find(id); found != windows_.end()) found->second.order = ++lastOrder_;
-}
-
-WindowId MemoryDisplay::WindowAt(POINT point) const {
-    const LayerGuard guard(mutex_);
-    WindowId topmost = 0;
-    uint64_t order = 0;
-    for (const auto& [id, window] : windows_) {
-        const Place& place = window.place;
-        const bool inside = point.x >= place.x && point.x < place.x + place.width && point.y >= place.y &&
-                            point.y < place.y + place.height;
-        if (window.parent != 0 || !window.visible || !inside || window.order < order) continue;
-        topmost = id;
-        order = window.order;
-    }
-    return topmost;
 }
 
 void MemoryDisplay::SetFullScreen(WindowId id, bool on) {
@@ -144,11 +115,11 @@ bool MemoryDisplay::MakePicture(WindowId id, int width, int height, Raster* rast
     Window& window = found->second;
     const PixelFormat format = format_;
     if (window.raster.width != width || window.raster.height != height || window.raster.format != format) {
-        const int32_t pitch = PicturePitch(format, width);
+        const auto pitch = static_cast<int32_t>(DibPitch(BitsPerPixel(format), width));
         std::unique_ptr<uint8_t[]> pixels(new (std::nothrow) uint8_t[static_cast<size_t>(pitch) * height]());
         if (!pixels) return false;
         window.pixels = std::move(pixels);
-        window.raster = {window.pixels.get(), pitch, width, height, format, Palette()};
+        window.raster = {window.pixels.get(), pitch, width, height, format, PaletteOf(format)};
     }
     *raster = window.raster;
     return true;

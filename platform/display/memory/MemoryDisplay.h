@@ -34,8 +34,8 @@ public:
     WindowId CreateWindow(const DisplayWindowInfo& info) override;
     void DestroyWindow(WindowId window) override;
     void Move(WindowId window, int x, int y, int width, int height) override;
-    void Show(WindowId window, bool visible, bool activate) override;
-    void Raise(WindowId window) override;
+    void Show(WindowId, bool, bool) override {}
+    void Raise(WindowId) override {}
     void SetTitle(WindowId, const std::string&) override {}
     void SetFullScreen(WindowId window, bool on) override;
     void SetAlwaysOnTop(WindowId, bool) override {}
@@ -46,9 +46,7 @@ public:
     void SetCursorShape(WindowId, uint32_t) override {}
 
     bool GetPointer(POINT*) const override { return false; }
-    WindowId WindowAt(POINT point) const override;
     void KeepAwake(bool) override {}
-    void WakeUp() override {}
 
     bool IsForeign(WindowId) const override { return false; }
     bool GetScreenRect(WindowId window, RECT* rect) const override;
@@ -66,8 +64,6 @@ private:
         Place place;
         Place beforeFullScreen;
         bool fullScreen = false;
-        bool visible = false;
-        uint64_t order = 0;  // a higher one lies above
         std::unique_ptr<uint8_t[]> pixels;
         Raster raster;
     };
@@ -77,10 +73,6 @@ private:
     mutable LayerMutex mutex_;
     // Guarded by mutex_.
     std::unordered_map<WindowId, Window> windows_;
-    uint64_t lastOrder_ = 0;
 };
-
-// Bytes from one row to the next of a picture `width` pixels wide, rows padded to 32 bits.
-int32_t PicturePitch(PixelFormat format, int width);
 
 }  // namespace tdkp

@@ -1,9 +1,10 @@
 #include "platform/display/x11/UriList.h"
 
-#include <strings.h>
 #include <unistd.h>
 
 #include <charconv>
+
+#include "platform/kernel/PathText.h"
 
 namespace tdkp {
 namespace {
@@ -12,10 +13,10 @@ constexpr std::string_view kScheme = "file:";
 constexpr std::string_view kAuthority = "//";
 constexpr int kHexadecimal = 16;
 
-bool IsThisMachine(const std::string& host) {
+bool IsThisMachine(std::string_view host) {
     char name[256] = {};
-    return host.empty() || strcasecmp(host.c_str(), "localhost") == 0 ||
-           (gethostname(name, sizeof name - 1) == 0 && strcasecmp(host.c_str(), name) == 0);
+    return host.empty() || EqualsIgnoringCase(host, "localhost") ||
+           (gethostname(name, sizeof name - 1) == 0 && EqualsIgnoringCase(host, name));
 }
 
 // Empty if an escape is broken or stands for the end of the text.
@@ -38,12 +39,12 @@ std::string Decode(std::string_view text) {
 
 // Empty if it names no file of this machine.
 std::string PathOf(std::string_view uri) {
-    if (uri.size() < kScheme.size() || strncasecmp(uri.data(), kScheme.data(), kScheme.size()) != 0) return "";
+    if (!EqualsIgnoringCase(uri.substr(0, kScheme.size()), kScheme)) return "";
     uri.remove_prefix(kScheme.size());
     if (uri.substr(0, kAuthority.size()) == kAuthority) {
         uri.remove_prefix(kAuthority.size());
         const size_t slash = uri.find('/');
-        if (slash == std::string_view::npos || !IsThisMachine(std::string(uri.substr(0, slash)))) return "";
+        if (slash == std::string_view::npos || !IsThisMachine(uri.substr(0, slash))) return "";
         uri.remove_prefix(slash);
     }
     return !uri.empty() && uri.front() == '/' ? Decode(uri) : "";

@@ -164,9 +164,7 @@ void X11Connection::Break() const {
 
 xcb_window_t X11Connection::WindowProperty(xcb_window_t window, xcb_atom_t property) const {
     const auto cookie = xcb_get_property(connection_, 0, window, property, XCB_ATOM_WINDOW, 0, 1);
-    xcb_generic_error_t* error = nullptr;
-    const auto reply = X11Reply(xcb_get_property_reply(connection_, cookie, &error));
-    const auto errorOwner = X11Reply(error);
+    const auto reply = X11Reply(xcb_get_property_reply(connection_, cookie, nullptr));
     xcb_window_t value = 0;
     if (reply && xcb_get_property_value_length(reply.get()) == static_cast<int>(sizeof value))
         std::memcpy(&value, xcb_get_property_value(reply.get()), sizeof value);

@@ -245,10 +245,8 @@ bool X11Display::GrabInput(WindowId id) {
                                                 XCB_GRAB_MODE_ASYNC, XCB_WINDOW_NONE, arrow, XCB_CURRENT_TIME);
     const auto keyboardCookie =
         xcb_grab_keyboard(connection, kAllEventsHere, id, XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
-    xcb_generic_error_t* errors[2] = {};
-    const auto pointer = X11Reply(xcb_grab_pointer_reply(connection, pointerCookie, &errors[0]));
-    const auto keyboard = X11Reply(xcb_grab_keyboard_reply(connection, keyboardCookie, &errors[1]));
-    for (xcb_generic_error_t* error : errors) X11Reply(error);
+    const auto pointer = X11Reply(xcb_grab_pointer_reply(connection, pointerCookie, nullptr));
+    const auto keyboard = X11Reply(xcb_grab_keyboard_reply(connection, keyboardCookie, nullptr));
     return pointer && pointer->status == XCB_GRAB_STATUS_SUCCESS && keyboard &&
            keyboard->status == XCB_GRAB_STATUS_SUCCESS;
 }
@@ -271,41 +269,16 @@ bool X11Display::GetPointer(POINT* point) const {
     const TerminationDeferral deferral;
     xcb_connection_t* const connection = connection_->Get();
     const auto cookie = xcb_query_pointer(connection, connection_->Screen().root);
-    xcb_generic_error_t* error = nullptr;
-    const auto reply = X11Reply(xcb_query_pointer_reply(connection, cookie, &error));
-    const auto errorOwner = X11Reply(error);
+    const auto reply = X11Reply(xcb_query_pointer_reply(connection, cookie, nullptr));
     if (!reply) return false;
     *point = {reply->root_x, reply->root_y};
     return true;
-}
-
-WindowId X11Display::WindowAt(POINT point) const {
-    const TerminationDeferral deferral;
-    xcb_connection_t* const connection = connection_->Get();
-    const xcb_window_t root = connection_->Screen().root;
-    xcb_window_t window = root;
-    // Inwards through the frames of the window manager.
-    while (window != 0 && !windows_.Has(window)) {
-        const auto cookie =
-            xcb_translate_coordinates(connection, root, window, Coordinate(point.x), Coordinate(point.y));
-        xcb_generic_error_t* error = nullptr;
-        const auto reply = X11Reply(xcb_translate_coordinates_reply(connection, cookie, &error));
-        const auto errorOwner = X11Reply(error);
-        window = reply ? reply->child : 0;
-    }
-    return window;
 }
 
 void X11Display::KeepAwake(bool on) {
     const TerminationDeferral deferral;
     // The server counts each client's requests, and drops them with the connection.
     if (keepsAwake_.exchange(on) != on) SuspendX11ScreenSaver(connection_->Get(), on);
-    connection_->Flush();
-}
-
-void X11Display::WakeUp() {
-    const TerminationDeferral deferral;
-    xcb_force_screen_saver(connection_->Get(), XCB_SCREEN_SAVER_RESET);
     connection_->Flush();
 }
 
@@ -319,10 +292,8 @@ bool X11Display::GetScreenRect(WindowId id, RECT* rect) const {
     xcb_connection_t* const connection = connection_->Get();
     const auto geometryCookie = xcb_get_geometry(connection, id);
     const auto originCookie = xcb_translate_coordinates(connection, id, connection_->Screen().root, 0, 0);
-    xcb_generic_error_t* errors[2] = {};
-    const auto geometry = X11Reply(xcb_get_geometry_reply(connection, geometryCookie, &errors[0]));
-    const auto origin = X11Reply(xcb_translate_coordinates_reply(connection, originCookie, &errors[1]));
-    for (xcb_generic_error_t* error : errors) X11Reply(error);
+    const auto geometry = X11Reply(xcb_get_geometry_reply(connection, geometryCookie, nullptr));
+    const auto origin = X11Reply(xcb_translate_coordinates_reply(connection, originCookie, nullptr));
     // A pixmap has a geometry too, but no place.
     if (!geometry || !origin) return false;
     *rect = {origin->dst_x, origin->dst_y, origin->dst_x + geometry->width, origin->dst_y + geometry->height};

@@ -35,9 +35,7 @@ public:
     void SetCursorShape(WindowId window, uint32_t shape) override;
 
     bool GetPointer(POINT* point) const override;
-    WindowId WindowAt(POINT point) const override;
     void KeepAwake(bool on) override;
-    void WakeUp() override;
 
     bool IsForeign(WindowId window) const override;
     bool GetScreenRect(WindowId window, RECT* rect) const override;

@@ -20,10 +20,7 @@ constexpr uint32_t kMostWords = 1 << 20;  // of what is dropped
 X11Owned<xcb_get_property_reply_t> ReadProperty(xcb_connection_t* connection, xcb_window_t window, xcb_atom_t property,
                                                 bool remove) {
     const auto cookie = xcb_get_property(connection, remove ? 1 : 0, window, property, XCB_ATOM_ANY, 0, kMostWords);
-    xcb_generic_error_t* error = nullptr;
-    auto reply = X11Reply(xcb_get_property_reply(connection, cookie, &error));
-    const auto errorOwner = X11Reply(error);
-    return reply;
+    return X11Reply(xcb_get_property_reply(connection, cookie, nullptr));
 }
 
 }  // namespace

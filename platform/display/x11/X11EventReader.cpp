@@ -198,9 +198,7 @@ void X11EventReader::OnConfigure(const xcb_configure_notify_event_t& event, bool
         // The position is the one in the frame.
         xcb_connection_t* const connection = connection_->Get();
         const auto cookie = xcb_translate_coordinates(connection, event.window, connection_->Screen().root, 0, 0);
-        xcb_generic_error_t* error = nullptr;
-        const auto reply = X11Reply(xcb_translate_coordinates_reply(connection, cookie, &error));
-        const auto errorOwner = X11Reply(error);
+        const auto reply = X11Reply(xcb_translate_coordinates_reply(connection, cookie, nullptr));
         if (!reply) return;
         place.x = reply->dst_x;
         place.y = reply->dst_y;

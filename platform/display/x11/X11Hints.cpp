@@ -84,9 +84,7 @@ std::string HostName() {
 
 bool HasProperty(const X11Connection& connection, xcb_window_t window, xcb_atom_t property) {
     const auto cookie = xcb_get_property(connection.Get(), 0, window, property, XCB_ATOM_ANY, 0, 0);
-    xcb_generic_error_t* error = nullptr;
-    const auto reply = X11Reply(xcb_get_property_reply(connection.Get(), cookie, &error));
-    const auto errorOwner = X11Reply(error);
+    const auto reply = X11Reply(xcb_get_property_reply(connection.Get(), cookie, nullptr));
     return reply && reply->type != XCB_ATOM_NONE;
 }
 
@@ -94,10 +92,8 @@ bool HasProperty(const X11Connection& connection, xcb_window_t window, xcb_atom_
 xcb_window_t ManagedWindowOf(const X11Connection& connection, xcb_window_t window) {
     const xcb_window_t root = connection.Screen().root;
     while (window != 0 && window != root) {
-        xcb_generic_error_t* error = nullptr;
         const auto tree =
-            X11Reply(xcb_query_tree_reply(connection.Get(), xcb_query_tree(connection.Get(), window), &error));
-        const auto errorOwner = X11Reply(error);
+            X11Reply(xcb_query_tree_reply(connection.Get(), xcb_query_tree(connection.Get(), window), nullptr));
         if (!tree) return 0;
         if (tree->parent == root || HasProperty(connection, window, connection.Atoms().wmState)) return window;
         window = tree->parent;

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "platform/display/x11/X11Reply.h"
+#include "platform/gdi/Rects.h"
 
 namespace tdkp {
 namespace {
@@ -74,9 +75,8 @@ bool X11Picture::Share(size_t bytes) {
 }
 
 void X11Picture::Put(xcb_window_t window, const RECT& rect) const {
-    const RECT part = {std::max(rect.left, 0), std::max(rect.top, 0), std::min(rect.right, raster_.width),
-                       std::min(rect.bottom, raster_.height)};
-    if (part.left >= part.right || part.top >= part.bottom) return;
+    const RECT part = Intersect(rect, BoundsOf(raster_));
+    if (IsEmpty(part)) return;
     if (segment_ != 0)
         PutShared(window, part);
     else

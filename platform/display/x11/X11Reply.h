@@ -13,7 +13,8 @@ struct X11Free {
 template <typename T>
 using X11Owned = std::unique_ptr<T, X11Free>;
 
-// Takes over a reply, an event or an error; null is fine.
+// Takes over a reply, an event or an error; null is fine. An error that the library is given no place for it frees
+// itself.
 template <typename T>
 X11Owned<T> X11Reply(T* reply) {
     return X11Owned<T>(reply);

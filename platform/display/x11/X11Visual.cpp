@@ -103,9 +103,7 @@ bool AllocateShared(xcb_connection_t* connection, xcb_colormap_t colormap, const
                                           static_cast<uint16_t>((color & 255) * kColorScale)));
     std::vector<uint32_t> allocated;
     for (const xcb_alloc_color_cookie_t cookie : cookies) {
-        xcb_generic_error_t* error = nullptr;
-        const auto reply = X11Reply(xcb_alloc_color_reply(connection, cookie, &error));
-        const auto errorOwner = X11Reply(error);
+        const auto reply = X11Reply(xcb_alloc_color_reply(connection, cookie, nullptr));
         if (!reply || reply->pixel >= kPaletteSize) continue;
         allocated.push_back(reply->pixel);
         (*palette)[reply->pixel] = Rgb(reply->red, reply->green, reply->blue);
