@@ -19,7 +19,7 @@ namespace {
 
 constexpr uint32_t kRate = 44100;
 constexpr int kFramesPerSecond = 30;
-constexpr int kRuns = 3;
+constexpr int kRuns = 5;
 
 double SecondsOf(const timeval& time) {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;

@@ -86,7 +86,7 @@ public:
 
     int64_t At(int to) const {
         const int64_t size = int64_t{fromHigh_} - fromLow_;
-        const int64_t step = (int64_t{to} - toLow_) * size / toSize_;
+        const int64_t place = int64_t{to} - toLow_, step = size == toSize_ ? place : place * size / toSize_;
         return mirror_ ? int64_t{fromHigh_} - 1 - step : int64_t{fromLow_} + step;
     }
 
@@ -175,9 +175,9 @@ private:
         for (int x = visible_.left; x < visible_.right; ++x) map_.push_back(static_cast<int>(columns_.At(x)));
     }
 
-    // Puts the source row for the target row `y` at pixel `toX` of `to`, in the target's format.
-    void MakeRow(int y, uint8_t* to, int toX) {
-        const uint8_t* from = RowOf(job_.from, static_cast<int>(rows_.At(y)));
+    // Puts a source row at pixel `toX` of `to`, in the target's format.
+    void MakeRow(int64_t source, uint8_t* to, int toX) {
+        const uint8_t* from = RowOf(job_.from, static_cast<int>(source));
         int fromX = static_cast<int>(columns_.At(visible_.left));
         if (!map_.empty()) {
             uint8_t* gathered = Scratch(gathered_, job_.from.format, Width(visible_));
@@ -202,7 +202,7 @@ private:
             if (source == lastSource)
                 CopyRow(job_.to.format, lastRow, visible_.left, row, visible_.left, Width(visible_));
             else
-                MakeRow(y, row, visible_.left);
+                MakeRow(source, row, visible_.left);
             lastSource = source;
             lastRow = row;
         }
@@ -217,7 +217,7 @@ private:
         FillPixels(patternRow, {0, 0, width, 1}, job_.pattern);
         uint8_t* source = Scratch(sourceBuffer, job_.to.format, width);
         for (int y = visible_.top; y < visible_.bottom; ++y) {
-            MakeRow(y, source, 0);
+            MakeRow(rows_.At(y), source, 0);
             combiner.Combine(patternRow.topRow, source, RowOf(job_.to, y), visible_.left, width);
         }
     }
